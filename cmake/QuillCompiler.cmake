@@ -1,0 +1,33 @@
+# Compiler settings shared by every target of the project.
+
+find_program(QUILL_CCACHE ccache)
+if(QUILL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${QUILL_CCACHE})
+endif()
+
+find_program(QUILL_LLD ld.lld)
+if(QUILL_LLD)
+    add_link_options(-fuse-ld=lld)
+endif()
+
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# Language level, include root, warnings and sanitizers for one of our targets.
+function(quill_setup target)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    target_include_directories(${target} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quill>)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+    if(QUILL_WERROR)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+    if(QUILL_SANITIZE)
+        target_compile_options(${target} PUBLIC
+            $<BUILD_INTERFACE:-fsanitize=${QUILL_SANITIZE}> $<BUILD_INTERFACE:-fno-omit-frame-pointer>
+            $<BUILD_INTERFACE:-fno-sanitize-recover=all>)
+        target_link_options(${target} PUBLIC $<BUILD_INTERFACE:-fsanitize=${QUILL_SANITIZE}>)
+    endif()
+endfunction()
