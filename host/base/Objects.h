@@ -1,0 +1,104 @@
+// Root classes: objects, persistent objects and components with owners.
+#pragma once
+
+#include "host/base/Types.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quill {
+
+class TFiler;
+class TComponent;
+struct TClassInfo;
+
+class TObject {
+public:
+    virtual ~TObject() = default;
+    // The name of the most derived class, without namespace.
+    virtual std::string ClassName() const;
+
+protected:
+    TObject() = default;
+    TObject(const TObject&) = default;
+    TObject& operator=(const TObject&) = default;
+};
+
+// An event without arguments other than its sender.
+using TNotifyEvent = std::function<void(TObject* Sender)>;
+
+// An object whose state can be copied and streamed.
+class TPersistent : public TObject {
+public:
+    // Copies this object into Dest; the base knows no class it could copy into and raises EConvertError.
+    virtual void AssignTo(TPersistent* Dest);
+    // Declares the properties that are streamed besides the published ones.
+    virtual void DefineProperties(TFiler& Filer);
+    // Copies Source into this object; the base asks Source to do it (AssignTo). A null Source raises EConvertError.
+    virtual void Assign(TPersistent* Source);
+    // The published properties of the class, or null when it has none (host/base/Reflection.h).
+    virtual const TClassInfo* GetClassInfo() const { return nullptr; }
+};
+
+enum TComponentStateValue { csLoading, csReading, csWriting, csDestroying, csDesigning, csAncestor };
+using TComponentState = TSet<TComponentStateValue>;
+enum TOperation { opInsert, opRemove };
+
+// An object with a name, an owner that destroys it, and components that it owns.
+// Not copyable. Removing and destroying is safe in any order: both sides unlink.
+class TComponent : public TPersistent {
+public:
+    explicit TComponent(TComponent* AOwner = nullptr);
+    ~TComponent() override;
+    TComponent(const TComponent&) = delete;
+    TComponent& operator=(const TComponent&) = delete;
+
+    TComponent* GetOwner() const { return FOwner; }
+    const std::string& GetName() const { return FName; }
+    void SetName(const std::string& Value) { FName = Value; }
+    std::intptr_t GetTag() const { return FTag; }
+    void SetTag(std::intptr_t Value) { FTag = Value; }
+
+    TComponentState GetComponentState() const { return FComponentState; }
+    bool HasState(TComponentStateValue Value) const { return FComponentState.Contains(Value); }
+    // Design-time state: the control is being laid out, not used. Set by designers.
+    void SetDesigning(bool Value);
+
+    int GetComponentCount() const { return static_cast<int>(FComponents.size()); }
+    TComponent* GetComponents(int Index) const;
+    TComponent* FindComponent(const std::string& AName) const;
+    void InsertComponent(TComponent* AComponent);
+    void RemoveComponent(TComponent* AComponent);
+
+    // Asks AComponent to call our Notification(AComponent, opRemove) before it goes.
+    void FreeNotification(TComponent* AComponent);
+    void RemoveFreeNotification(TComponent* AComponent);
+
+    // A component that this one owns or asked about comes or goes.
+    virtual void Notification(TComponent* AComponent, TOperation Operation);
+    // The component was read from a stream completely.
+    virtual void Loaded();
+
+    // For readers of form streams: csLoading and csReading around reading, then Loaded.
+    void BeginLoading();
+    void EndReading();
+    void EndLoading();
+
+protected:
+    // To be called first by the most derived destructors, so that overridden operations see csDestroying.
+    void Destroying();
+    void IncludeState(TComponentStateValue Value) { FComponentState.Include(Value); }
+    void ExcludeState(TComponentStateValue Value) { FComponentState.Exclude(Value); }
+
+private:
+    TComponent* FOwner = nullptr;
+    std::string FName;
+    std::intptr_t FTag = 0;
+    TComponentState FComponentState;
+    std::vector<TComponent*> FComponents;
+    std::vector<TComponent*> FFreeNotifies;
+};
+
+} // namespace quill
