@@ -1,0 +1,199 @@
+// The drawing surface of controls and bitmaps, with the toolkit's named drawing operations.
+#pragma once
+
+#include "host/graphics/Graphics.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+class QImage;
+class QPainter;
+class QPalette;
+class QRegion;
+
+namespace quill {
+
+// DrawText flags.
+inline constexpr unsigned DT_TOP = 0x0;
+inline constexpr unsigned DT_LEFT = 0x0;
+inline constexpr unsigned DT_CENTER = 0x1;
+inline constexpr unsigned DT_RIGHT = 0x2;
+inline constexpr unsigned DT_VCENTER = 0x4;
+inline constexpr unsigned DT_BOTTOM = 0x8;
+inline constexpr unsigned DT_WORDBREAK = 0x10;
+inline constexpr unsigned DT_SINGLELINE = 0x20;
+inline constexpr unsigned DT_NOCLIP = 0x100;
+inline constexpr unsigned DT_CALCRECT = 0x400;
+inline constexpr unsigned DT_NOPREFIX = 0x800;
+inline constexpr unsigned DT_END_ELLIPSIS = 0x8000;
+inline constexpr unsigned DT_RTLREADING = 0x20000;
+
+// DrawFrameControl types and states.
+inline constexpr unsigned DFC_BUTTON = 4;
+inline constexpr unsigned DFCS_BUTTONCHECK = 0x0;
+inline constexpr unsigned DFCS_BUTTONRADIO = 0x4;
+inline constexpr unsigned DFCS_INACTIVE = 0x100;
+inline constexpr unsigned DFCS_PUSHED = 0x200;
+inline constexpr unsigned DFCS_CHECKED = 0x400;
+inline constexpr unsigned DFCS_FLAT = 0x4000;
+
+// DrawEdge edges and flags.
+inline constexpr unsigned BDR_RAISEDOUTER = 0x1;
+inline constexpr unsigned BDR_SUNKENOUTER = 0x2;
+inline constexpr unsigned BDR_RAISEDINNER = 0x4;
+inline constexpr unsigned BDR_SUNKENINNER = 0x8;
+inline constexpr unsigned BF_LEFT = 0x1;
+inline constexpr unsigned BF_TOP = 0x2;
+inline constexpr unsigned BF_RIGHT = 0x4;
+inline constexpr unsigned BF_BOTTOM = 0x8;
+inline constexpr unsigned BF_RECT = 0xF;
+
+// Raster operations of BitBlt and PatBlt.
+inline constexpr unsigned SRCCOPY = 0xCC0020;
+inline constexpr unsigned SRCINVERT = 0x660046;
+inline constexpr unsigned PATCOPY = 0xF00021;
+inline constexpr unsigned PATINVERT = 0x5A0049;
+inline constexpr unsigned DSTINVERT = 0x550009;
+inline constexpr unsigned BLACKNESS = 0x000042;
+inline constexpr unsigned WHITENESS = 0xFF0062;
+
+inline constexpr int TRANSPARENT = 1;
+inline constexpr int OPAQUE = 2;
+
+enum TCanvasOrientation { coLeftToRight, coRightToLeft };
+
+struct TTextMetrics {
+    int Height = 0;  // ascent + descent
+    int Ascent = 0;  // above the baseline
+    int Descent = 0; // below it
+    int AveCharWidth = 0;
+};
+
+// Draws in device-independent pixels. Edges are snapped to device pixels once, so that neighbours always meet; a
+// hairline has a constant device width (the whole part of the scale, at least 1 device pixel).
+// While the mirrored mapping is on (SetMirrored), points go to Width - x and rectangles [L, R) to
+// [Width - R, Width - L); glyphs and pictures are never flipped, texts keep their reading order.
+// All operations are virtual: TRecordingCanvas logs them. An operation on a canvas without a surface does nothing,
+// measuring excepted.
+class TCanvas : public TPersistent {
+public:
+    TCanvas();
+    ~TCanvas() override;
+    TCanvas(const TCanvas&) = delete;
+    TCanvas& operator=(const TCanvas&) = delete;
+
+    TFont* GetFont() { return &FFont; }
+    void SetFont(TFont* Value) { FFont.Assign(Value); }
+    TPen* GetPen() { return &FPen; }
+    void SetPen(TPen* Value) { FPen.Assign(Value); }
+    TBrush* GetBrush() { return &FBrush; }
+    void SetBrush(TBrush* Value) { FBrush.Assign(Value); }
+
+    // --- mapping and clipping ---------------------------------------------------------------------------------
+    // The mirrored mapping over Width pixels; Width counts only when On.
+    virtual void SetMirrored(bool On, int Width);
+    TCanvasOrientation GetCanvasOrientation() const { return FMirrored ? coRightToLeft : coLeftToRight; }
+    double GetScale() const { return FScale; }
+    // Device pixels of x on the surface.
+    int ToDevice(int Value) const;
+    // Whether any pixel of Rect (mapped) lies inside the clip.
+    virtual bool RectVisible(const TRect& Rect) const;
+    // The unmapped bounding rectangle of the clip.
+    virtual TRect GetClipRect() const;
+    // Narrows the clip to Rect until the matching RestoreClip; brackets nest.
+    virtual void IntersectClip(const TRect& Rect);
+    virtual void RestoreClip();
+
+    // --- lines and shapes -------------------------------------------------------------------------------------
+    virtual void MoveTo(int X, int Y);
+    // From the pen position to (X, Y), the last point excluded, with the pen.
+    virtual void LineTo(int X, int Y);
+    TPoint GetPenPos() const { return FPenPos; }
+    // Fills with the brush.
+    virtual void FillRect(const TRect& Rect);
+    // A frame of one pixel in the brush's colour.
+    virtual void FrameRect(const TRect& Rect);
+    // Outline with the pen, inside filled with the brush.
+    virtual void Rectangle(const TRect& Rect);
+    virtual void Ellipse(const TRect& Rect);
+    virtual void Polygon(std::span<const TPoint> Points);
+    // The dotted focus frame; drawing it twice restores the pixels.
+    virtual void DrawFocusRect(const TRect& Rect);
+    virtual void InvertRect(const TRect& Rect);
+    virtual void SetPixel(int X, int Y, TColor Color);
+    // Many single pixels of one colour in one go (dotted lines).
+    virtual void SetPixels(std::span<const TPoint> Points, TColor Color);
+    // 0x00BBGGRR, or clNone outside the surface.
+    virtual TColor GetPixel(int X, int Y) const;
+
+    // --- text -------------------------------------------------------------------------------------------------
+    // Draws or measures (DT_CALCRECT) UTF-8 text with the canvas font; returns the text height. Measuring stores the
+    // extent in Rect: with DT_WORDBREAK the width stays unless a word is wider, the height grows to the lines.
+    // Without DT_NOPREFIX a single "&" underlines the next character. Mirrored: Rect is mirrored, glyphs are not.
+    virtual int DrawText(std::string_view Text, TRect& Rect, unsigned Flags);
+    virtual void TextOut(int X, int Y, std::string_view Text);
+    virtual TSize TextExtent(std::string_view Text);
+    int TextWidth(std::string_view Text) { return TextExtent(Text).cx; }
+    int TextHeight(std::string_view Text) { return TextExtent(Text).cy; }
+    virtual TTextMetrics GetTextMetrics();
+    // TRANSPARENT or OPAQUE (text background filled with the brush); returns the old mode.
+    virtual int SetBkMode(int Mode);
+    int GetBkMode() const { return FBkMode; }
+
+    // --- frames and controls ----------------------------------------------------------------------------------
+    virtual void DrawEdge(const TRect& Rect, unsigned Edge, unsigned Flags);
+    // Check boxes and radio buttons in the classic look, right on light and dark palettes.
+    virtual void DrawFrameControl(const TRect& Rect, unsigned Type, unsigned State);
+
+    // --- pictures ---------------------------------------------------------------------------------------------
+    virtual void Draw(int X, int Y, TGraphic* Graphic);
+    virtual void StretchDraw(const TRect& Rect, TGraphic* Graphic);
+    // Copies Width x Height pixels from (SrcX, SrcY) of Source, clipped to both surfaces; never stretched. A copy
+    // between canvases of one scale moves device pixels exactly; source and target may be one canvas.
+    virtual void BitBlt(int X, int Y, int Width, int Height, TCanvas& Source, int SrcX, int SrcY, unsigned Rop);
+    // The same with a constant opacity of Alpha (0 .. 255).
+    virtual void AlphaBlend(int X, int Y, int Width, int Height, TCanvas& Source, int SrcX, int SrcY, int Alpha);
+    virtual void PatBlt(int X, int Y, int Width, int Height, unsigned Rop);
+    // Copies SrcRect of Source into Rect, stretched when the sizes differ.
+    virtual void CopyRect(const TRect& Rect, TCanvas& Source, const TRect& SrcRect);
+
+    // --- the toolkit side (host/ only) ------------------------------------------------------------------------
+    // Binds the canvas to an image in device pixels, null to unbind. The image must outlive the binding.
+    void Bind(QImage* Image, double Scale);
+    QImage* GetSurface() const { return FImage; }
+    // The palette that system colours and frames are taken from.
+    void SetPalette(const QPalette& Palette);
+    const QPalette& GetPalette() const;
+    // Restricts drawing to a region in device pixels; an empty region lifts the restriction.
+    void SetDeviceClip(const QRegion& Region);
+    // Closes the painter (it opens again at the next operation); needed before the image is used elsewhere.
+    void EndPainting();
+    QPainter* GetPainter();
+    // Called before the first drawing operation after Bind or EndPainting (a control learns that it was drawn on).
+    std::function<void()> OnOpen;
+
+protected:
+    TRect MapRect(const TRect& Rect) const;
+    TPoint MapPoint(int X, int Y) const;
+
+    TFont FFont;
+    TPen FPen;
+    TBrush FBrush;
+    TPoint FPenPos;
+    bool FMirrored = false;
+    int FMirrorWidth = 0;
+    int FBkMode = OPAQUE;
+    double FScale = 1.0;
+
+private:
+    struct TState;
+    QImage* FImage = nullptr;
+    std::unique_ptr<TState> FState;
+};
+
+// A canvas that writes every drawing operation as one line of text, with its arguments in client pixels before
+// mapping, and performs it as well. For tests of drawing order.
+class TRecordingCanvas;
+
+} // namespace quill

@@ -1,0 +1,349 @@
+// The base of all windowed controls: a Qt widget that speaks the toolkit's language. It owns a retained surface, so
+// that Canvas is valid at any time; it turns Qt events into typed messages; and it keeps the state "handle exists"
+// on its own, so that what depends on it works without showing a window.
+#pragma once
+
+#include "host/base/Objects.h"
+#include "host/graphics/Canvas.h"
+#include "host/windows/Messages.h"
+
+#include <QAbstractScrollArea>
+#include <QRegion>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quill {
+
+enum TBorderStyle { bsNone, bsSingle };
+enum TBiDiMode { bdLeftToRight, bdRightToLeft, bdRightToLeftNoAlign, bdRightToLeftReadingOnly };
+enum TControlStyleValue { csAcceptsControls, csCaptureMouse, csClickEvents, csFramed, csOpaque, csDoubleClicks };
+using TControlStyle = TSet<TControlStyleValue>;
+enum TControlStateValue { csLButtonDown, csClicked };
+using TControlState = TSet<TControlStateValue>;
+enum TScrollStyle { ssNone, ssHorizontal, ssVertical, ssBoth };
+enum TDragMode { dmManual, dmAutomatic };
+enum TDragKind { dkDrag, dkDock };
+
+using TCursor = int;
+inline constexpr TCursor crDefault = 0;
+inline constexpr TCursor crNone = -1;
+inline constexpr TCursor crArrow = -2;
+inline constexpr TCursor crCross = -3;
+inline constexpr TCursor crIBeam = -4;
+inline constexpr TCursor crSizeNS = -7;
+inline constexpr TCursor crSizeWE = -9;
+inline constexpr TCursor crHourGlass = -11;
+inline constexpr TCursor crDrag = -12;
+inline constexpr TCursor crNoDrop = -13;
+inline constexpr TCursor crHSplit = -14;
+inline constexpr TCursor crVSplit = -15;
+inline constexpr TCursor crHandPoint = -21;
+
+// Window styles that CreateParams fills in.
+inline constexpr unsigned WS_TABSTOP = 0x10000;
+inline constexpr unsigned WS_HSCROLL = 0x100000;
+inline constexpr unsigned WS_VSCROLL = 0x200000;
+inline constexpr unsigned WS_BORDER = 0x800000;
+inline constexpr unsigned WS_EX_CLIENTEDGE = 0x200;
+inline constexpr unsigned CS_DBLCLKS = 8;
+struct TCreateParams {
+    unsigned Style = 0;
+    unsigned ExStyle = 0;
+    unsigned WindowClassStyle = 0;
+};
+
+using TMouseEvent = std::function<void(TObject* Sender, TMouseButton Button, TShiftState Shift, int X, int Y)>;
+using TMouseMoveEvent = std::function<void(TObject* Sender, TShiftState Shift, int X, int Y)>;
+using TKeyEvent = std::function<void(TObject* Sender, std::uint16_t& Key, TShiftState Shift)>;
+using TKeyPressEvent = std::function<void(TObject* Sender, char32_t& Key)>;
+using TMouseWheelEvent =
+    std::function<void(TObject* Sender, TShiftState Shift, int WheelDelta, TPoint MousePos, bool& Handled)>;
+using TMouseWheelUpDownEvent =
+    std::function<void(TObject* Sender, TShiftState Shift, TPoint MousePos, bool& Handled)>;
+
+// Tells whether a control still exists after application code has run. Cheap; made on the stack before the call.
+class TControlGuard;
+
+// Positions are client coordinates in device-independent pixels unless said otherwise. All protected operations of
+// the toolkit are public here, so that descendants and tests can call them through the base.
+class TCustomControl : public QAbstractScrollArea, public TComponent {
+    Q_OBJECT
+
+public:
+    // AOwner destroys the control; AParent is the widget it is shown in (and destroys it as well). Whichever goes
+    // first unlinks the control from the other.
+    explicit TCustomControl(TComponent* AOwner, QWidget* AParent = nullptr);
+    ~TCustomControl() override;
+
+    // --- the window handle ------------------------------------------------------------------------------------
+    // The handle exists from the first show or HandleNeeded until the control goes; RecreateWnd makes a new one.
+    bool HandleAllocated() const { return FHandleAllocated; }
+    void HandleNeeded();
+    void RecreateWnd();
+    virtual void CreateParams(TCreateParams& Params);
+    virtual void CreateWnd();
+    virtual void CreateWindowHandle(const TCreateParams& Params);
+    virtual void DestroyWnd();
+    const TCreateParams& GetWindowParams() const { return FParams; }
+
+    // --- size and place ---------------------------------------------------------------------------------------
+    int GetClientWidth() const;
+    int GetClientHeight() const;
+    TRect GetClientRect() const { return {0, 0, GetClientWidth(), GetClientHeight()}; }
+    // Sizes the control so that the client area gets that size (with the bars as they are now).
+    void SetClientSize(int AWidth, int AHeight);
+    int GetLeft() const { return x(); }
+    int GetTop() const { return y(); }
+    int GetWidth() const { return width(); }
+    int GetHeight() const { return height(); }
+    void SetBounds(int ALeft, int ATop, int AWidth, int AHeight);
+    void SetLeft(int Value) { SetBounds(Value, GetTop(), GetWidth(), GetHeight()); }
+    void SetTop(int Value) { SetBounds(GetLeft(), Value, GetWidth(), GetHeight()); }
+    void SetWidth(int Value) { SetBounds(GetLeft(), GetTop(), Value, GetHeight()); }
+    void SetHeight(int Value) { SetBounds(GetLeft(), GetTop(), GetWidth(), Value); }
+    TPoint ClientToScreen(TPoint Point) const;
+    TPoint ScreenToClient(TPoint Point) const;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    // --- painting ---------------------------------------------------------------------------------------------
+    // Draws on the control's surface, at any time. What is drawn outside Paint reaches the screen with the next
+    // flush (Update, ProcessMessages or the event loop).
+    TCanvas* GetCanvas() const { return FCanvas.get(); }
+    // Paints what is invalid; the canvas is clipped to it.
+    virtual void Paint() {}
+    // Marks all, or one rectangle, for the next paint. Nothing happens without a handle or while redraw is off.
+    virtual void Invalidate();
+    void InvalidatePixels(const TRect& Rect, bool Erase = true);
+    // Brings the surface up to date now; the screen follows with the next flush.
+    void Update();
+    void Repaint();
+    // Puts the surface on the screen now (when the window is shown), without painting invalid parts.
+    void Flush();
+    // Whether something waits to be painted; the invalid region's bounds, for tests.
+    bool HasInvalidRegion() const { return !FInvalid.isEmpty(); }
+    TRect GetInvalidBounds() const;
+    // Moves the pixels of Scroll by (DX, DY) inside Clip and invalidates what is uncovered. Falls back to
+    // invalidating Clip when the distance is not a whole number of device pixels.
+    void ScrollWindow(int DX, int DY, const TRect& Scroll, const TRect& Clip);
+    // Device pixels per unit of the surface.
+    double GetScale() const;
+    // The surface as the user sees it, brought up to date first.
+    QImage GetSurfaceImage();
+    // Bitmap of the surface for programs and tests without Qt (client size).
+    std::unique_ptr<TBitmap> CaptureClient();
+    // Number of Paint calls so far, for tests and benchmarks; device pixels painted by them.
+    std::uint64_t GetPaintCount() const { return FPaintCount; }
+    std::uint64_t GetPaintedPixels() const { return FPaintedPixels; }
+
+    // --- properties -------------------------------------------------------------------------------------------
+    TColor GetColor() const { return FColor; }
+    void SetColor(TColor Value);
+    TFont* GetFont() { return FFont.get(); }
+    void SetFont(TFont* Value);
+    bool GetParentColor() const { return FParentColor; }
+    void SetParentColor(bool Value);
+    bool GetParentFont() const { return FParentFont; }
+    void SetParentFont(bool Value);
+    bool GetCtl3D() const { return FCtl3D; }
+    void SetCtl3D(bool Value);
+    bool GetParentCtl3D() const { return FParentCtl3D; }
+    void SetParentCtl3D(bool Value) { FParentCtl3D = Value; }
+    TBorderStyle GetBorderStyle() const { return FBorderStyle; }
+    void SetBorderStyle(TBorderStyle Value);
+    bool GetTabStop() const { return FTabStop; }
+    void SetTabStop(bool Value);
+    bool GetEnabled() const { return isEnabled(); }
+    void SetEnabled(bool Value) { setEnabled(Value); }
+    bool GetVisible() const { return !isHidden(); }
+    void SetVisible(bool Value) { setVisible(Value); }
+    bool GetDoubleBuffered() const { return FDoubleBuffered; }
+    void SetDoubleBuffered(bool Value) { FDoubleBuffered = Value; }
+    TBiDiMode GetBiDiMode() const { return FBiDiMode; }
+    void SetBiDiMode(TBiDiMode Value);
+    bool GetParentBiDiMode() const { return FParentBiDiMode; }
+    void SetParentBiDiMode(bool Value);
+    TCursor GetCursor() const { return FCursor; }
+    void SetCursor(TCursor Value);
+    TControlStyle GetControlStyle() const { return FControlStyle; }
+    void SetControlStyle(TControlStyle Value) { FControlStyle = Value; }
+    TControlState GetControlState() const { return FControlState; }
+    TDragKind GetDragKind() const { return FDragKind; }
+    void SetDragKind(TDragKind Value) { FDragKind = Value; }
+    TDragMode GetDragMode() const { return FDragMode; }
+    void SetDragMode(TDragMode Value) { FDragMode = Value; }
+
+    bool IsRightToLeft() const { return FBiDiMode != bdLeftToRight; }
+    // Whether alignment is mirrored (bdRightToLeft only).
+    bool UseRightToLeftAlignment() const { return FBiDiMode == bdRightToLeft; }
+    bool UseRightToLeftReading() const { return FBiDiMode != bdLeftToRight; }
+    bool UseRightToLeftScrollBar() const {
+        return FBiDiMode == bdRightToLeft || FBiDiMode == bdRightToLeftNoAlign;
+    }
+    // DrawText flags as they are meant in the control's direction: left and right swap under right-to-left
+    // alignment, and right-to-left reading is added.
+    unsigned DrawTextBiDiModeFlags(unsigned Flags) const;
+
+    // --- focus ------------------------------------------------------------------------------------------------
+    // Whether the control's window has the keyboard focus.
+    virtual bool Focused() const;
+    void SetFocus() { setFocus(Qt::OtherFocusReason); }
+    bool CanFocus() const { return isEnabled() && isVisible(); }
+
+    // --- scroll bars ------------------------------------------------------------------------------------------
+    void SetScrollRange(int Bar, int MinPos, int MaxPos, bool Redraw);
+    void GetScrollRange(int Bar, int& MinPos, int& MaxPos) const;
+    int SetScrollPos(int Bar, int Pos, bool Redraw);
+    int GetScrollPos(int Bar) const;
+    void ShowScrollBar(int Bar, bool Show);
+    bool IsScrollBarShown(int Bar) const;
+    // Thickness of a vertical (horizontal) bar in pixels.
+    int GetScrollBarSize(int Bar) const;
+
+    // --- timers -----------------------------------------------------------------------------------------------
+    // WM_TIMER with that identifier every Interval milliseconds; setting it again restarts it.
+    void SetTimer(int TimerID, int Interval);
+    void KillTimer(int TimerID);
+    bool HasTimer(int TimerID) const;
+
+    // --- messages ---------------------------------------------------------------------------------------------
+    // Feeds one message through WndProc, as the window system would; returns its result.
+    std::intptr_t Perform(unsigned Msg, std::uintptr_t WParam, std::intptr_t LParam);
+    // Dispatches to the typed handlers below.
+    virtual void WndProc(TMessage& Message);
+    virtual void WMMouseMove(TWMMouse& Message);
+    virtual void WMLButtonDown(TWMMouse& Message);
+    virtual void WMLButtonUp(TWMMouse& Message);
+    virtual void WMLButtonDblClk(TWMMouse& Message);
+    virtual void WMRButtonDown(TWMMouse& Message);
+    virtual void WMRButtonUp(TWMMouse& Message);
+    virtual void WMRButtonDblClk(TWMMouse& Message);
+    virtual void WMMButtonDown(TWMMouse& Message);
+    virtual void WMMButtonUp(TWMMouse& Message);
+    virtual void WMKeyDown(TWMKey& Message);
+    virtual void WMKeyUp(TWMKey& Message);
+    virtual void WMChar(TWMKey& Message);
+    virtual void WMHScroll(TWMScroll& Message);
+    virtual void WMVScroll(TWMScroll& Message);
+    virtual void WMTimer(TWMTimer& Message);
+    virtual void WMSize(TWMSize& Message);
+    virtual void WMSetFocus(TMessage& Message);
+    virtual void WMKillFocus(TMessage& Message);
+    virtual void WMCancelMode(TMessage& Message);
+    virtual void WMSetRedraw(TMessage& Message);
+    // The cursor for the position in LParam; Result 1 when the handler has set one.
+    virtual void WMSetCursor(TMessage& Message);
+    virtual void WMCut(TMessage& Message);
+    virtual void WMCopy(TMessage& Message);
+    virtual void WMPaste(TMessage& Message);
+    virtual void CMMouseEnter(TMessage& Message);
+    virtual void CMMouseLeave(TMessage& Message);
+    virtual void CMFontChanged(TMessage& Message);
+    virtual void CMCtl3DChanged(TMessage& Message);
+    virtual void CMShowingChanged(TMessage& Message);
+    virtual void CMBiDiModeChanged(TMessage& Message);
+    // Result 1: the control wants the key in CharCode although a dialog would use it (Tab, Enter, arrows).
+    virtual void CMWantSpecialKey(TWMKey& Message);
+
+    // --- input, after dispatch --------------------------------------------------------------------------------
+    virtual void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);
+    virtual void MouseMove(TShiftState Shift, int X, int Y);
+    virtual void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y);
+    virtual void Click();
+    virtual void DblClick();
+    virtual void KeyDown(std::uint16_t& Key, TShiftState Shift);
+    virtual void KeyUp(std::uint16_t& Key, TShiftState Shift);
+    virtual void KeyPress(char32_t& Key);
+    virtual void DoEnter();
+    virtual void DoExit();
+    // WheelDelta in eighths of a degree, 120 a notch; positive away from the user. MousePos in screen coordinates.
+    virtual bool DoMouseWheel(TShiftState Shift, int WheelDelta, TPoint MousePos);
+    virtual bool DoMouseWheelDown(TShiftState Shift, TPoint MousePos);
+    virtual bool DoMouseWheelUp(TShiftState Shift, TPoint MousePos);
+    // Whether the left button is held on this control (capture).
+    bool GetMouseCapture() const { return FMouseCapture; }
+    void SetMouseCapture(bool Value) { FMouseCapture = Value; }
+
+    TNotifyEvent OnClick;
+    TNotifyEvent OnDblClick;
+    TNotifyEvent OnEnter;
+    TNotifyEvent OnExit;
+    TMouseEvent OnMouseDown;
+    TMouseEvent OnMouseUp;
+    TMouseMoveEvent OnMouseMove;
+    TMouseWheelEvent OnMouseWheel;
+    TMouseWheelUpDownEvent OnMouseWheelDown;
+    TMouseWheelUpDownEvent OnMouseWheelUp;
+    TKeyEvent OnKeyDown;
+    TKeyEvent OnKeyUp;
+    TKeyPressEvent OnKeyPress;
+
+    void Loaded() override;
+
+Q_SIGNALS:
+    void clicked();
+    void doubleClicked();
+
+protected:
+    bool event(QEvent* Event) override;
+    bool viewportEvent(QEvent* Event) override;
+    void paintEvent(QPaintEvent* Event) override;
+    void keyPressEvent(QKeyEvent* Event) override;
+    void keyReleaseEvent(QKeyEvent* Event) override;
+    void inputMethodEvent(QInputMethodEvent* Event) override;
+    void focusInEvent(QFocusEvent* Event) override;
+    void focusOutEvent(QFocusEvent* Event) override;
+    bool focusNextPrevChild(bool Next) override;
+    void timerEvent(QTimerEvent* Event) override;
+    void showEvent(QShowEvent* Event) override;
+    void changeEvent(QEvent* Event) override;
+    void scrollContentsBy(int DX, int DY) override;
+    void contextMenuEvent(QContextMenuEvent* Event) override;
+
+    void IncludeControlState(TControlStateValue Value) { FControlState.Include(Value); }
+    // To be called first by the most derived destructors: marks csDestroying and ends input and timers.
+    void BeginDestruction();
+
+private:
+    friend class TControlGuard;
+    struct TImpl;
+
+    std::unique_ptr<TImpl> FImpl;
+    std::unique_ptr<TCanvas> FCanvas;
+    std::unique_ptr<TFont> FFont;
+    QRegion FInvalid;
+    TCreateParams FParams;
+    TControlStyle FControlStyle;
+    TControlState FControlState;
+    TColor FColor = clWindow;
+    TBorderStyle FBorderStyle = bsSingle;
+    TBiDiMode FBiDiMode = bdLeftToRight;
+    TDragKind FDragKind = dkDrag;
+    TDragMode FDragMode = dmManual;
+    TCursor FCursor = crDefault;
+    std::uint64_t FPaintCount = 0;
+    std::uint64_t FPaintedPixels = 0;
+    bool FHandleAllocated = false;
+    bool FParentColor = true;
+    bool FParentFont = true;
+    bool FParentCtl3D = true;
+    bool FParentBiDiMode = true;
+    bool FCtl3D = true;
+    bool FTabStop = false;
+    bool FDoubleBuffered = false;
+    bool FMouseCapture = false;
+};
+
+// Usage: TControlGuard Guard(this); Handler(); if (!Guard) return;
+class TControlGuard {
+public:
+    explicit TControlGuard(const TCustomControl* Control);
+    explicit operator bool() const { return *FAlive; }
+
+private:
+    std::shared_ptr<const bool> FAlive;
+};
+
+} // namespace quill
