@@ -108,14 +108,14 @@ kkkkk
 
 DOUBLE_TICK = """
 .......m.
-......mm.
-.m...mm..
-.mm.mm.m.
-..mmm.mm.
-.m.m.mm..
-.mm.mm...
-..mmm....
-...m.....
+..m...mm.
+..mm.mm..
+...mmm...
+....m..m.
+..m...mm.
+..mm.mm..
+...mmm...
+....m....
 """
 
 BUTTON = """
@@ -198,27 +198,27 @@ PENCIL = """
 ........kk..
 .......krrk.
 ......kyrrrk
-.....kYgkrrk
-....kYggGkk.
+.....kYyyrrk
+....kYggyyk.
 ...kYggGGk..
 ..kYggGGk...
-..kwgGGk....
-.kwwwGk.....
-.kkwwk......
+.kwYgGGk....
+.kwwgGk.....
+.kwwwk......
 .kkkk.......
-kk..........
+............
 """
 
 ASTERISK = """
 .....m.....
 .m...m...m.
-..mm.m.mm..
-...mmmmm...
-...mmmmm...
+..m..m..m..
+...m.m.m...
+....mmm....
 mmmmmmmmmmm
-...mmmmm...
-...mmmmm...
-..mm.m.mm..
+....mmm....
+...m.m.m...
+..m..m..m..
 .m...m...m.
 .....m.....
 """
@@ -391,7 +391,7 @@ class Drawing:
         self.fill(shape, edge)
         self.fill(inset(shape, width or self.pixel), paint)
 
-    def _coverage(self, shape, x, y, samples=8):
+    def _coverage(self, shape, x, y, samples=6):
         reach = self.pixel * 0.75
         centre = shape(x + self.pixel / 2, y + self.pixel / 2)
         if abs(centre) > reach:
@@ -430,13 +430,17 @@ class Drawing:
 # The resources at scale 2, in units of their scale 1 pixels.
 
 
-def tick_shape(x, y, size=7.0, width=2.0):
-    """A tick in the square at (x, y), its arms at 45 degrees, its stroke two units high."""
-    arm = size * 2 / 7
-    low = size - width
-    return polygon([(x, y + low - arm), (x + arm, y + low), (x + size, y + low - (size - arm)),
-                    (x + size, y + low - (size - arm) + width), (x + arm, y + size),
-                    (x, y + size - arm)])
+def tick_shape(x, y, width, arm, thickness):
+    """A tick with its upper left corner at (x, y): both arms rise at 45 degrees.
+
+    `arm` is the width of the short arm, `thickness` is measured vertically."""
+    low = y + width - arm
+    return polygon([(x, low - arm), (x + arm, low), (x + width, y), (x + width, y + thickness),
+                    (x + arm, low + thickness), (x, low - arm + thickness)])
+
+
+def double_tick_shape(x, y):
+    return union(tick_shape(x, y, 5.5, 2, 2), tick_shape(x, y + 3.5, 5.5, 2, 2))
 
 
 def box_2x(colours, mark=None):
@@ -445,10 +449,9 @@ def box_2x(colours, mark=None):
     d.outlined(box, colours["b"], colours["s"], 1)
     d.fill(rect(2.5, 2.5, 13, 13, 0.25), colours["p"])
     if mark == "tick":
-        d.fill(tick_shape(4, 3.5, 7, 2.5), colours["k"])
+        d.fill(tick_shape(4, 4, 7, 2.5, 2.5), colours["k"])
     elif mark == "double":
-        for y in (2.5, 6):
-            d.fill(tick_shape(4, y, 7, 1.5), colours["m"])
+        d.fill(double_tick_shape(4.5, 3), colours["m"])
     return d.opaque()
 
 
@@ -472,8 +475,7 @@ def button_2x(plus):
 
 def mark_2x(colour):
     d = Drawing(9, 18)
-    for y in (0, 3.5):
-        d.fill(tick_shape(1, y, 7, 1.5), colour)
+    d.fill(double_tick_shape(1.5, 0), colour)
     return d.opaque()
 
 
@@ -540,12 +542,11 @@ def resources():
     """Name -> (picture at scale 1, picture at scale 2)."""
     box, disc, tick, dot = BOX, CIRCLE, TICK, DOT
     n, g = NORMAL, GRAYED
-    button = {"b": rgb("808080"), "p": PAPER, "k": INK}
     blank = [[None] * 15 for _ in range(15)]
     blank_2x = [[None] * 30 for _ in range(30)]
     return {
-        "EXPANDED": (pixels(15, (BUTTON, button), (MINUS, button)), button_2x(False)),
-        "COLLAPSED": (pixels(15, (BUTTON, button), (PLUS, button)), button_2x(True)),
+        "EXPANDED": (pixels(15, (BUTTON, n), (MINUS, n)), button_2x(False)),
+        "COLLAPSED": (pixels(15, (BUTTON, n), (PLUS, n)), button_2x(True)),
         "FOPEN": (pixels(16, (FOLDER_OPEN, FOLDER)), folder_2x(True)),
         "FCLOSED": (pixels(16, (FOLDER_CLOSED, FOLDER)), folder_2x(False)),
         "EMPTY": (blank, blank_2x),
@@ -581,11 +582,8 @@ GREEN_DARK = rgb("2E6E35")
 
 def icon_sheet(d):
     """A sheet of paper with a folded corner."""
-    sheet = polygon([(2, 0), (10, 0), (14, 4), (14, 16), (2, 16)])
-    d.outlined(sheet, SLATE, SHEET)
-    d.outlined(polygon([(9, 0), (10, 0), (14, 4), (14, 5), (9, 5)]), SLATE, rgb("D3DCE7"))
-    d.fill(without(rect(9, 0, 14, 5), polygon([(8, -1), (10, 0), (14, 4), (15, 5), (9, 5)])),
-           SLATE, 0)
+    d.outlined(polygon([(2, 0), (9, 0), (14, 5), (14, 16), (2, 16)]), SLATE, SHEET)
+    d.outlined(polygon([(9, 0), (14, 5), (9, 5)]), SLATE, rgb("D3DCE7"))
 
 
 def icon_folder(d):
@@ -634,16 +632,17 @@ def icon_music(d):
 
 
 def icon_link(d):
-    """Two links of a chain, the left one passing over the right one above, under it below."""
+    """Two links of a chain along the rising diagonal, and the bar where they meet."""
+    left = common(ring(rect(-1.5, 4.6, 9, 11.4, 3.4), 2), rect(-2, 4, 6.4, 12))
+    right = common(ring(rect(7, 4.6, 17.5, 11.4, 3.4), 2), rect(9.6, 4, 18, 12))
+    chain = union(left, right, line(5.2, 8, 10.8, 8, 2))
+    s = math.sqrt(0.5)
 
-    def turn(shape):
-        s = math.sqrt(0.5)
-        return lambda x, y: shape((x - 8) * s - (y - 8) * s + 8, (x - 8) * s + (y - 8) * s + 8)
+    def turned(x, y):
+        u, v = x - 8, y - 8
+        return chain((u - v) * s + 8, (u + v) * s + 8)
 
-    left, right = ring(rect(-1.2, 5, 9.6, 11, 3), 2), ring(rect(6.4, 5, 17.2, 11, 3), 2)
-    d.fill(turn(left), vertical(rgb("4C8EE6"), rgb("2A62B4"), 1, 15))
-    d.fill(turn(without(right, rect(5.4, 4, 10.6, 8))), vertical(rgb("4C8EE6"), rgb("2A62B4"), 1, 15))
-    d.fill(turn(common(ring(rect(5.4, 4.4, 18, 11.6, 3.6), 3.2), rect(5.4, 8, 10.6, 12))), WHITE, 0)
+    d.fill(turned, vertical(rgb("4C8EE6"), rgb("2A62B4"), 1, 15))
 
 
 def icon_star(d):
@@ -696,21 +695,21 @@ def icon_note(d):
 def icon_quill(d):
     """The program icon, in units of a 64-pixel square: a feather that has just drawn a line."""
     spine = bezier((10, 57), (22, 40), (36, 24), (58, 5), 48)
-    upper = bezier((17.5, 46), (12, 24), (30, 6), (59, 3))
-    lower = bezier((59, 3), (60, 24), (46, 46), (21.5, 48.5))
-    vane = polygon(upper + lower + [(21.5, 48.5)])
-    cuts = [polygon([(14.5, 30), (15, 27), (25.5, 34.8)]), polygon([(24, 15), (26, 13), (32.5, 26)]),
-            polygon([(46.5, 40.5), (44, 42.5), (32.5, 33)])]
-    vane = without(vane, *cuts)
+    vane = polygon(bezier((17.5, 46), (12, 24), (30, 6), (59, 3)) +
+                   bezier((59, 3), (60, 24), (46, 46), (21.5, 48.5)) + [(21.5, 48.5)])
+    vane = without(vane, polygon([(14.5, 30), (15, 27), (25.5, 34.8)]),
+                   polygon([(24, 15), (26, 13), (32.5, 26)]),
+                   polygon([(46.5, 40.5), (44, 42.5), (32.5, 33)]))
+    below_spine = polygon(spine + [(58, 5), (70, 0), (70, 70), (10, 70)])
+    tint = vertical(rgb("57C2C9"), rgb("3C5BC6"), 0, 90)
+
     d.fill(stroke(bezier((10, 58), (22, 53), (27, 64), (38, 59), 12) +
                   bezier((38, 59), (45, 56), (50, 58), (57, 57), 12), 2.2), rgb("7C8CA3"))
-    d.fill(vane, lambda x, y: vertical(rgb("57C2C9"), rgb("3C5BC6"), 0, 90)(x, y + (64 - x) * 0.6))
-    shaft = polygon(spine + [(58, 5)])
-    half = common(vane, polygon(spine + [(58, 5), (70, 0), (70, 70), (10, 70)]))
-    d.fill(half, rgb("1F2F7A"), 0.18)
-    del shaft
-    d.fill(stroke(spine[6:44], 1.7), rgb("F4FAFF"))
-    d.fill(polygon([(9.2, 58.6), (13.6, 48.6), (17.4, 51.2)]), rgb("2B3542"))
+    d.fill(stroke(spine[2:14], 2.6), rgb("8FA9D8"))
+    d.fill(vane, lambda x, y: tint(x, y + (64 - x) * 0.6))
+    d.fill(common(vane, below_spine), rgb("1F2F7A"), 0.18)
+    d.fill(common(inset(vane, 0.5), stroke(spine[6:44], 1.7)), rgb("F4FAFF"))
+    d.fill(polygon([(9.2, 58.6), (13.0, 48.8), (17.4, 51.8)]), rgb("43566F"))
 
 
 ICON_ORDER = ["folder", "folder-open", "document", "picture", "archive", "code", "link", "star",
@@ -725,6 +724,9 @@ def icon_files():
             d = Drawing(16, size)
             draw(d)
             files[ICONS / f"{name}-{size}.png"] = png(d.render())
+    for name, art in (("folder", FOLDER_CLOSED), ("folder-open", FOLDER_OPEN)):
+        files[ICONS / f"{name}-16.png"] = png([[(*p, 1) if p else (0, 0, 0, 0) for p in row]
+                                               for row in pixels(16, (art, FOLDER))])
     for size in (64, 128):
         d = Drawing(64, size)
         icon_quill(d)
