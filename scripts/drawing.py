@@ -193,10 +193,8 @@ class Drawing:
         return rows
 
     def opaque(self):
-        """The drawing as a picture with hard outer edges, as a transparent colour asks for.
-
-        The limit is below one half so that a diagonal edge keeps the pixels that it halves."""
-        return [[tuple(round(c) for c in p[:3]) if p[3] >= 0.45 else None for p in row]
+        """The drawing as a picture with hard outer edges, as a transparent colour asks for."""
+        return [[tuple(round(c) for c in p[:3]) if p[3] >= 0.5 else None for p in row]
                 for row in self.render()]
 
 

@@ -253,7 +253,7 @@ def tick_shape(x, y, width, arm, thickness):
 
 
 def double_tick_shape(x, y):
-    return union(tick_shape(x, y, 5.5, 2, 2), tick_shape(x, y + 3.5, 5.5, 2, 2))
+    return union(tick_shape(x, y, 6, 2, 2), tick_shape(x, y + 3.5, 6, 2, 2))
 
 
 def box_2x(colours, mark=None):
@@ -264,7 +264,7 @@ def box_2x(colours, mark=None):
     if mark == "tick":
         d.fill(tick_shape(4, 4, 7, 2.5, 2.5), colours["k"])
     elif mark == "double":
-        d.fill(double_tick_shape(4.5, 3), colours["m"])
+        d.fill(double_tick_shape(4.5, 2.75), colours["m"])
     return d.opaque()
 
 
@@ -287,9 +287,14 @@ def button_2x(plus):
 
 
 def mark_2x(colour):
-    d = Drawing(9, 18)
-    d.fill(double_tick_shape(1.5, 0), colour)
-    return d.opaque()
+    """Drawn pixel by pixel: a diagonal with hard edges has to keep its thickness."""
+    rows = [[None] * 18 for _ in range(18)]
+    for top in (0, 7):
+        for x in range(12):
+            y = top + 7 - abs(x - 4)
+            for row in rows[y : y + 4]:
+                row[3 + x] = colour
+    return rows
 
 
 def folder_shapes(d, is_open):
