@@ -12,6 +12,7 @@ namespace quill {
 
 class TFiler;
 class TComponent;
+class TComponentGuard;
 struct TClassInfo;
 
 class TObject {
@@ -87,18 +88,43 @@ public:
     void EndLoading();
 
 protected:
-    // To be called first by the most derived destructors, so that overridden operations see csDestroying.
+    // To be called first by the most derived destructors, so that overridden operations see csDestroying and
+    // guards know that the component is gone.
     void Destroying();
     void IncludeState(TComponentStateValue Value) { FComponentState.Include(Value); }
     void ExcludeState(TComponentStateValue Value) { FComponentState.Exclude(Value); }
 
 private:
+    friend class TComponentGuard;
+    void MarkDestroying();
+
     TComponent* FOwner = nullptr;
     std::string FName;
     std::intptr_t FTag = 0;
     TComponentState FComponentState;
+    bool FInDestructor = false;
     std::vector<TComponent*> FComponents;
+    // Those that asked to hear of our end, and those whose end we asked to hear of.
     std::vector<TComponent*> FFreeNotifies;
+    std::vector<TComponent*> FWatched;
+    TComponentGuard* FGuards = nullptr;
+};
+
+// Stands on the stack around a call into application code and tells afterwards whether the component survived it.
+class TComponentGuard {
+public:
+    explicit TComponentGuard(TComponent* Component);
+    ~TComponentGuard();
+    TComponentGuard(const TComponentGuard&) = delete;
+    TComponentGuard& operator=(const TComponentGuard&) = delete;
+
+    // True once destruction has begun.
+    bool IsGone() const { return !FComponent; }
+
+private:
+    friend class TComponent;
+    TComponent* FComponent;
+    TComponentGuard* FNext = nullptr;
 };
 
 } // namespace quill

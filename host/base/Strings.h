@@ -46,9 +46,11 @@ public:
     // Strings joined by ","; one that is empty and alone, or holds a space, a character below it, a comma or a
     // double quote, stands in double quotes with inner quotes doubled.
     std::string GetCommaText() const;
-    // The inverse; outside quotes commas and characters up to the space separate.
+    // The inverse; outside quotes commas and characters up to the space separate. A quoted item ends at its closing
+    // quote, or at the end of the text; a comma that ends the text is followed by an empty item.
     void SetCommaText(std::string_view Value);
 
+    // Reads the rest of the stream as text; a UTF-8 byte-order mark at its start is no part of it.
     void LoadFromStream(TStream& Stream);
     void SaveToStream(TStream& Stream) const;
     void LoadFromFile(const std::string& FileName);
@@ -61,11 +63,14 @@ public:
     bool Equals(const TStrings& Other) const;
 
 protected:
+    TStrings() = default;
+    TStrings(const TStrings& Other) : TPersistent(Other) {}
+    TStrings& operator=(const TStrings&) = delete;
     virtual void SetUpdateState(bool Updating);
     int GetUpdateCount() const { return FUpdateCount; }
 
 private:
-    int FUpdateCount = 0;
+    int FUpdateCount = 0; // not copied: an update bracket is the business of one list
 };
 
 class TStringList : public TStrings {
@@ -110,7 +115,8 @@ private:
 // The rules of text and comma text on their own, for parsers that want no list.
 // Appends one item in comma-text form to Out. IsOnly tells that it is the only item of its record.
 void AppendCommaTextItem(std::string& Out, std::string_view Item, bool IsOnly);
-// Reads the item at Pos and moves Pos behind it and its separator; false at the end of the text.
+// Reads the item at Pos and moves Pos behind it and its separator; false at the end of the text. Pos starts at 0,
+// or behind an indentation, and belongs to this function afterwards: at the end it may lie one past the text.
 // Unquoted items are views into Text; quoted ones with doubled quotes are unfolded into Buffer.
 bool NextCommaTextItem(std::string_view Text, std::size_t& Pos, std::string& Buffer, std::string_view& Item);
 // Reads the line at Pos without its end and moves Pos behind the end; false when nothing is left.

@@ -30,7 +30,9 @@ struct TRect {
     constexpr int Width() const { return Right - Left; }
     constexpr int Height() const { return Bottom - Top; }
     constexpr bool IsEmpty() const { return Right <= Left || Bottom <= Top; }
-    constexpr bool Contains(TPoint P) const { return P.X >= Left && P.X < Right && P.Y >= Top && P.Y < Bottom; }
+    constexpr bool Contains(TPoint P) const {
+        return P.X >= Left && P.X < Right && P.Y >= Top && P.Y < Bottom;
+    }
     constexpr void Offset(int DX, int DY) {
         Left += DX;
         Right += DX;
@@ -74,7 +76,8 @@ constexpr bool UnionRect(TRect& Out, const TRect& A, const TRect& B) {
 }
 
 // A set of enumeration values; bit k stands for the value with ordinal k (at most 32 values).
-template <class E> class TSet {
+template <class E>
+class TSet {
 public:
     constexpr TSet() = default;
     constexpr TSet(E Value) : FBits(Bit(Value)) {}
