@@ -96,17 +96,15 @@ void AppendTransformedPieces(std::string& Out, const std::string& Text) {
     Out += '\0';
 }
 
-// The locale's order of texts that may hold NULs, the same as that of AppendTransformedPieces.
+// The locale's order of texts that may hold NULs. It compares keys: strcoll and strxfrm are not of one mind about
+// characters without weight, such as control characters, and one order must hold for sorting and searching.
 int ComparePieces(const std::string& A, const std::string& B) {
-    for (std::size_t PosA = 0, PosB = 0;;) {
-        if (const int Order = std::strcoll(A.c_str() + PosA, B.c_str() + PosB)) return Order;
-        PosA += std::strlen(A.c_str() + PosA);
-        PosB += std::strlen(B.c_str() + PosB);
-        if (PosA == A.size() || PosB == B.size())
-            return static_cast<int>(PosA < A.size()) - static_cast<int>(PosB < B.size());
-        ++PosA;
-        ++PosB;
-    }
+    thread_local std::string KeyA, KeyB;
+    KeyA.clear();
+    KeyB.clear();
+    AppendTransformedPieces(KeyA, A);
+    AppendTransformedPieces(KeyB, B);
+    return KeyA.compare(KeyB);
 }
 
 int CompareNaturalBytes(std::string_view A, std::string_view B) {

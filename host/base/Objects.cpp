@@ -63,7 +63,7 @@ TComponent::~TComponent() {
     while (!FFreeNotifies.empty()) {
         TComponent* Watcher = FFreeNotifies.back();
         Watcher->RemoveFreeNotification(this);
-        Watcher->Notification(this, opRemove);
+        Watcher->Announce(this, opRemove);
     }
     while (!FComponents.empty()) {
         TComponent* Component = FComponents.back();
@@ -119,7 +119,7 @@ void TComponent::InsertComponent(TComponent* AComponent) {
     FComponents.push_back(AComponent);
     AComponent->FOwner = this;
     if (HasState(csDesigning)) AComponent->SetDesigning(true);
-    Notification(AComponent, opInsert);
+    Announce(AComponent, opInsert);
 }
 
 void TComponent::RemoveComponent(TComponent* AComponent) {
@@ -127,7 +127,7 @@ void TComponent::RemoveComponent(TComponent* AComponent) {
     // Unlinked first: whatever the notified ones destroy, nobody frees AComponent a second time.
     RemoveLast(FComponents, AComponent);
     AComponent->FOwner = nullptr;
-    Notification(AComponent, opRemove);
+    Announce(AComponent, opRemove);
 }
 
 void TComponent::FreeNotification(TComponent* AComponent) {
@@ -142,13 +142,17 @@ void TComponent::RemoveFreeNotification(TComponent* AComponent) {
     RemoveLast<TComponent>(AComponent->FFreeNotifies, this);
 }
 
-void TComponent::Notification(TComponent* AComponent, TOperation Operation) {
-    if (FComponents.empty()) return;
+void TComponent::Notification(TComponent*, TOperation) {}
+
+// Passing on is done here, not by Notification, so that an override may use its object after the inherited call.
+void TComponent::Announce(TComponent* AComponent, TOperation Operation) {
     // Any of the notified ones may destroy others, or this component.
     const TComponentGuard Self(this);
+    Notification(AComponent, Operation);
+    if (Self.IsGone()) return;
     for (std::size_t I = FComponents.size(); I-- > 0;) {
         if (I >= FComponents.size()) continue;
-        if (FComponents[I] != AComponent) FComponents[I]->Notification(AComponent, Operation);
+        if (FComponents[I] != AComponent) FComponents[I]->Announce(AComponent, Operation);
         if (Self.IsGone()) return;
     }
 }

@@ -77,7 +77,7 @@ public:
     void FreeNotification(TComponent* AComponent);
     void RemoveFreeNotification(TComponent* AComponent);
 
-    // A component that this one owns or asked about comes or goes.
+    // A component comes or goes that this one, or one of its owners, owns or asked about. The base does nothing.
     virtual void Notification(TComponent* AComponent, TOperation Operation);
     // The component was read from a stream completely.
     virtual void Loaded();
@@ -97,6 +97,7 @@ protected:
 private:
     friend class TComponentGuard;
     void MarkDestroying();
+    void Announce(TComponent* AComponent, TOperation Operation);
 
     TComponent* FOwner = nullptr;
     std::string FName;

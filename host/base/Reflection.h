@@ -22,11 +22,11 @@ struct TPropertyInfo {
     std::string (*GetString)(const TPersistent& Object) = nullptr;
     void (*SetString)(TPersistent& Object, const std::string& Value) = nullptr;
     // The value that is left out of a stream and restored when a stream does not name the property.
-    std::optional<std::int64_t> Default;
+    std::optional<std::int64_t> Default = {};
     // Whether the property is streamed at all; always when null.
     bool (*Stored)(const TPersistent& Object) = nullptr;
     // Value names of enumerations and sets, by ordinal.
-    std::span<const std::string_view> Names;
+    std::span<const std::string_view> Names = {};
 };
 
 struct TClassInfo {

@@ -143,7 +143,8 @@ void TStrings::SaveToFile(const std::string& FileName) const {
 }
 
 void TStrings::BeginUpdate() {
-    if (FUpdateCount++ == 0) SetUpdateState(true);
+    if (FUpdateCount == 0) SetUpdateState(true);
+    ++FUpdateCount;
 }
 
 void TStrings::EndUpdate() {
