@@ -2,28 +2,35 @@
 include(CMakePackageConfigHelpers)
 
 set(QUILL_PACKAGE_HAS_CONTROLS ON)
+set(_quill_libraries Model Controls)
+set(_quill_headers host treecoll quilltree exgrid htmldraw oledragdrop flyedit)
 if(QUILL_MODEL_ONLY)
     set(QUILL_PACKAGE_HAS_CONTROLS OFF)
+    set(_quill_libraries Model)
+    set(_quill_headers host/base treecoll quilltree)
 endif()
+set(_quill_package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Quill)
 
-set(_quill_targets quill_model)
-set(_quill_headers host/base treecoll quilltree)
-if(NOT QUILL_MODEL_ONLY)
-    list(APPEND _quill_targets quill_controls)
-    list(APPEND _quill_headers host/graphics host/windows exgrid)
-endif()
-
-install(TARGETS ${_quill_targets} EXPORT QuillTargets
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(_folder IN LISTS _quill_headers)
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/${_folder}/
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quill/${_folder}
-        FILES_MATCHING PATTERN "*.h")
+# One export set for each library: a program that uses the model alone must not be asked for Qt.
+foreach(_library IN LISTS _quill_libraries)
+    string(TOLOWER quill_${_library} _target)
+    install(TARGETS ${_target} EXPORT Quill${_library}Targets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        OBJECTS DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(EXPORT Quill${_library}Targets NAMESPACE Quill:: DESTINATION ${_quill_package_folder})
 endforeach()
-install(EXPORT QuillTargets NAMESPACE Quill:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quill)
+foreach(_folder IN LISTS _quill_headers)
+    if(EXISTS ${PROJECT_SOURCE_DIR}/${_folder})
+        install(DIRECTORY ${PROJECT_SOURCE_DIR}/${_folder}/
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quill/${_folder}
+            FILES_MATCHING PATTERN "*.h")
+    endif()
+endforeach()
+
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/QuillConfig.cmake.in
-    ${PROJECT_BINARY_DIR}/QuillConfig.cmake INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quill)
+    ${PROJECT_BINARY_DIR}/QuillConfig.cmake INSTALL_DESTINATION ${_quill_package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuillConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QuillConfig.cmake ${PROJECT_BINARY_DIR}/QuillConfigVersion.cmake
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Quill)
+    DESTINATION ${_quill_package_folder})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

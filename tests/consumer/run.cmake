@@ -1,0 +1,31 @@
+# Installs BUILD below WORK, builds the project of this folder against it and runs its programs.
+function(run)
+    execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(NOT result EQUAL 0)
+        list(JOIN ARGV " " command)
+        message(FATAL_ERROR "${command}\n${output}")
+    endif()
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix --config ${CONFIG})
+run(${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR}/project -B ${WORK}/build
+    -D CMAKE_PREFIX_PATH=${WORK}/prefix -D CMAKE_BUILD_TYPE=${CONFIG} -D CMAKE_CXX_COMPILER=${COMPILER}
+    -D WITH_CONTROLS=${CONTROLS})
+run(${CMAKE_COMMAND} --build ${WORK}/build)
+
+run(${WORK}/build/model_program ${WORK}/saved.nodes)
+if(NOT output STREQUAL "Fruit [Apple, Pear]\n")
+    message(FATAL_ERROR "model_program wrote: ${output}")
+endif()
+run(ldd ${WORK}/build/model_program)
+if(output MATCHES "Qt|libX11|libGL")
+    message(FATAL_ERROR "model_program needs more than the standard library:\n${output}")
+endif()
+if(CONTROLS)
+    run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ${WORK}/build/controls_program ${WORK}/tree.png)
+    if(NOT EXISTS ${WORK}/tree.png)
+        message(FATAL_ERROR "controls_program wrote no picture")
+    endif()
+endif()
