@@ -1,0 +1,273 @@
+// The tree's life, its properties, and what the node model asks of it.
+#include "host/base/Events.h"
+#include "quilltree/QuillTree.h"
+
+#include "host/windows/Application.h"
+
+#include <algorithm>
+
+namespace quill {
+
+namespace {
+
+// A new tree has this size until a layout or a form gives it another one.
+constexpr int InitialWidth = 121;
+constexpr int InitialHeight = 97;
+
+} // namespace
+
+TCustomQuillTree::TCustomQuillTree(TComponent* AOwner, QWidget* AParent)
+    : TCustomExGrid(AOwner, AParent), FButtonSize(GetCheckSize() - 2) {
+    SetDoubleBuffered(true);
+    SetWidth(InitialWidth);
+    SetHeight(InitialHeight);
+    SetParentColor(false);
+    FItems = std::make_unique<TFlyNodes>(this);
+    FItems->OnMaterialise = nullptr;
+    FItems->Add(nullptr, "TFlyNode");
+    FImageChangeLink.OnChange = [this](TObject* Sender) { ImageListChange(Sender); };
+    InitGlyphs();
+    InitColumnsMap();
+}
+
+TCustomQuillTree::~TCustomQuillTree() {
+    BeginDestruction();
+    if (FImages) FImages->UnRegisterChanges(&FImageChangeLink);
+    // The container still asks this object things while it goes.
+    FItems->RowList.Clear();
+    FItems.reset();
+}
+
+void TCustomQuillTree::SetNodes(TFlyNodes* Value) {
+    if (Value) FItems->Assign(Value);
+}
+
+TFlyNode* TCustomQuillTree::CreateNode(TTreeCollection* Owner) { return new TFlyNode(Owner); }
+
+void TCustomQuillTree::Loaded() {
+    FLoading = true;
+    const TControlGuard Guard(this);
+    TCustomExGrid::Loaded();
+    if (!Guard) return;
+    FLoading = false;
+    RefreshNodeList(nullptr);
+    FixupRows();
+    if (!Guard) return;
+    InitColumnsMap();
+    FAnchorNode = FItems->GetFirstNode();
+    if (TFlyNode* Node = GetNodeAtRow(GetRow())) SetSelection(Node);
+    if (Guard && HasState(csDesigning)) FullExpand();
+}
+
+void TCustomQuillTree::Notification(TComponent* AComponent, TOperation Operation) {
+    TCustomExGrid::Notification(AComponent, Operation);
+    if (Operation == opRemove && FImages && AComponent == FImages) FImages = nullptr;
+}
+
+void TCustomQuillTree::CMFontChanged(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomExGrid::CMFontChanged(Message);
+    if (Guard && FFitToHeight) RefreshRowHeights();
+}
+
+// The selection has another colour with the focus than without.
+void TCustomQuillTree::WMSetFocus(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomExGrid::WMSetFocus(Message);
+    if (Guard) Invalidate();
+}
+
+void TCustomQuillTree::WMKillFocus(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomExGrid::WMKillFocus(Message);
+    if (Guard) Invalidate();
+}
+
+// --- properties --------------------------------------------------------------------------------------------------
+
+// Stores a property that painting reads.
+template <class T> void TCustomQuillTree::SetPainted(T& Field, T Value) {
+    if (Field == Value) return;
+    Field = Value;
+    Invalidate();
+}
+
+void TCustomQuillTree::SetButtonSize(int Value) {
+    if (Value == FButtonSize || Value > FIndent || Value < 1) return;
+    SetPainted(FButtonSize, Value % 2 == 0 ? Value - 1 : Value);
+}
+
+void TCustomQuillTree::SetIndent(int Value) {
+    if (Value > FButtonSize) SetPainted(FIndent, Value);
+}
+
+void TCustomQuillTree::SetFitColumnToClientWidth(bool Value) {
+    if (Value == FFitColumnToClientWidth) return;
+    FFitColumnToClientWidth = Value;
+    const TControlGuard Guard(this);
+    UpdateScrollRange();
+    if (Guard && Value) InvalidateGrid();
+}
+
+void TCustomQuillTree::SetFitToHeight(bool Value) {
+    if (Value == FFitToHeight) return;
+    FFitToHeight = Value;
+    RefreshRowHeights();
+    InvalidateGrid();
+}
+
+void TCustomQuillTree::SetNodeSelectionStyle(TNodeSelectionStyle Value) { SetPainted(FNodeSelectionStyle, Value); }
+void TCustomQuillTree::SetOutlineStyle(TOutlineStyle Value) { SetPainted(FOutlineStyle, Value); }
+void TCustomQuillTree::SetOutlineColor(TColor Value) { SetPainted(FOutlineColor, Value); }
+void TCustomQuillTree::SetHotTrackColor(TColor Value) { SetPainted(FHotTrackColor, Value); }
+void TCustomQuillTree::SetHideSelection(bool Value) { SetPainted(FHideSelection, Value); }
+void TCustomQuillTree::SetTransparentMode(bool Value) { SetPainted(FTransparentMode, Value); }
+void TCustomQuillTree::SetStatesDrawed(bool Value) { SetPainted(FStatesDrawed, Value); }
+void TCustomQuillTree::SetShowlines(bool Value) { SetPainted(FShowlines, Value); }
+void TCustomQuillTree::SetShowRoot(bool Value) { SetPainted(FShowRoot, Value); }
+void TCustomQuillTree::SetShowButtons(bool Value) { SetPainted(FShowButtons, Value); }
+void TCustomQuillTree::SetShowImages(bool Value) { SetPainted(FShowImages, Value); }
+void TCustomQuillTree::SetShowLogic(bool Value) { SetPainted(FShowLogic, Value); }
+void TCustomQuillTree::SetWordWrap(bool Value) { SetPainted(FWordWrap, Value); }
+void TCustomQuillTree::SetFirstLevelDrawMode(unsigned char Value) { SetPainted(FFirstLevelDrawMode, Value); }
+
+void TCustomQuillTree::SetHotTrack(bool Value) {
+    FHotTrack = Value && FStructureCol >= GetFixedCols();
+    if (!FHotTrack) SetTrackedNode(-1);
+}
+
+void TCustomQuillTree::SetEnumerateNodes(bool Value) {
+    FUniqueTags = Value;
+    FItems->SetLastUniqueTag(-1);
+    if (Value) EnumerateNodes();
+}
+
+void TCustomQuillTree::EnumerateNodes() {
+    FItems->SetEnumerating(true);
+    FItems->SetLastUniqueTag(-1);
+    for (TFlyNode* Node = FItems->GetFirstNode(); Node; Node = Node->GetNext()) Node->SetUniqueTag(-1);
+    FItems->SetEnumerating(false);
+}
+
+void TCustomQuillTree::SetSortType(TSortType Value) {
+    if (Value == FSortType) return;
+    FSortType = Value;
+    switch (Value) {
+    case stNone: break;
+    case stData:
+        if (OnCompare) FItems->AlphaSort();
+        break;
+    case stText:
+    case stBoth: FItems->AlphaSort(); break;
+    }
+}
+
+void TCustomQuillTree::SetImages(TCustomImageList* Value) {
+    if (FImages) FImages->UnRegisterChanges(&FImageChangeLink);
+    FImages = Value;
+    if (FImages) {
+        FImages->RegisterChanges(&FImageChangeLink);
+        FImages->FreeNotification(this);
+        if (FImages->GetHeight() > GetDefaultRowHeight()) SetDefaultRowHeight(FImages->GetHeight());
+        // Room for a picture and a little air; refused when the expand button would not fit.
+        SetIndent(FImages->GetWidth() + 4);
+    }
+    Invalidate();
+}
+
+void TCustomQuillTree::ImageListChange(TObject* Sender) {
+    if (IsLoading() || !HandleAllocated() || !GetVisible()) return;
+    if (Sender && Sender == FImages && FImages->HandleAllocated()) Invalidate();
+}
+
+// --- what the node model asks ------------------------------------------------------------------------------------
+
+void TCustomQuillTree::SetRedraw(bool Enable) {
+    if (HandleAllocated()) Perform(WM_SETREDRAW, Enable ? 1 : 0, 0);
+}
+
+// Nothing while redraw is off: the tree may be half changed.
+void TCustomQuillTree::ProcessMessages() {
+    if (!IsRedrawEnabled() || IsDestroying()) return;
+    const TControlGuard Guard(this);
+    Update();
+    if (!Guard) return;
+    Application.ProcessMessages();
+}
+
+void TCustomQuillTree::ForgetNode(TFlyNode* Node) {
+    if (FDropTargetNode == Node) FDropTargetNode = nullptr;
+    if (FAnchorNode == Node) FAnchorNode = nullptr;
+    if (FRangeStartNode == Node) FRangeStartNode = nullptr;
+    FAncestorsOf = nullptr;
+}
+
+void TCustomQuillTree::ForgetSelectionNodes() {
+    FAnchorNode = nullptr;
+    FRangeStartNode = nullptr;
+}
+
+void TCustomQuillTree::NodeMaterialised(TFlyNode* Node) {
+    FireEvent(OnMaterialise, this, Node);
+}
+
+void TCustomQuillTree::SetDropTarget(TFlyNode* Node) {
+    FDropTargetNode = Node;
+    SetDropTargetRow(Node ? Node->GetRow() : -1);
+}
+
+int TCustomQuillTree::Compare(TFlyNode* Node1, TFlyNode* Node2) {
+    int Result = 0;
+    if (OnCompare) OnCompare(this, Node1, Node2, Result);
+    return Result;
+}
+
+int TCustomQuillTree::CalcMaxTopRow(int ACol, int ARow) {
+    TExGridDI DI;
+    CalcDI(DI);
+    return CalcMaxTopLeft({ACol, ARow}, DI).Y;
+}
+
+void TCustomQuillTree::SetGridSelection(int Left, int Top, int Right, int Bottom) {
+    TCustomExGrid::SetSelection(GridRect(Left, Top, Right, Bottom));
+}
+
+void TCustomQuillTree::InvalidateBox(int ALeft, int ATop, int ARight, int ABottom, bool Erase) {
+    if (HandleAllocated()) InvalidatePixels(BoxRect(ALeft, ATop, ARight, ABottom), Erase);
+}
+
+void TCustomQuillTree::InvalidateRectBelow(TFlyNode* Node) {
+    if (!Node || !HandleAllocated()) return;
+    const int Row = Node->GetRow();
+    if (Row < 0) return;
+    const TRect Cell = CellRect(0, Row);
+    InvalidatePixels({0, Cell.Top, GetClientWidth(), GetClientHeight()});
+}
+
+bool TCustomQuillTree::EditNodeText(TFlyNode* Node) {
+    if (FStructureCol == -1 || FStructureCol < GetFixedCols() || FStructureCol >= GetColCount()) return false;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    SetCol(FStructureCol);
+    if (!Guard || !Watch) return false;
+    SetRow(Node->GetRow());
+    if (!Guard || !Watch) return false;
+    SetFocus();
+    if (Guard) SetEditorMode(true);
+    return Guard && IsEditorShowing();
+}
+
+void TCustomQuillTree::EndNodeEdit(TFlyNode* Node, bool Cancel) {
+    // The strict lower bound differs from starting an edit; kept so.
+    const bool HasColumn = FStructureCol != -1 && FStructureCol > GetFixedCols() && FStructureCol < GetColCount();
+    if (!HasColumn || GetRow() != Node->GetRow() || !IsEditorShowing()) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    if (!Cancel) {
+        const std::string Text = GetEditText(GetCol(), GetRow());
+        if (Guard && Watch) Node->SetText(Text);
+    }
+    if (Guard) SetEditorMode(false);
+}
+
+} // namespace quill

@@ -1,0 +1,452 @@
+// TQuillTree: a tree view whose visible nodes are the rows of an owner-drawn grid.
+//
+// The nodes live in a container of their own (GetItems, quilltree/FlyNodes.h), which keeps the list of visible
+// nodes; entry i of that list is grid row FixedRows + i. One column, the structure column, carries the outline; the
+// others show the nodes' cell texts.
+//
+// A handler of any event may do anything: delete the node it is told about, clear the tree, destroy the control, run
+// a nested event loop. Every call into application code is followed by a check of what is still there.
+#pragma once
+
+#include "exgrid/ExGrid.h"
+#include "host/graphics/ImageLists.h"
+#include "quilltree/FlyNode.h"
+#include "quilltree/FlyNodes.h"
+#include "quilltree/NodeHost.h"
+#include "quilltree/TreeTypes.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quill {
+
+// Metrics of the outline, in pixels.
+namespace TreeMetrics {
+inline constexpr int TextMargin = 4;        // between the outline (or the cell edge) and the text
+inline constexpr int TextOnlyExtra = 8;     // added to the text's width by tnsTextOnly
+inline constexpr int FixedTextMargin = 4;   // on both sides of a fixed cell's text
+inline constexpr int RowTextPadding = 2;    // added to a measured row height
+inline constexpr int ButtonArm = 3;         // half length of a button's plus and minus
+inline constexpr int CheckBoxSize = 13;     // side of the system check-box glyph at scale 1
+} // namespace TreeMetrics
+
+// Side of one system check-box glyph; computed once per process.
+extern int FCheckWidth;
+int GetCheckSize();
+// Loads the marks of the double-check glyphs anew.
+void InitDoubleChecks();
+
+// Horizontal slots of a node's structure cell, in the cell's logical direction (left to right before mirroring).
+// Painting and every other reader take them from here.
+struct TOutlineSlots {
+    int Level = 0;
+    int Button = 0;        // left edge of the slot of lines and button
+    bool HasButtonSlot = false;
+    int State = 0;         // left edge of the state glyph's slot
+    bool HasStateSlot = false;
+    int Rest = 0;          // left edge of what follows: image, then text
+};
+
+using TNodeWatch = TWatch<TFlyNode>;
+
+class TCustomQuillTree : public TCustomExGrid, public INodeHost {
+    Q_OBJECT
+
+public:
+    explicit TCustomQuillTree(TComponent* AOwner, QWidget* AParent = nullptr);
+    explicit TCustomQuillTree(QWidget* AParent) : TCustomQuillTree(static_cast<TComponent*>(nullptr), AParent) {}
+    explicit TCustomQuillTree(std::nullptr_t = nullptr) : TCustomQuillTree(static_cast<TComponent*>(nullptr)) {}
+    ~TCustomQuillTree() override;
+
+    // --- nodes ------------------------------------------------------------------------------------------------
+    TFlyNodes* GetItems() const { return FItems.get(); }
+    // Copies Value's nodes into the tree's own container.
+    void SetItems(TFlyNodes* Value) { SetNodes(Value); }
+    void SetNodes(TFlyNodes* Value);
+    // Factory of all nodes of this tree; a descendant makes its own class here.
+    TFlyNode* CreateNode(TTreeCollection* Owner) override;
+
+    // --- rows -------------------------------------------------------------------------------------------------
+    // Rebuilds the whole row list (null) or the rows below one node.
+    void RefreshNodeList(TTreeCollection* Node) override;
+    void FixupRows() override;
+    // The node of a grid row; makes a placeholder real. Null for fixed rows and rows outside.
+    TFlyNode* GetNodeAtRow(int Row) override;
+    TFlyNode* ExtractNodeFromMetaNode(int Index, TMetaNode* Meta);
+    TFlyNode* GetNextVisible(TFlyNode* Node) override;
+    TFlyNode* GetPrevVisible(TFlyNode* Node) override;
+    TFlyNode* GetLastVisibleNode();
+    bool IsNodeVisible(TFlyNode* Node) const;
+    void MakeVisible(TFlyNode* Node);
+    TFlyNode* GetTopItem() { return GetNodeAtRow(GetTopRow()); }
+    void SetTopItem(TFlyNode* Node);
+    // Rows Index + 1 .. Index + Count appear; the rows below slide down while SmoothExpandCollapse is on.
+    void InsertRows(int Index, int Count) override;
+    void DeleteRows(int Index, int Count) override;
+    void FixupRowHeights(int FromRow) override;
+    int GetFixedRows() const override { return TCustomExGrid::GetFixedRows(); }
+    void SetFixedRows(int Value);
+
+    // --- row heights ------------------------------------------------------------------------------------------
+    int GetRowHeights(int Row) override;
+    void SetRowHeights(int Row, int Height) override;
+    // Height in pixels that Node needs in one column, and over all columns.
+    int CalcNodeHeight(TFlyNode* Node, int Col);
+    int RecalcNodeHeight(TFlyNode* Node) override;
+    // Forgets every measured height; rows are measured again when they come into view.
+    void RefreshRowHeights() override;
+    // Width of the node's text in the control's font plus 1.
+    int DisplayWidth(TFlyNode* Node);
+
+    // --- columns ----------------------------------------------------------------------------------------------
+    void InitColumnsMap();
+    // The data column shown at display position Index; -1 outside.
+    int GetColumnOrder(int Index) const;
+    // The display position of a data column; -1 when it is not shown.
+    int GetDisplayColumn(int DataCol) const;
+    void ColumnMoved(int FromIndex, int ToIndex) override;
+    void ColCountChanged() override;
+    int GetStructureCol() const override { return FStructureCol; }
+    // Grows ColCount when needed; -1 only repaints, since a tree always has a structure column.
+    void SetStructureCol(int Value);
+    virtual void StructureColChanged(int OldCol, int NewCol);
+    int GetColWidths(int Col) override;
+    void SizeChanged(int OldColCount, int OldRowCount) override;
+    void ColumnWidthChanged(int Index, int Value) override;
+
+    // --- texts ------------------------------------------------------------------------------------------------
+    std::string GetNodeCells(TFlyNode* Node, int DataCol) override;
+    void SetNodeCells(TFlyNode* Node, int DataCol, const std::string& S) override;
+    virtual std::string GetNodeData(TFlyNode* Node, int ACol);
+    virtual void SetNodeData(TFlyNode* Node, int ACol, const std::string& S);
+    std::string GetEditText(int ACol, int ARow) override;
+    void SetEditText(int ACol, int ARow, const std::string& Value) override;
+    virtual void Edited(TFlyNode* Node, std::string& S);
+    bool CanEditShow() override;
+    void MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) override;
+    bool NeedToShowEditor() override;
+
+    // --- painting ---------------------------------------------------------------------------------------------
+    void Paint() override;
+    void DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
+                  bool& ContinueRow) override;
+    virtual void DrawBackground(TCanvas& Canvas, const TRect& Rect, int ARow, int ACol, TExGridDrawState State);
+    // Selection colours of a cell; Changed tells that BrushColor and FontColor were set.
+    using TCustomExGrid::GetColor;
+    virtual void GetColor(TFlyNode* Node, int ACol, int ARow, TExGridDrawState State, TColor& BrushColor,
+                          TColor& FontColor, bool& Changed);
+    virtual void DrawFixed(TCanvas& Canvas, const TRect& Rect, int ARow, int ACol, TExGridDrawState State);
+    void DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) override;
+    virtual void DrawStructureNode(TCanvas& Canvas, TFlyNode* Node, const TRect& Rect, int ARow, int ACol,
+                                   TExGridDrawState State);
+    // Draws the outline parts in Options; leaves in Rect what remains for the text.
+    virtual void DrawStructureButtonsLines(TCanvas& Canvas, TFlyNode* Node, int ARow, int ACol, TRect& Rect,
+                                           TExGridDrawState State, TDrawOptions Options);
+    // Draws the text of a structure cell; HotFont tells whether the canvas font was changed for the hot look.
+    virtual void DrawStructureCellContents(TCanvas& Canvas, TRect& Rect, bool& HotFont, TExGridDrawState State,
+                                           const std::string& Text, TFlyNode* Node, TNVVertAlign VertAlign, int ARow,
+                                           int ACol);
+    virtual void DrawDataNode(TCanvas& Canvas, TFlyNode* Node, const TRect& Rect, int ARow, int ACol,
+                              TExGridDrawState State);
+    void DrawButton(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, TRect Rect);
+    void DrawImagelistPic(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, const TRect& Rect);
+    // Copies glyph Index of the glyph set, or picture Index of Images (nothing without a list), into Bitmap.
+    virtual void GetImage(TFlyNode* Node, int Index, TBitmap& Bitmap);
+    virtual void GetBitmap(TFlyNode* Node, int Index, TBitmap& Bitmap);
+    // Draws a bitmap transparently, centred horizontally in Rect.
+    void DrawImage(TCanvas& Canvas, TBitmap& Bitmap, const TRect& Rect);
+    // A dotted line from the pen position to (X, Y).
+    void InternalLineTo(TCanvas& Canvas, int X, bool Vertical, int Y);
+    // The x of the outline centre of a level; always odd.
+    int GetCX(int Level);
+    virtual TAlignment GetAlignment(int ACol);
+    void InitGlyphs();
+    TCustomImageList* GetGlyphs() const { return FGlyphs.get(); }
+    // The glyph kind of a node state index; -1 for none.
+    static int StateGlyph(int StateIndex);
+    // Slots of Node's structure cell whose left edge is Left.
+    TOutlineSlots GetOutlineSlots(TFlyNode* Node, int Left) const;
+
+    // --- mouse ------------------------------------------------------------------------------------------------
+    THitTests GetHitTestInfoAt(int X, int Y);
+    TFlyNode* GetNodeAt(int X, int Y);
+    // The node's rectangle from the structure cell to the client edge, or only its text part.
+    TRect DisplayRect(TFlyNode* Node, bool TextOnly);
+    bool MouseHit(int X, int Y) override;
+    void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    void MouseMove(TShiftState Shift, int X, int Y) override;
+    void CMMouseLeave(TMessage& Message) override;
+    // Takes a row, not a node: the row under the mouse, -1 for none.
+    void SetTrackedNode(int Row);
+    int GetTrackedRow() const { return FTrackedRow; }
+    virtual void ColSized(int ACol, int OldWidth, int NewWidth);
+    void RowSized(int ARow, int OldHeight, int NewHeight) override;
+    bool ChangeState(TFlyNode* Node, int NewState) override;
+
+    // --- selection and keys -----------------------------------------------------------------------------------
+    using TCustomExGrid::SetSelection;
+    // The node of the current row; null while the selection is cleared.
+    TFlyNode* GetSelection();
+    void SetSelection(TFlyNode* Node) override;
+    TFlyNode* GetSelected() { return GetSelection(); }
+    void SetSelected(TFlyNode* Node) { SetSelection(Node); }
+    TGridRect GetGridSelection() const { return TCustomExGrid::GetSelection(); }
+    bool SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) override;
+    void Selecting(int ACol, int ARow, TFlyNode* Node, TShiftState Shift, bool MoveAnchor);
+    void FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) override;
+    // Marks the node of Row and makes it the anchor; other marks stay.
+    void SelectOne(int Row) override;
+    void SelectItem(TFlyNode* Node) override;
+    void FlushSelection();
+    void FillSelectedList(std::vector<TFlyNode*>& List);
+    bool InSelection(int ACol, int ARow) override;
+    virtual bool CanChange(TFlyNode* Node);
+    virtual void Change(TFlyNode* Node);
+    bool CanExpand(TFlyNode* Node) override;
+    bool CanCollapse(TFlyNode* Node) override;
+    void Expand(TFlyNode* Node) override;
+    void Collapse(TFlyNode* Node) override;
+    void Delete(TFlyNode* Node) override;
+    // A hook for descendants; does nothing.
+    virtual void ExpandItem(TFlyNode* Node, bool Expand);
+    void FullExpand();
+    void FullCollapse();
+    // The next visible node whose text begins with the search text, Start itself when there is none.
+    TFlyNode* IncSearch(TFlyNode* Start);
+    void KeyDown(std::uint16_t& Key, TShiftState Shift) override;
+    void WMChar(TWMKey& Message) override;
+
+    // --- published properties ---------------------------------------------------------------------------------
+    int GetButtonSize() const { return FButtonSize; }
+    // Side of the expand button; made odd, ignored above Indent.
+    void SetButtonSize(int Value);
+    int GetIndent() const { return FIndent; }
+    // Pixels per outline level; ignored unless above ButtonSize.
+    void SetIndent(int Value);
+    bool GetSmoothExpandCollapse() const { return FSmoothExpandCollapse; }
+    void SetSmoothExpandCollapse(bool Value) { FSmoothExpandCollapse = Value; }
+    bool GetFitColumnToClientWidth() const { return FFitColumnToClientWidth; }
+    void SetFitColumnToClientWidth(bool Value);
+    bool GetFitToHeight() const override { return FFitToHeight; }
+    void SetFitToHeight(bool Value);
+    bool GetUniqueTags() const { return FUniqueTags; }
+    void SetUniqueTags(bool Value) { SetEnumerateNodes(Value); }
+    bool GetEnumerateNodes() const override { return FUniqueTags; }
+    void SetEnumerateNodes(bool Value);
+    // Numbers all nodes in document order.
+    void EnumerateNodes();
+    TNodeSelectionStyle GetNodeSelectionStyle() const { return FNodeSelectionStyle; }
+    void SetNodeSelectionStyle(TNodeSelectionStyle Value);
+    TOutlineStyle GetOutlineStyle() const { return FOutlineStyle; }
+    void SetOutlineStyle(TOutlineStyle Value);
+    TColor GetOutlineColor() const { return FOutlineColor; }
+    void SetOutlineColor(TColor Value);
+    bool GetHotTrack() const { return FHotTrack; }
+    // Stays off while the structure column is a fixed column.
+    void SetHotTrack(bool Value);
+    TColor GetHotTrackColor() const { return FHotTrackColor; }
+    void SetHotTrackColor(TColor Value);
+    bool GetHideSelection() const { return FHideSelection; }
+    void SetHideSelection(bool Value);
+    bool GetRightClickSelect() const { return FRightClickSelect; }
+    void SetRightClickSelect(bool Value) { FRightClickSelect = Value; }
+    bool GetTransparentMode() const { return FTransparentMode; }
+    void SetTransparentMode(bool Value);
+    bool GetStatesDrawed() const { return FStatesDrawed; }
+    void SetStatesDrawed(bool Value);
+    bool GetShowlines() const { return FShowlines; }
+    void SetShowlines(bool Value);
+    bool GetShowRoot() const { return FShowRoot; }
+    void SetShowRoot(bool Value);
+    bool GetShowButtons() const { return FShowButtons; }
+    void SetShowButtons(bool Value);
+    bool GetShowImages() const { return FShowImages; }
+    void SetShowImages(bool Value);
+    bool GetShowLogic() const { return FShowLogic; }
+    void SetShowLogic(bool Value);
+    bool GetWordWrap() const { return FWordWrap; }
+    void SetWordWrap(bool Value);
+    bool GetAutoExpand() const { return FAutoExpand; }
+    void SetAutoExpand(bool Value) { FAutoExpand = Value; }
+    // Stored for programs; no painting step reads it.
+    unsigned char GetFirstLevelDrawMode() const { return FFirstLevelDrawMode; }
+    void SetFirstLevelDrawMode(unsigned char Value);
+    TCustomImageList* GetImages() const { return FImages; }
+    void SetImages(TCustomImageList* Value);
+    TSortType GetSortType() const override { return FSortType; }
+    void SetSortType(TSortType Value);
+
+    // --- events -----------------------------------------------------------------------------------------------
+    TFTVExpandingEvent OnExpanding;
+    TFTVExpandedEvent OnExpanded;
+    TFTVCollapsingEvent OnCollapsing;
+    TFTVExpandedEvent OnCollapsed;
+    TFTVChangingEvent OnChanging;
+    TFTVChangedEvent OnChange;
+    TFTVCompareEvent OnCompare;
+    TFTVExpandedEvent OnDeletion;
+    TFTVExpandedEvent OnGetImageIndex;
+    TFTVExpandedEvent OnGetSelectedIndex;
+    TFTVEditingEvent OnEditing;
+    TFTVEditedEvent OnEdited;
+    // A placeholder became a real node, which is empty still: give it its texts here.
+    TFTVExpandedEvent OnMaterialise;
+
+    // --- host overrides ---------------------------------------------------------------------------------------
+    void Loaded() override;
+    void Notification(TComponent* AComponent, TOperation Operation) override;
+    void CMFontChanged(TMessage& Message) override;
+    void WMSetFocus(TMessage& Message) override;
+    void WMKillFocus(TMessage& Message) override;
+
+    // --- what the node model asks and tells (quilltree/NodeHost.h) ----------------------------------------------
+    TCustomQuillTree* GetTreeControl() override { return this; }
+    TPersistent* GetPersistentOwner() override { return this; }
+    bool HasWindow() const override { return HandleAllocated(); }
+    bool IsLoading() const override { return HasState(csLoading) || FLoading; }
+    bool IsDestroying() const override { return HasState(csDestroying); }
+    void SetRedraw(bool Enable) override;
+    void ProcessMessages() override;
+    void SetExpanding(bool Value) override { FExpanding = Value; }
+    bool GetExpanding() const { return FExpanding; }
+    void SetClearing(bool Value) override { FClearing = Value; }
+    bool GetClearing() const { return FClearing; }
+    void ForgetNode(TFlyNode* Node) override;
+    void ForgetSelectionNodes() override;
+    void NodeMaterialised(TFlyNode* Node) override;
+    void SetDropTarget(TFlyNode* Node) override;
+    int GetStructureDataColumn() const override { return GetColumnOrder(FStructureCol); }
+    bool HasCompare() const override { return static_cast<bool>(OnCompare); }
+    int Compare(TFlyNode* Node1, TFlyNode* Node2) override;
+    int GetColCount() const override { return TCustomExGrid::GetColCount(); }
+    int GetRowCount() const override { return TCustomExGrid::GetRowCount(); }
+    int GetFixedCols() const override { return TCustomExGrid::GetFixedCols(); }
+    int GetVisibleRowCount() override { return TCustomExGrid::GetVisibleRowCount(); }
+    int GetTopRow() const override { return TCustomExGrid::GetTopRow(); }
+    void SetTopRow(int Value) override { TCustomExGrid::SetTopRow(Value); }
+    int GetCol() const override { return TCustomExGrid::GetCol(); }
+    int GetRow() const override { return TCustomExGrid::GetRow(); }
+    void SetRow(int Value) override { TCustomExGrid::SetRow(Value); }
+    int CalcMaxTopRow(int ACol, int ARow) override;
+    void MoveTopLeft(int ALeft, int ATop) override { TCustomExGrid::MoveTopLeft(ALeft, ATop); }
+    bool HasSelection() const override { return TCustomExGrid::GetSelection().Top >= 0; }
+    bool IsRowSelect() const override { return GetOptions().Contains(goRowSelect); }
+    bool IsRangeSelect() const override { return GetOptions().Contains(goRangeSelect); }
+    void SetGridSelection(int Left, int Top, int Right, int Bottom) override;
+    int GetDropTargetRow() const override { return TCustomExGrid::GetDropTargetRow(); }
+    int GetDefaultRowHeight() const override { return TCustomExGrid::GetDefaultRowHeight(); }
+    void Invalidate() override { TCustomExGrid::Invalidate(); }
+    void Repaint() override { TCustomExGrid::Repaint(); }
+    void InvalidateCell(int ACol, int ARow) override { TCustomExGrid::InvalidateCell(ACol, ARow); }
+    void InvalidateRow(int ARow) override { TCustomExGrid::InvalidateRow(ARow); }
+    void InvalidateBox(int ALeft, int ATop, int ARight, int ABottom, bool Erase) override;
+    void InvalidateRectBelow(TFlyNode* Node) override;
+    void SetEditorMode(bool Value) override { TCustomExGrid::SetEditorMode(Value); }
+    void HideEditor() override { TCustomExGrid::HideEditor(); }
+    void HideEdit() override { TCustomExGrid::HideEdit(); }
+    bool EditNodeText(TFlyNode* Node) override;
+    void EndNodeEdit(TFlyNode* Node, bool Cancel) override;
+
+Q_SIGNALS:
+    void expanded(quill::TFlyNode* Node);
+    void collapsed(quill::TFlyNode* Node);
+    void changed(quill::TFlyNode* Node);
+    void deletion(quill::TFlyNode* Node);
+
+private:
+    bool IsEditorShowing() const { return GetEditorMode() && GetInplaceEditor(); }
+    void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level);
+    void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
+    void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);
+    void DrawNodePicture(TCanvas& Canvas, TFlyNode* Node, int ARow, const TRect& Cell, TExGridDrawState State, int& X);
+    bool FireImageEvent(const TFTVExpandedEvent& Event, TFlyNode* Node);
+    void UpdateAncestors(TFlyNode* Node, int MaxLevels);
+    int LevelOf(TFlyNode* Node) const;
+    int OutlineCentre(int CellLeft, int Level) const;
+    unsigned TextFlags() const;
+    bool SelectionSpans(int ACol) const;
+    bool ShowsImage(TFlyNode* Node) const;
+
+    bool CanSlide() const;
+    void SlideRowsDown(int Index, int Count);
+    void SlideRowsUp(int Index, int Count);
+    int SlideExtent(int Index, int Count, int Limit);
+    void ShowFrame(int Frame);
+    bool HeightsMatter() const;
+    bool HasUniformHeights() const;
+
+    void AutoExpandTo(TNodeWatch& Old, TNodeWatch& New);
+    void MarkRange(int FromRow, int ToRow, bool Mark);
+    TGridRect SelectionColumns(int FromRow, int ToRow) const;
+    void InvalidateCurrent();
+    void ImageListChange(TObject* Sender);
+    template <class T> void SetPainted(T& Field, T Value);
+
+    std::unique_ptr<TFlyNodes> FItems;
+    std::vector<int> FColumnsMap;
+    std::unique_ptr<TCustomImageList> FGlyphs;
+    TCustomImageList* FImages = nullptr;
+    TChangeLink FImageChangeLink;
+
+    // Remembered nodes; ForgetNode clears each.
+    TFlyNode* FAnchorNode = nullptr;     // from which a range extends
+    TFlyNode* FRangeStartNode = nullptr; // the other end of the last range, or the node toggled last
+    TFlyNode* FDropTargetNode = nullptr;
+
+    // The ancestors of the node painted last, top level first, as far as they are visible.
+    std::vector<TFlyNode*> FAncestors;
+    std::vector<bool> FAncestorHasNext;
+    TFlyNode* FAncestorsOf = nullptr;
+    int FAncestorsLevel = 0;
+    int FAncestorsMax = 0;
+    int FOutlineLeft = 0; // left edge of the structure cell being painted
+    std::vector<TPoint> FDots;
+
+    std::string FSearchText;
+    std::uint32_t FSearchTick = 0;
+    int FTrackedRow = -1;
+    int FPressedCol = -1;
+    int FPressedRow = -1;
+    int FButtonSize;
+    int FIndent = 20;
+    int FStructureCol = 0;
+    TColor FOutlineColor = clGray;
+    TColor FHotTrackColor = clBlue;
+    TOutlineStyle FOutlineStyle = olsStandardTree;
+    TNodeSelectionStyle FNodeSelectionStyle = tnsCell;
+    TSortType FSortType = stNone;
+    unsigned char FFirstLevelDrawMode = 0;
+    bool FSmoothExpandCollapse = true;
+    bool FUniqueTags = false;
+    bool FFitToHeight = false;
+    bool FFitColumnToClientWidth = false;
+    bool FHotTrack = false;
+    bool FHideSelection = false;
+    bool FRightClickSelect = false;
+    bool FTransparentMode = false;
+    bool FStatesDrawed = true;
+    bool FShowlines = true;
+    bool FShowRoot = true;
+    bool FShowButtons = true;
+    bool FShowImages = false;
+    bool FShowLogic = false;
+    bool FWordWrap = false;
+    bool FAutoExpand = false;
+    bool FLoading = false;
+    bool FExpanding = false;
+    bool FClearing = false;
+    bool FInButtonClick = false;
+    bool FToggleSelection = false;
+};
+
+// The tree with its properties published for forms and designers.
+class TQuillTree : public TCustomQuillTree {
+    Q_OBJECT
+
+public:
+    using TCustomQuillTree::TCustomQuillTree;
+};
+
+} // namespace quill

@@ -1,0 +1,171 @@
+// Columns and cell texts: the map from displayed columns to data columns, the structure column, widths and texts.
+#include "host/base/Events.h"
+#include "quilltree/QuillTree.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace quill {
+
+void TCustomQuillTree::InitColumnsMap() {
+    if (IsLoading()) return;
+    FColumnsMap.resize(static_cast<std::size_t>(GetColCount()));
+    std::iota(FColumnsMap.begin(), FColumnsMap.end(), 0);
+}
+
+int TCustomQuillTree::GetColumnOrder(int Index) const {
+    if (Index < 0 || Index >= static_cast<int>(FColumnsMap.size())) return -1;
+    return FColumnsMap[static_cast<std::size_t>(Index)];
+}
+
+int TCustomQuillTree::GetDisplayColumn(int DataCol) const {
+    const auto Found = std::find(FColumnsMap.begin(), FColumnsMap.end(), DataCol);
+    return Found == FColumnsMap.end() ? -1 : static_cast<int>(Found - FColumnsMap.begin());
+}
+
+void TCustomQuillTree::ColumnMoved(int FromIndex, int ToIndex) {
+    const int Count = static_cast<int>(FColumnsMap.size());
+    if (FromIndex >= 0 && FromIndex < Count && ToIndex >= 0 && ToIndex < Count) {
+        const auto From = FColumnsMap.begin() + FromIndex;
+        const auto To = FColumnsMap.begin() + ToIndex;
+        if (FromIndex < ToIndex) {
+            std::rotate(From, From + 1, To + 1);
+        } else {
+            std::rotate(To, From, From + 1);
+        }
+    }
+    const TControlGuard Guard(this);
+    TCustomExGrid::ColumnMoved(FromIndex, ToIndex);
+    if (!Guard) return;
+    // The structure column stays on the same data.
+    if (FromIndex > FStructureCol && FStructureCol >= ToIndex) {
+        SetStructureCol(FStructureCol + 1);
+    } else if (ToIndex >= FStructureCol && FStructureCol > FromIndex) {
+        SetStructureCol(FStructureCol - 1);
+    } else if (FStructureCol == FromIndex) {
+        SetStructureCol(ToIndex);
+    }
+}
+
+void TCustomQuillTree::ColCountChanged() { InitColumnsMap(); }
+
+void TCustomQuillTree::SetStructureCol(int Value) {
+    if (Value == FStructureCol) return;
+    const TControlGuard Guard(this);
+    if (Value >= 0) {
+        if (Value >= GetColCount()) SetColCount(Value + 1);
+        if (!Guard) return;
+        const int Old = FStructureCol;
+        FStructureCol = Value;
+        StructureColChanged(Old, Value);
+    }
+    if (Guard) Invalidate();
+}
+
+void TCustomQuillTree::StructureColChanged(int, int) {}
+
+int TCustomQuillTree::GetColWidths(int Col) {
+    if (!FFitColumnToClientWidth) return TCustomExGrid::GetColWidths(Col);
+    const int ClientWidth = GetClientWidth();
+    if (GetColCount() < 2) return ClientWidth;
+    const bool HasLines = !(GetOptions() * TGridOptions{goFixedVertLine, goVertLine}).IsEmpty();
+    const int Line = HasLines ? GetGridLineWidth() : 0;
+    const int Stored = TCustomExGrid::GetColWidths(Col);
+    std::int64_t Sum = 0;
+    for (int C = 0; C <= Col && C < GetColCount(); ++C) {
+        Sum += TCustomExGrid::GetColWidths(C) + Line;
+        // Columns behind the edge are cut away whatever their own width is.
+        if (Sum > std::int64_t{ClientWidth} + Stored) return 0;
+    }
+    if (Sum > ClientWidth) return static_cast<int>(std::max<std::int64_t>(0, Stored - (Sum - ClientWidth)));
+    if (Col == GetColCount() - 1) return static_cast<int>(Stored + (ClientWidth - Sum));
+    return Stored;
+}
+
+void TCustomQuillTree::SizeChanged(int OldColCount, int OldRowCount) {
+    TCustomExGrid::SizeChanged(OldColCount, OldRowCount);
+    if (FFitToHeight && FWordWrap) RefreshRowHeights();
+}
+
+void TCustomQuillTree::ColumnWidthChanged(int Index, int Value) {
+    if (FFitToHeight && FWordWrap) RefreshRowHeights();
+    TCustomExGrid::ColumnWidthChanged(Index, Value);
+}
+
+// --- texts -------------------------------------------------------------------------------------------------------
+
+std::string TCustomQuillTree::GetNodeCells(TFlyNode* Node, int DataCol) {
+    if (!Node || DataCol == -1) return {};
+    if (DataCol == GetColumnOrder(FStructureCol)) return Node->GetText();
+    return std::string(Node->GetCellView(DataCol));
+}
+
+void TCustomQuillTree::SetNodeCells(TFlyNode* Node, int DataCol, const std::string& S) {
+    if (!Node || DataCol == -1) return;
+    Node->StoreCell(DataCol, S);
+    if (FFitToHeight) {
+        Node->SetHeightField(-1);
+        RecalcNodeHeight(Node);
+        InvalidateRectBelow(Node);
+    } else {
+        // The map goes from display to data and is applied to a data column here; with moved columns another cell
+        // may be repainted. Kept so; SetNodeData repaints the right one.
+        InvalidateCell(GetColumnOrder(DataCol), Node->GetRow());
+    }
+}
+
+std::string TCustomQuillTree::GetNodeData(TFlyNode* Node, int ACol) { return GetNodeCells(Node, GetColumnOrder(ACol)); }
+
+void TCustomQuillTree::SetNodeData(TFlyNode* Node, int ACol, const std::string& S) {
+    if (!Node) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    SetNodeCells(Node, GetColumnOrder(ACol), S);
+    if (Guard && Watch) InvalidateCell(ACol, Node->GetRow());
+}
+
+std::string TCustomQuillTree::GetEditText(int ACol, int ARow) {
+    const TControlGuard Guard(this);
+    std::string Text = TCustomExGrid::GetEditText(ACol, ARow);
+    if (!Guard || !Text.empty()) return Text;
+    TFlyNode* Node = GetNodeAtRow(ARow);
+    if (!Node || Node->GetDeleting()) return {};
+    return GetNodeData(Node, ACol);
+}
+
+void TCustomQuillTree::SetEditText(int ACol, int ARow, const std::string& Value) {
+    TFlyNode* Node = GetNodeAtRow(ARow);
+    if (!Node) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    std::string S = Value;
+    Edited(Node, S);
+    if (!Guard || !Watch) return;
+    if (ACol == FStructureCol) {
+        Node->SetText(S);
+    } else {
+        SetNodeData(Node, ACol, S);
+    }
+}
+
+void TCustomQuillTree::Edited(TFlyNode* Node, std::string& S) {
+    if (Node) FireEvent(OnEdited, this, Node, S);
+}
+
+bool TCustomQuillTree::CanEditShow() {
+    const TControlGuard Guard(this);
+    bool Allow = TCustomExGrid::CanEditShow();
+    if (!Guard || !HandleAllocated() || HasState(csDestroying) || !Allow || !OnEditing) return Allow;
+    if (TFlyNode* Node = GetNodeAtRow(GetRow())) FireEvent(OnEditing, this, Node, Allow);
+    return Guard && Allow;
+}
+
+void TCustomQuillTree::MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) {
+    // In the structure column the editor covers the text, right of the outline.
+    TFlyNode* Node = ACol == FStructureCol ? GetNodeAtRow(ARow) : nullptr;
+    TCustomExGrid::MoveEditor(ACol, ARow, Node ? DisplayRect(Node, true) : Rect, Show);
+}
+
+bool TCustomQuillTree::NeedToShowEditor() { return TCustomExGrid::NeedToShowEditor(); }
+
+} // namespace quill

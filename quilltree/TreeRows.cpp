@@ -1,0 +1,324 @@
+// Rows and nodes: the row list, placeholders, heights, and rows that slide in and out.
+#include "host/graphics/Canvas.h"
+#include "host/windows/Application.h"
+#include "quilltree/QuillTree.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace quill {
+
+void TCustomQuillTree::RefreshNodeList(TTreeCollection* Node) {
+    if (FItems) FItems->RebuildRowList(Node);
+}
+
+void TCustomQuillTree::FixupRows() {
+    if (HasState(csLoading) && HasState(csReading)) return;
+    if (HasState(csDestroying) || !FItems) return;
+    const TControlGuard Guard(this);
+    const int Count = FItems->RowList.GetCount();
+    SetRowCount(GetFixedRows() + Count);
+    if (!Guard) return;
+    if (Count == 0) SetTopRow(GetFixedRows());
+    if (!Guard) return;
+    if (!FItems->GetSorted() && FSortType != stNone) FItems->AlphaSort();
+    if (Guard) InvalidateGrid();
+}
+
+TFlyNode* TCustomQuillTree::GetNodeAtRow(int Row) {
+    const int Index = Row - GetFixedRows();
+    if (!FItems || Index < 0) return nullptr;
+    TFlyNode* Node = FItems->RowList.NodeAt(Index);
+    return Node || Index >= FItems->RowList.GetCount() ? Node : FItems->MaterialiseRow(Index);
+}
+
+TFlyNode* TCustomQuillTree::ExtractNodeFromMetaNode(int Index, TMetaNode* Meta) {
+    if (!FItems || !Meta) return nullptr;
+    // The owning collection makes the item and puts it into the row list in place of the placeholder.
+    return FItems->MaterialiseRow(Index);
+}
+
+TFlyNode* TCustomQuillTree::GetNextVisible(TFlyNode* Node) {
+    if (!Node || !FItems) return nullptr;
+    const int Index = FItems->RowList.IndexOf(Node);
+    if (Index >= 0 && Index + 1 < FItems->RowList.GetCount()) return GetNodeAtRow(GetFixedRows() + Index + 1);
+    TFlyNode* Next = Node->GetNext();
+    while (Next && !Next->IsNodeVisible()) Next = Next->GetNext();
+    return Next;
+}
+
+TFlyNode* TCustomQuillTree::GetPrevVisible(TFlyNode* Node) {
+    if (!Node || !FItems) return nullptr;
+    const int Index = FItems->RowList.IndexOf(Node);
+    if (Index > 0) return GetNodeAtRow(GetFixedRows() + Index - 1);
+    TFlyNode* Prev = Node->GetPrev();
+    while (Prev && !Prev->IsNodeVisible()) Prev = Prev->GetPrev();
+    return Prev;
+}
+
+TFlyNode* TCustomQuillTree::GetLastVisibleNode() {
+    const int Count = FItems ? FItems->RowList.GetCount() : 0;
+    return Count == 0 ? nullptr : GetNodeAtRow(GetFixedRows() + Count - 1);
+}
+
+bool TCustomQuillTree::IsNodeVisible(TFlyNode* Node) const { return Node && Node->IsNodeVisible(); }
+
+void TCustomQuillTree::MakeVisible(TFlyNode* Node) {
+    if (Node) Node->MakeVisible();
+}
+
+void TCustomQuillTree::SetTopItem(TFlyNode* Node) {
+    if (!Node) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    Node->MakeVisible();
+    if (!Guard || !Watch) return;
+    const int Row = Node->GetRow();
+    if (Row >= 0) SetTopRow(Row);
+}
+
+void TCustomQuillTree::SetFixedRows(int Value) {
+    const TControlGuard Guard(this);
+    // More rows are needed first, since the grid refuses fixed rows that leave no other row.
+    const int Count = FItems ? FItems->GetCount() : 0;
+    if (Count == 0) {
+        SetRowCount(Value + 1);
+    } else if (Value >= Count) {
+        SetRowCount(Count + Value);
+    }
+    if (!Guard) return;
+    TCustomExGrid::SetFixedRows(Value);
+    if (Guard) FixupRows();
+}
+
+// --- inserting and deleting rows -------------------------------------------------------------------------------
+
+namespace {
+
+// The whole slide takes about this long at most; a frame is shown for FrameTime unless that would exceed it.
+constexpr std::chrono::milliseconds SlideTime{160};
+constexpr std::chrono::milliseconds FrameTime{8};
+
+} // namespace
+
+// Nobody sees a hidden window slide, and a half changed tree must not be drawn.
+bool TCustomQuillTree::CanSlide() const {
+    return FSmoothExpandCollapse && HandleAllocated() && isVisible() && IsRedrawEnabled();
+}
+
+// Pixels that Count rows from Index take, cut at Limit.
+int TCustomQuillTree::SlideExtent(int Index, int Count, int Limit) {
+    int Total = 0;
+    for (int Row = Index; Row < Index + Count; ++Row) {
+        Total += GetRowHeights(Row);
+        if (Total > Limit) return Limit;
+    }
+    return Total;
+}
+
+// Puts the frame just drawn on the screen and leaves it there for a moment.
+void TCustomQuillTree::ShowFrame(int Frame) {
+    Flush();
+    if (isVisible() && Frame * FrameTime < SlideTime) std::this_thread::sleep_for(FrameTime);
+}
+
+void TCustomQuillTree::SlideRowsDown(int Index, int Count) {
+    const TControlGuard Guard(this);
+    Update(); // the picture that slides must be the current one
+    if (!Guard) return;
+    const TRect Rows = BoxRect(GetLeftCol(), Index, GetLeftCol() + GetVisibleColCount(), Index + Count);
+    TRect Area = GetClientRect();
+    Area.Top = Rows.Top + GetRowHeights(Index);
+    if (!IntersectRect(Area, Area, GetClientRect())) return;
+    int Total = SlideExtent(Index, Count, Area.Height());
+
+    TCanvas& Canvas = *GetCanvas();
+    Canvas.GetBrush()->SetColor(GetColor());
+    const auto Picture = TBitmap::CreateCompatible(Canvas, Area.Width(), Area.Height());
+    Picture->GetCanvas()->BitBlt(0, 0, Area.Width(), Area.Height(), Canvas, Area.Left, Area.Top, SRCCOPY);
+    for (int Step = 1; Total > 0; ++Step) {
+        Canvas.BitBlt(Area.Left, Area.Top, Area.Right, Area.Bottom, *Picture->GetCanvas(), 0, 0, SRCCOPY);
+        Canvas.FillRect({Area.Left, Area.Top, Area.Right, Area.Top + Step});
+        Area.Top += Step;
+        Total -= Step;
+        ShowFrame(Step);
+        if (!Guard) return;
+    }
+}
+
+void TCustomQuillTree::SlideRowsUp(int Index, int Count) {
+    const TControlGuard Guard(this);
+    Update();
+    if (!Guard) return;
+    TRect Area = BoxRect(GetLeftCol(), Index + 1, GetLeftCol(), Index + 1);
+    Area.Right = GetClientWidth();
+    Area.Bottom = GetClientHeight();
+    if (!IntersectRect(Area, Area, GetClientRect())) return;
+    int Total = SlideExtent(Index, Count, Area.Height());
+
+    TCanvas& Canvas = *GetCanvas();
+    Canvas.GetBrush()->SetColor(GetColor());
+    const auto Picture = TBitmap::CreateCompatible(Canvas, Area.Width(), Area.Height());
+    Picture->GetCanvas()->BitBlt(0, 0, Area.Width(), Area.Height(), Canvas, Area.Left, Area.Top, SRCCOPY);
+    int Offset = 0;
+    for (int Step = 1; Total > 0; ++Step) {
+        Canvas.BitBlt(Area.Left, Area.Top, Area.Right, Area.Bottom, *Picture->GetCanvas(), 0, Offset, SRCCOPY);
+        Total -= Step;
+        if (Total > 0) {
+            Offset += Step;
+            Canvas.FillRect({Area.Left, Area.Bottom - Offset, Area.Right, Area.Bottom});
+        }
+        ShowFrame(Step);
+        if (!Guard) return;
+    }
+}
+
+void TCustomQuillTree::InsertRows(int Index, int Count) {
+    const TControlGuard Guard(this);
+    if (CanSlide()) SlideRowsDown(Index, Count);
+    if (!Guard) return;
+    SetRowCount(GetRowCount() + Count);
+    if (!Guard || FFitToHeight || IsLoading() || !HeightsMatter()) return;
+    for (int Row = GetRowCount() - Count - 1; Row > Index && Guard; --Row) {
+        SetRowHeights(Row + Count, GetRowHeights(Row));
+    }
+    for (int Row = Index + 1; Guard && Row <= Index + Count; ++Row) {
+        if (TFlyNode* Node = GetNodeAtRow(Row)) {
+            const int Height = Node->GetHeightField();
+            SetRowHeights(Row, Height > 0 ? Height : GetDefaultRowHeight());
+        }
+    }
+}
+
+void TCustomQuillTree::DeleteRows(int Index, int Count) {
+    const TControlGuard Guard(this);
+    if (CanSlide()) SlideRowsUp(Index, Count);
+    if (!Guard) return;
+    if (!IsLoading() && HeightsMatter()) {
+        // Under FitToHeight storing only forgets measured heights, so nothing is measured to be moved.
+        for (int Row = Index + 1; Guard && Row < GetRowCount(); ++Row) {
+            SetRowHeights(Row, FFitToHeight ? 0 : GetRowHeights(Row + Count));
+        }
+    }
+    if (Guard) SetRowCount(GetRowCount() - Count);
+}
+
+void TCustomQuillTree::FixupRowHeights(int FromRow) {
+    const TControlGuard Guard(this);
+    if (HeightsMatter()) {
+        for (int Row = std::max(FromRow, 0); Guard && Row < GetRowCount(); ++Row) {
+            if (TFlyNode* Node = GetNodeAtRow(Row)) {
+                const int Height = Node->GetHeightField();
+                SetRowHeights(Row, Height < 1 ? GetDefaultRowHeight() : Height);
+            }
+        }
+    }
+    if (Guard) InvalidateBox(0, FromRow, GetColCount() - 1, GetRowCount() - 1, false);
+}
+
+// --- heights -----------------------------------------------------------------------------------------------------
+
+// Whether every node's row has the default height, so that no node need be asked.
+bool TCustomQuillTree::HasUniformHeights() const {
+    return IsLoading() || (!FFitToHeight && FItems && FItems->GetStoredHeightCount() == 0);
+}
+
+// Whether moving stored heights from row to row could change anything that can be seen or noticed.
+bool TCustomQuillTree::HeightsMatter() const {
+    return (FItems && FItems->GetStoredHeightCount() > 0) || OnRowHeightChanging || OnRowHeightChanged;
+}
+
+int TCustomQuillTree::GetRowHeights(int Row) {
+    if (HasUniformHeights() && Row >= GetFixedRows() && Row - GetFixedRows() < FItems->RowList.GetCount()) {
+        return GetDefaultRowHeight();
+    }
+    if (TFlyNode* Node = GetNodeAtRow(Row)) return RecalcNodeHeight(Node);
+    return TCustomExGrid::GetRowHeights(Row);
+}
+
+void TCustomQuillTree::SetRowHeights(int Row, int Height) {
+    TFlyNode* Node = GetNodeAtRow(Row);
+    if (!Node) {
+        TCustomExGrid::SetRowHeights(Row, Height);
+        return;
+    }
+    if (FFitToHeight) {
+        Node->SetHeightField(-1);
+        return;
+    }
+    if (Height == Node->GetHeightField()) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    RowHeightChanging(Row, Height);
+    if (!Guard || !Watch) return;
+    Node->SetHeightField(Height);
+    InvalidateGrid();
+    RowHeightsChanged();
+    if (Guard) RowHeightChanged(Row, Height);
+}
+
+int TCustomQuillTree::RecalcNodeHeight(TFlyNode* Node) {
+    if (!Node || IsLoading()) return GetDefaultRowHeight();
+    const int Stored = Node->GetHeightField();
+    if (Stored != -1) return Stored;
+    if (!FFitToHeight) return GetDefaultRowHeight();
+
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    int Height = 1;
+    for (int Col = 0; Col < GetColCount(); ++Col) {
+        Node->SetHeightField(-1);
+        Height = std::max(Height, CalcNodeHeight(Node, Col));
+        if (!Guard || !Watch) return 1;
+    }
+    Node->SetHeightField(Height);
+    return Height;
+}
+
+int TCustomQuillTree::CalcNodeHeight(TFlyNode* Node, int Col) {
+    if (!Node || !FFitToHeight) return GetDefaultRowHeight();
+    if (Node->GetHeightField() != -1 && !Node->GetHidden()) return Node->GetHeightField();
+
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    const unsigned Flags = DrawTextBiDiModeFlags(TextFlags());
+    TRect R{0, 0, FWordWrap ? GetColWidths(Col) : 0, 1};
+    const std::string Text = GetNodeData(Node, Col);
+    if (!Guard || !Watch) return 1;
+    if (Col == FStructureCol) {
+        // What the outline takes away from the text. A room for the image is kept even when the node has none.
+        const int Level = Node->GetLevel();
+        R.Right -= Level * FIndent;
+        if ((FShowButtons || FShowlines) && (FShowRoot || Level >= 1)) R.Right -= FIndent;
+        if (FShowLogic && Node->GetStateIndex() != 0) R.Right -= FIndent;
+        if (FShowImages) R.Right -= FIndent;
+    }
+    R.Right -= TreeMetrics::TextMargin;
+    if (Text.empty()) return 1;
+
+    TCanvas& Canvas = *GetCanvas();
+    Canvas.SetFont(GetFont());
+    // Markup text will be measured by its renderer here.
+    if (FWordWrap) {
+        DrawRTLText(Canvas, Text, R, Flags | DT_CALCRECT, 0);
+    } else {
+        R.Bottom = Canvas.TextHeight(Text);
+    }
+    R.Bottom += TreeMetrics::RowTextPadding;
+    if (FShowImages && FImages) R.Bottom = std::max(R.Bottom, FImages->GetHeight());
+    Node->SetHeightField(R.Bottom);
+    return R.Bottom;
+}
+
+void TCustomQuillTree::RefreshRowHeights() {
+    if (FItems) FItems->ResetStoredHeights();
+}
+
+int TCustomQuillTree::DisplayWidth(TFlyNode* Node) {
+    if (!Node) return 0;
+    GetCanvas()->SetFont(GetFont());
+    return GetCanvas()->TextWidth(Node->GetText()) + 1;
+}
+
+} // namespace quill

@@ -1,0 +1,393 @@
+// Selection and keys: marks, ranges, the current node, keyboard actions and incremental search.
+#include "host/base/Collation.h"
+#include "host/base/Utf8.h"
+#include "host/windows/Application.h"
+#include "host/base/Events.h"
+#include "quilltree/QuillTree.h"
+
+#include <algorithm>
+
+namespace quill {
+
+namespace {
+
+// Typed characters within this time of the last one extend the search text.
+constexpr std::uint32_t SearchWindow = 1500; // milliseconds
+
+} // namespace
+
+// --- the selected node -------------------------------------------------------------------------------------------
+
+TFlyNode* TCustomQuillTree::GetSelection() { return HasSelection() ? GetNodeAtRow(GetRow()) : nullptr; }
+
+void TCustomQuillTree::SetSelection(TFlyNode* Node) {
+    const TControlGuard Guard(this);
+    if (!Node) {
+        ClearSelection();
+        FlushSelection();
+        InvalidateCurrent();
+        return;
+    }
+    const TNodeWatch Watch(Node);
+    Node->MakeVisible();
+    if (!Guard || !Watch) return;
+    const int Row = Node->GetRow();
+    if (Row < 0) return;
+    FlushSelection();
+    FocusCell(GetCol(), Row, false, {}, swNone);
+    if (Guard && Watch) Node->SetSelected(true);
+}
+
+void TCustomQuillTree::SelectOne(int Row) {
+    TFlyNode* Node = GetNodeAtRow(Row);
+    if (!Node) return;
+    FAnchorNode = Node;
+    Node->SetSelected(true);
+}
+
+// Those rows in the columns that show the selection.
+TGridRect TCustomQuillTree::SelectionColumns(int FromRow, int ToRow) const {
+    const TGridRect Selection = GetGridSelection();
+    const int Left = IsRowSelect() ? 0 : std::max(Selection.Left, 0);
+    const int Right = Selection.Right < 0 ? GetColCount() - 1 : Selection.Right;
+    return GridRect(Left, FromRow, Right, ToRow);
+}
+
+void TCustomQuillTree::SelectItem(TFlyNode* Node) {
+    if (!Node) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    Node->MakeVisible();
+    if (!Guard || !Watch) return;
+    const int Row = Node->GetRow();
+    if (Row < 0) return;
+    InvalidateRect(SelectionColumns(Row, Row));
+}
+
+// Clears every mark without notifications; only chunks of the row list that hold a mark are visited.
+void TCustomQuillTree::FlushSelection() {
+    if (IsLoading() || HasState(csReading) || HasState(csDestroying) || !FItems) return;
+    int First = -1;
+    int Last = -1;
+    if (!FItems->ClearSelectedRows(First, Last)) return;
+    InvalidateRect(SelectionColumns(GetFixedRows() + First, GetFixedRows() + Last));
+}
+
+void TCustomQuillTree::FillSelectedList(std::vector<TFlyNode*>& List) {
+    if (!FItems) return;
+    for (TFlyNode* Node = FItems->GetFirstSelectedNode(); Node; Node = FItems->GetNextSelectedNode(Node)) {
+        List.push_back(Node);
+    }
+}
+
+bool TCustomQuillTree::InSelection(int ACol, int ARow) {
+    if (!TCustomExGrid::InSelection(ACol, ARow)) return false;
+    const TFlyNode* Node = GetNodeAtRow(ARow);
+    return Node && Node->GetSelected();
+}
+
+// --- moving ------------------------------------------------------------------------------------------------------
+
+bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) {
+    const TControlGuard Guard(this);
+    TNodeWatch Old(GetNodeAtRow(GetRow()));
+    TNodeWatch New(GetNodeAtRow(ARow));
+    const bool HadNode = New;
+    bool Result = false;
+    if (HadNode && ACol >= GetFixedCols()) {
+        Result = CanChange(New);
+        if (!Guard) return false;
+        if (Result) Result = New && TCustomExGrid::SelectCell(ACol, ARow, MoveAnchor, Shift, Way);
+        if (!Guard || !New) return false;
+    } else {
+        // An empty tree accepts its cells; a fixed column of a node's row is refused.
+        Result = !HadNode && FItems && FItems->RowList.GetCount() == 0;
+    }
+    if (Result) {
+        TFlyNode* Node = GetNodeAtRow(ARow);
+        if (MoveAnchor) FAnchorNode = Node;
+        if (Way == swByMouse || Shift.Contains(ssShift)) Selecting(ACol, ARow, Node, Shift, MoveAnchor);
+        if (!Guard) return false;
+        if (!HadNode || New) Change(New);
+        if (!Guard) return false;
+    }
+    if (FAutoExpand && Result && !FInButtonClick && FItems->GetCount() > 0) {
+        AutoExpandTo(Old, New);
+        if (!Guard) return false;
+        if (New) ARow = New->GetRow();
+    }
+    return Result;
+}
+
+// Toggles New and closes the other branches.
+void TCustomQuillTree::AutoExpandTo(TNodeWatch& Old, TNodeWatch& New) {
+    const TControlGuard Guard(this);
+    const bool Moved = Old.Get() != New.Get();
+    FItems->BeginUpdate();
+    if (New) New->SetExpanded(!New->GetExpanded());
+    if (Guard && Moved) {
+        for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
+            if (FItems->NVMeta(Index)) continue;
+            TFlyNode* Top = FItems->GetNodeFromIndex(Index);
+            if (!Top->GetExpanded() || Top == New.Get() || (New && New->HasAsParent(Top))) continue;
+            Top->Collapse(true);
+        }
+    }
+    if (Guard) FItems->EndUpdate();
+}
+
+void TCustomQuillTree::MarkRange(int FromRow, int ToRow, bool Mark) {
+    if (!FItems) return;
+    const int Low = std::max(std::min(FromRow, ToRow) - GetFixedRows(), 0);
+    const int High = std::min(std::max(FromRow, ToRow) - GetFixedRows(), FItems->RowList.GetCount() - 1);
+    if (Low > High) return;
+    FItems->SelectRows(Low, High, Mark);
+    InvalidateRect(SelectionColumns(GetFixedRows() + Low, GetFixedRows() + High));
+}
+
+void TCustomQuillTree::Selecting(int, int ARow, TFlyNode* Node, TShiftState Shift, bool MoveAnchor) {
+    if (!Node || !IsRangeSelect()) return;
+    if (Shift.Contains(ssShift)) {
+        if (!FAnchorNode) return;
+        FlushSelection();
+        if (FRangeStartNode && FRangeStartNode->GetRow() >= 0) MarkRange(FRangeStartNode->GetRow(), ARow, false);
+        FRangeStartNode = GetNodeAtRow(ARow);
+        const int AnchorRow = FAnchorNode->GetRow();
+        if (AnchorRow >= 0) MarkRange(AnchorRow, ARow, true);
+    } else if (Shift.Contains(ssCtrl) && !MoveAnchor) {
+        TFlyNode* Target = GetNodeAtRow(ARow);
+        FRangeStartNode = Target;
+        if (!Target) return;
+        FAnchorNode = Target;
+        Target->SetSelectedField(!Target->GetSelected());
+        InvalidateRow(ARow);
+    }
+}
+
+void TCustomQuillTree::FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) {
+    const TControlGuard Guard(this);
+    TFlyNode* Node = GetNodeAtRow(ARow);
+    if (FShowImages) {
+        // Their picture depends on being current.
+        const TFlyNode* Current = GetNodeAtRow(GetRow());
+        if (Current && Current->GetSelectedIndex() != -1 && GetCol() != FStructureCol) {
+            InvalidateCell(FStructureCol, GetRow());
+        }
+        if (Node && Node->GetSelectedIndex() != -1 && ACol != FStructureCol) InvalidateCell(FStructureCol, ARow);
+    }
+    if (ARow != GetRow()) {
+        if (IsRangeSelect() && !(Way != swNone && MoveAnchor)) {
+            if (Way != swNone) FAnchorNode = FAnchorNode ? FAnchorNode : Node;
+        } else if (Node && (IsRangeSelect() || !Node->GetSelected())) {
+            // A plain click or arrow key leaves no other node marked.
+            FlushSelection();
+            SelectOne(ARow);
+        }
+    } else if (Node && !Node->GetSelected()) {
+        const bool ByLeft = Shift == TShiftState(ssLeft);
+        const bool ByRight = Shift == TShiftState(ssRight) && FRightClickSelect;
+        if (ByLeft || ByRight) {
+            if (!IsRangeSelect()) FlushSelection();
+            Node->SetSelected(true);
+        }
+    }
+    if (Guard) TCustomExGrid::FocusCell(ACol, ARow, MoveAnchor, Shift, Way);
+}
+
+// --- events ------------------------------------------------------------------------------------------------------
+// Handlers are copied before the call: one that destroys the tree must not destroy the function it runs in.
+
+bool TCustomQuillTree::CanChange(TFlyNode* Node) {
+    bool Allow = true;
+    if (Node) FireEvent(OnChanging, this, Node, Allow);
+    return Allow;
+}
+
+void TCustomQuillTree::Change(TFlyNode* Node) {
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    FireEvent(OnChange, this, Node);
+    if (Guard && (!Node || Watch)) Q_EMIT changed(Node);
+}
+
+bool TCustomQuillTree::CanExpand(TFlyNode* Node) {
+    bool Allow = true;
+    FireEvent(OnExpanding, this, Node, Allow);
+    return Allow;
+}
+
+bool TCustomQuillTree::CanCollapse(TFlyNode* Node) {
+    bool Allow = true;
+    FireEvent(OnCollapsing, this, Node, Allow);
+    return Allow;
+}
+
+void TCustomQuillTree::Expand(TFlyNode* Node) {
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    FireEvent(OnExpanded, this, Node);
+    if (Guard && Watch) Q_EMIT expanded(Node);
+}
+
+void TCustomQuillTree::Collapse(TFlyNode* Node) {
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    FireEvent(OnCollapsed, this, Node);
+    if (Guard && Watch) Q_EMIT collapsed(Node);
+}
+
+void TCustomQuillTree::Delete(TFlyNode* Node) {
+    if (HasState(csDestroying)) return;
+    const TControlGuard Guard(this);
+    FireEvent(OnDeletion, this, Node);
+    if (Guard) Q_EMIT deletion(Node);
+}
+
+void TCustomQuillTree::ExpandItem(TFlyNode*, bool) {}
+
+void TCustomQuillTree::FullExpand() {
+    const TControlGuard Guard(this);
+    FItems->BeginUpdate();
+    for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
+        if (!FItems->NVMeta(Index)) FItems->GetNodeFromIndex(Index)->Expand(true);
+    }
+    if (!Guard) return;
+    FItems->EndUpdate();
+    if (Guard) Invalidate();
+}
+
+void TCustomQuillTree::FullCollapse() {
+    const TControlGuard Guard(this);
+    FItems->BeginUpdate();
+    for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
+        if (!FItems->NVMeta(Index)) FItems->GetNodeFromIndex(Index)->Collapse(true);
+    }
+    if (!Guard) return;
+    FItems->EndUpdate();
+    if (Guard) Invalidate();
+}
+
+// --- keys --------------------------------------------------------------------------------------------------------
+
+void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
+    const TControlGuard Guard(this);
+    TFlyNode* Node = (GetCol() == FStructureCol || IsRowSelect()) ? GetNodeAtRow(GetRow()) : nullptr;
+    if (Node) {
+        switch (Key) {
+        case VK_ADD:
+            Node->Expand(false);
+            Key = 0;
+            return;
+        case VK_SUBTRACT:
+            Node->Collapse(false);
+            Key = 0;
+            return;
+        case VK_RIGHT:
+            if (GetColCount() == 1 && Node->GetChildren()) {
+                if (!Node->GetExpanded()) {
+                    Node->Expand(false);
+                } else if (TFlyNode* First = Node->getFirstChild(); First && First->GetRow() >= 0) {
+                    SetRow(First->GetRow());
+                }
+            }
+            break;
+        case VK_LEFT:
+            if (GetColCount() == 1) {
+                if (Node->GetExpanded()) {
+                    Node->Collapse(false);
+                } else if (TFlyNode* Parent = Node->GetParent()) {
+                    SetRow(Parent->GetRow());
+                }
+            }
+            break;
+        case VK_RETURN:
+            if (!IsEditorShowing()) Node->SetExpanded(!Node->GetExpanded());
+            break;
+        case VK_SPACE:
+            if (FShowLogic) {
+                int State = Node->GetStateIndex();
+                switch (State) {
+                case 1: State = 2; break;
+                case 2: State = 1; break;
+                case 4: State = 5; break;
+                case 5: State = 4; break;
+                default: State = -1; break;
+                }
+                if (State >= 0) {
+                    Node->SetStateIndex(State);
+                    Key = 0;
+                    return;
+                }
+            }
+            break;
+        default: break;
+        }
+    }
+    if (Guard) TCustomExGrid::KeyDown(Key, Shift);
+}
+
+void TCustomQuillTree::WMChar(TWMKey& Message) {
+    const char32_t Char = Message.CharCode;
+    if (GetCol() != FStructureCol && !IsRowSelect()) {
+        TCustomExGrid::WMChar(Message);
+        return;
+    }
+    if (Char == U'\r' || Char == U'+' || Char == U'-' || (Char == U' ' && FShowLogic)) return;
+    if (GetOptions().Contains(goEditing)) {
+        TCustomExGrid::WMChar(Message);
+        return;
+    }
+    if (Char < 32) return;
+
+    const TControlGuard Guard(this);
+    TFlyNode* Start = GetNodeAtRow(GetRow());
+    const std::uint32_t Now = GetTickCount();
+    if (Now - FSearchTick > SearchWindow) FSearchText.clear();
+    AppendUtf8(FSearchText, Char);
+    FSearchTick = Now;
+    SetSelection(IncSearch(Start));
+    if (!Guard) return;
+    if (GetSelection() == Start && Utf8Length(FSearchText) > 1) {
+        FSearchText.clear();
+        AppendUtf8(FSearchText, Char);
+        SetSelection(IncSearch(Start));
+        if (!Guard) return;
+    }
+    Message.CharCode = 0;
+    Message.Result = 1;
+}
+
+TFlyNode* TCustomQuillTree::IncSearch(TFlyNode* Start) {
+    if (!Start || !FItems) return nullptr;
+    const TControlGuard Guard(this);
+    const TNodeWatch StartWatch(Start);
+    TNodeWatch Node(GetNextVisible(Start));
+    bool Wrapped = false;
+    if (!Node) {
+        Node.Reset(FItems->GetFirstNode());
+        Wrapped = true;
+    }
+    while (Node && Node.Get() != Start) {
+        std::string Text;
+        if (OnGetEditText) {
+            FireEvent(OnGetEditText, this, FStructureCol, Node->GetRow(), Text);
+            if (!Guard || !StartWatch) return nullptr;
+            if (!Node) break;
+        } else {
+            Text = Node->GetText();
+        }
+        if (StartsTextIgnoringCase(Text, FSearchText)) return Node;
+        TFlyNode* Next = Node->GetExpanded() ? Node->getFirstChild() : nullptr;
+        if (!Next) Next = GetNextVisible(Node);
+        if (!Next) {
+            // Once around is enough, also when Start has no row of its own.
+            if (Wrapped) break;
+            Wrapped = true;
+            Next = FItems->GetFirstNode();
+        }
+        Node.Reset(Next);
+    }
+    return Start;
+}
+
+} // namespace quill
