@@ -10,7 +10,7 @@ namespace quill {
 
 namespace {
 
-constexpr std::size_t CopyBlock = 64 * 1024;
+constexpr std::size_t CopyBlock = 65'536;
 
 } // namespace
 
