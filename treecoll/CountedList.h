@@ -3,6 +3,7 @@
 
 #include "treecoll/TreeSlot.h"
 
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <vector>
@@ -26,10 +27,12 @@ public:
     static constexpr int LeafMax = 128;
     static constexpr int InnerMax = 64;
 
-    TCountedList() = default;
+    TCountedList();
     ~TCountedList();
     TCountedList(const TCountedList&) = delete;
     TCountedList& operator=(const TCountedList&) = delete;
+    static void* operator new(std::size_t Size);
+    static void operator delete(void* Memory, std::size_t Size) noexcept;
 
     int GetCount() const { return FCount; }
     int GetMarkedCount() const { return FMarked; }

@@ -1,0 +1,873 @@
+#include "treecoll/CountedList.h"
+
+#include "treecoll/NodePool.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cassert>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+namespace quill {
+
+namespace {
+
+constexpr int PosBits = 7;
+constexpr std::uint32_t PosMask = (1u << PosBits) - 1;
+constexpr int NoInner = -1;
+constexpr int FreeLeaf = -2;
+
+void MoveEntries(TTreeSlot** To, TTreeSlot* const* From, int Count) {
+    if (Count > 0) std::memmove(To, From, static_cast<std::size_t>(Count) * sizeof(TTreeSlot*));
+}
+
+std::size_t U(int Value) { return static_cast<std::size_t>(Value); }
+
+} // namespace
+
+// The tree form. Leaves are numbered; what has to be known of a leaf without touching it stands in a compact table,
+// so that thousands of leaves are freed by passing their numbers on.
+template <int Which>
+struct TCountedList<Which>::TTree {
+    struct TLeafInfo {
+        std::int32_t Parent = FreeLeaf;
+        std::uint8_t Count = 0;
+        std::uint8_t Marked = 0;
+    };
+    struct TInner {
+        int Parent = NoInner;
+        int Count = 0;
+        bool OverLeaves = true;
+        // Entries below each child, and the child's number: a leaf's or an inner node's.
+        std::array<int, InnerMax> Sizes;
+        std::array<int, InnerMax> Ids;
+    };
+    // The place of a leaf in the inner node above it.
+    struct TCursor {
+        int Inner;
+        int Slot;
+    };
+    // Leaves live in slabs of 8, 8, 16, 32, ... so that a small tree stays small and nothing ever moves.
+    static constexpr int FirstSlab = 8;
+
+    std::vector<TLeafInfo> Leaves;
+    std::vector<std::unique_ptr<TTreeSlot*[]>> Slabs;
+    std::vector<int> FreeLeaves;
+    std::vector<std::unique_ptr<TInner>> Inners;
+    std::vector<int> FreeInners;
+    int Root = NoInner;
+    // The leaf that was looked at last and the position of its first entry; loops by index stay in it.
+    mutable int CachedLeaf = -1;
+    mutable int CachedStart = 0;
+
+    // --- parts --------------------------------------------------------------------------------------------------
+    TTreeSlot** Entries(int Leaf) const {
+        const int Slab = static_cast<int>(std::bit_width(static_cast<unsigned>(Leaf / FirstSlab)));
+        const int Base = Slab == 0 ? 0 : FirstSlab << (Slab - 1);
+        return Slabs[U(Slab)].get() + U(Leaf - Base) * LeafMax;
+    }
+    TLeafInfo& Info(int Leaf) { return Leaves[U(Leaf)]; }
+    const TLeafInfo& Info(int Leaf) const { return Leaves[U(Leaf)]; }
+    TInner& Inner(int Id) { return *Inners[U(Id)]; }
+    const TInner& Inner(int Id) const { return *Inners[U(Id)]; }
+
+    int NewLeaf() {
+        if (!FreeLeaves.empty()) {
+            const int Leaf = FreeLeaves.back();
+            FreeLeaves.pop_back();
+            Info(Leaf) = {NoInner, 0, 0};
+            return Leaf;
+        }
+        const int Leaf = static_cast<int>(Leaves.size());
+        const int Slab = static_cast<int>(std::bit_width(static_cast<unsigned>(Leaf / FirstSlab)));
+        if (U(Slab) == Slabs.size()) {
+            const int Size = Slab == 0 ? FirstSlab : FirstSlab << (Slab - 1);
+            Slabs.push_back(std::make_unique_for_overwrite<TTreeSlot*[]>(U(Size) * LeafMax));
+        }
+        Leaves.push_back({NoInner, 0, 0});
+        return Leaf;
+    }
+    void DropLeaf(int Leaf) {
+        Info(Leaf).Parent = FreeLeaf;
+        FreeLeaves.push_back(Leaf);
+    }
+    int NewInner(bool OverLeaves) {
+        int Id;
+        if (!FreeInners.empty()) {
+            Id = FreeInners.back();
+            FreeInners.pop_back();
+        } else {
+            Id = static_cast<int>(Inners.size());
+            Inners.push_back(std::make_unique<TInner>());
+        }
+        TInner& N = Inner(Id);
+        N.Parent = NoInner;
+        N.Count = 0;
+        N.OverLeaves = OverLeaves;
+        return Id;
+    }
+    void DropInner(int Id) { FreeInners.push_back(Id); }
+
+    void WriteRefs(int Leaf, int From) {
+        TTreeSlot** E = Entries(Leaf);
+        const int Count = Info(Leaf).Count;
+        for (int i = From; i < Count; ++i) SetRef(E[i], MakeRef(Leaf, i));
+    }
+    static std::uint32_t MakeRef(int Leaf, int Pos) {
+        return (static_cast<std::uint32_t>(Leaf) << PosBits) | static_cast<std::uint32_t>(Pos);
+    }
+    static int CountMarked(TTreeSlot* const* E, int Count) {
+        int Result = 0;
+        for (int i = 0; i < Count; ++i) Result += IsMarked(E[i]) ? 1 : 0;
+        return Result;
+    }
+
+    int SlotOf(const TInner& Parent, int Id) const {
+        int i = 0;
+        while (Parent.Ids[U(i)] != Id) ++i;
+        return i;
+    }
+    void SetChildParent(const TInner& N, int Slot, int Parent) {
+        if (N.OverLeaves) {
+            Info(N.Ids[U(Slot)]).Parent = Parent;
+        } else {
+            Inner(N.Ids[U(Slot)]).Parent = Parent;
+        }
+    }
+    int SizeOf(const TInner& N) const {
+        int Sum = 0;
+        for (int i = 0; i < N.Count; ++i) Sum += N.Sizes[U(i)];
+        return Sum;
+    }
+    // Adds Delta to the counts on the way from the child Slot of Id to the root.
+    void AddToCounts(int Id, int Slot, int Delta) {
+        Inner(Id).Sizes[U(Slot)] += Delta;
+        while (Inner(Id).Parent != NoInner) {
+            const int Parent = Inner(Id).Parent;
+            Inner(Parent).Sizes[U(SlotOf(Inner(Parent), Id))] += Delta;
+            Id = Parent;
+        }
+    }
+
+    // --- finding --------------------------------------------------------------------------------------------------
+    // The leaf with the entry at Index, which becomes the position in it.
+    int LeafAt(int& Index) const {
+        if (CachedLeaf >= 0) {
+            const int Pos = Index - CachedStart;
+            if (Pos >= 0 && Pos < Info(CachedLeaf).Count) {
+                Index = Pos;
+                return CachedLeaf;
+            }
+        }
+        const int Wanted = Index;
+        const TInner* N = &Inner(Root);
+        for (;;) {
+            int Slot = 0;
+            while (Index >= N->Sizes[U(Slot)]) Index -= N->Sizes[U(Slot++)];
+            if (N->OverLeaves) {
+                CachedLeaf = N->Ids[U(Slot)];
+                CachedStart = Wanted - Index;
+                return CachedLeaf;
+            }
+            N = &Inner(N->Ids[U(Slot)]);
+        }
+    }
+    // Where an entry is inserted at Index: at the end of the earlier leaf when there is a choice.
+    int InsertPlace(int& Index) const {
+        if (CachedLeaf >= 0) {
+            const int Pos = Index - CachedStart;
+            if ((Pos > 0 || Index == 0) && Pos >= 0 && Pos <= Info(CachedLeaf).Count) {
+                Index = Pos;
+                return CachedLeaf;
+            }
+        }
+        const TInner* N = &Inner(Root);
+        for (;;) {
+            int Slot = 0;
+            while (Slot + 1 < N->Count && Index > N->Sizes[U(Slot)]) Index -= N->Sizes[U(Slot++)];
+            if (N->OverLeaves) return N->Ids[U(Slot)];
+            N = &Inner(N->Ids[U(Slot)]);
+        }
+    }
+    TCursor CursorOf(int Leaf) const {
+        const int Parent = Info(Leaf).Parent;
+        return {Parent, SlotOf(Inner(Parent), Leaf)};
+    }
+    int StartOf(int Leaf) const {
+        if (Leaf == CachedLeaf) return CachedStart;
+        int Start = 0;
+        int Child = Leaf;
+        for (int Id = Info(Leaf).Parent; Id != NoInner; Child = Id, Id = Inner(Id).Parent) {
+            const TInner& N = Inner(Id);
+            for (int i = 0; N.Ids[U(i)] != Child; ++i) Start += N.Sizes[U(i)];
+        }
+        CachedLeaf = Leaf;
+        CachedStart = Start;
+        return Start;
+    }
+    bool Locate(const TTreeSlot* Entry, TPlace& Place) const {
+        const std::uint32_t R = Ref(Entry);
+        const int Leaf = static_cast<int>(R >> PosBits);
+        if (U(Leaf) >= Leaves.size() || Info(Leaf).Parent == FreeLeaf) return false;
+        TTreeSlot** E = Entries(Leaf);
+        const int Count = Info(Leaf).Count;
+        int Pos = static_cast<int>(R & PosMask);
+        if (Pos >= Count || E[Pos] != Entry) {
+            Pos = static_cast<int>(std::find(E, E + Count, Entry) - E);
+            if (Pos == Count) return false;
+            SetRef(Entry, MakeRef(Leaf, Pos));
+        }
+        Place = {Leaf, Pos};
+        return true;
+    }
+    // The leaf after (Step 1) or before (Step -1) Leaf; -1 at the ends.
+    int NeighbourLeaf(int Leaf, int Step) const {
+        TCursor C = CursorOf(Leaf);
+        for (;;) {
+            const int Slot = C.Slot + Step;
+            if (Slot >= 0 && Slot < Inner(C.Inner).Count) {
+                int Id = Inner(C.Inner).Ids[U(Slot)];
+                if (Inner(C.Inner).OverLeaves) return Id;
+                for (;;) {
+                    const TInner& N = Inner(Id);
+                    Id = N.Ids[U(Step > 0 ? 0 : N.Count - 1)];
+                    if (N.OverLeaves) return Id;
+                }
+            }
+            const int Parent = Inner(C.Inner).Parent;
+            if (Parent == NoInner) return -1;
+            C = {Parent, SlotOf(Inner(Parent), C.Inner)};
+        }
+    }
+
+    // --- growing --------------------------------------------------------------------------------------------------
+    // Puts child NewId, with Size entries below it, behind child Slot of Id (Slot -1: in front). Counts above Id must
+    // be right already or be made right by the caller; only those of split nodes are moved here. A full node splits;
+    // at its end it does not share, so that nodes filled in order are full.
+    void InsertChild(int Id, int Slot, int NewId, int Size) {
+        for (;;) {
+            const int At = Slot + 1;
+            if (Inner(Id).Count < InnerMax) {
+                PutChild(Id, At, NewId, Size);
+                return;
+            }
+            const int Split = At == InnerMax ? InnerMax : InnerMax / 2;
+            const int Right = NewInner(Inner(Id).OverLeaves);
+            TInner& L = Inner(Id);
+            TInner& R = Inner(Right);
+            R.Count = L.Count - Split;
+            std::copy(L.Sizes.begin() + Split, L.Sizes.begin() + L.Count, R.Sizes.begin());
+            std::copy(L.Ids.begin() + Split, L.Ids.begin() + L.Count, R.Ids.begin());
+            L.Count = Split;
+            for (int i = 0; i < R.Count; ++i) SetChildParent(R, i, Right);
+            if (At <= Split && Split < InnerMax) {
+                PutChild(Id, At, NewId, Size);
+            } else {
+                PutChild(Right, At - Split, NewId, Size);
+            }
+            const int RightSize = SizeOf(Inner(Right));
+            if (Inner(Id).Parent == NoInner) {
+                const int NewRoot = NewInner(false);
+                PutChild(NewRoot, 0, Id, SizeOf(Inner(Id)));
+                PutChild(NewRoot, 1, Right, RightSize);
+                Root = NewRoot;
+                return;
+            }
+            const int Parent = Inner(Id).Parent;
+            Slot = SlotOf(Inner(Parent), Id);
+            Inner(Parent).Sizes[U(Slot)] = SizeOf(Inner(Id));
+            Id = Parent;
+            NewId = Right;
+            Size = RightSize;
+        }
+    }
+    void PutChild(int Id, int At, int Child, int Size) {
+        TInner& N = Inner(Id);
+        std::copy_backward(N.Sizes.begin() + At, N.Sizes.begin() + N.Count, N.Sizes.begin() + N.Count + 1);
+        std::copy_backward(N.Ids.begin() + At, N.Ids.begin() + N.Count, N.Ids.begin() + N.Count + 1);
+        N.Sizes[U(At)] = Size;
+        N.Ids[U(At)] = Child;
+        ++N.Count;
+        SetChildParent(N, At, Id);
+    }
+    // Makes an empty leaf behind Leaf.
+    int InsertLeafAfter(int Leaf) {
+        const int Fresh = NewLeaf();
+        const TCursor C = CursorOf(Leaf);
+        InsertChild(C.Inner, C.Slot, Fresh, 0);
+        return Fresh;
+    }
+    // Changes the number of entries of Leaf that the counts above know.
+    void Recount(int Leaf, int Delta) {
+        const TCursor C = CursorOf(Leaf);
+        AddToCounts(C.Inner, C.Slot, Delta);
+    }
+    // Moves the entries from Pos on to a new leaf behind Leaf.
+    void SplitLeaf(int Leaf, int Pos) {
+        const int Right = InsertLeafAfter(Leaf);
+        TLeafInfo& L = Info(Leaf);
+        TLeafInfo& R = Info(Right);
+        const int Moved = L.Count - Pos;
+        MoveEntries(Entries(Right), Entries(Leaf) + Pos, Moved);
+        R.Count = static_cast<std::uint8_t>(Moved);
+        L.Count = static_cast<std::uint8_t>(Pos);
+        if (L.Marked > 0) {
+            R.Marked = static_cast<std::uint8_t>(CountMarked(Entries(Right), Moved));
+            L.Marked = static_cast<std::uint8_t>(L.Marked - R.Marked);
+        }
+        WriteRefs(Right, 0);
+        Recount(Leaf, -Moved);
+        Recount(Right, Moved);
+    }
+    void Insert(int Index, std::span<TTreeSlot* const> New) {
+        int Pos = Index;
+        int Leaf = InsertPlace(Pos);
+        CachedLeaf = -1;
+        if (Info(Leaf).Count + static_cast<int>(New.size()) > LeafMax && Pos < Info(Leaf).Count) {
+            // A few entries share the leaf half and half; many get leaves of their own at exactly this place.
+            const bool Few = New.size() <= LeafMax / 4;
+            const int Half = Info(Leaf).Count / 2;
+            SplitLeaf(Leaf, Few ? Half : Pos);
+            if (Few && Pos > Half) {
+                Pos -= Half;
+                Leaf = NeighbourLeaf(Leaf, 1);
+            }
+        }
+        while (!New.empty()) {
+            if (Info(Leaf).Count == LeafMax) {
+                Leaf = InsertLeafAfter(Leaf);
+                Pos = 0;
+            }
+            TLeafInfo& L = Info(Leaf);
+            TTreeSlot** E = Entries(Leaf);
+            const int Taken = std::min(LeafMax - L.Count, static_cast<int>(New.size()));
+            MoveEntries(E + Pos + Taken, E + Pos, L.Count - Pos);
+            int Marked = 0;
+            for (int i = 0; i < Taken; ++i) {
+                E[Pos + i] = New[U(i)];
+                SetRef(New[U(i)], MakeRef(Leaf, Pos + i));
+                Marked += IsMarked(New[U(i)]) ? 1 : 0;
+            }
+            L.Count = static_cast<std::uint8_t>(L.Count + Taken);
+            L.Marked = static_cast<std::uint8_t>(L.Marked + Marked);
+            Recount(Leaf, Taken);
+            New = New.subspan(U(Taken));
+            Pos += Taken;
+            Index += Taken;
+        }
+        CachedLeaf = Leaf;
+        CachedStart = Index - Pos;
+    }
+    void Build(std::span<TTreeSlot* const> All) {
+        std::vector<std::pair<int, int>> Level; // number, size
+        for (std::size_t i = 0; i < All.size(); i += LeafMax) {
+            const int Leaf = NewLeaf();
+            const int Count = static_cast<int>(std::min<std::size_t>(LeafMax, All.size() - i));
+            MoveEntries(Entries(Leaf), All.data() + i, Count);
+            TLeafInfo& L = Info(Leaf);
+            L.Count = static_cast<std::uint8_t>(Count);
+            L.Marked = static_cast<std::uint8_t>(CountMarked(Entries(Leaf), Count));
+            WriteRefs(Leaf, 0);
+            Level.emplace_back(Leaf, Count);
+        }
+        for (bool OverLeaves = true; OverLeaves || Level.size() > 1; OverLeaves = false) {
+            std::vector<std::pair<int, int>> Above;
+            for (std::size_t i = 0; i < Level.size(); i += InnerMax) {
+                const int Id = NewInner(OverLeaves);
+                int Size = 0;
+                for (std::size_t k = i; k < std::min(i + InnerMax, Level.size()); ++k) {
+                    PutChild(Id, Inner(Id).Count, Level[k].first, Level[k].second);
+                    Size += Level[k].second;
+                }
+                Above.emplace_back(Id, Size);
+            }
+            Level = std::move(Above);
+        }
+        Root = Level[0].first;
+    }
+
+    // --- shrinking ------------------------------------------------------------------------------------------------
+    void RemoveChild(int Id, int Slot, int Count) {
+        TInner& N = Inner(Id);
+        std::copy(N.Sizes.begin() + Slot + Count, N.Sizes.begin() + N.Count, N.Sizes.begin() + Slot);
+        std::copy(N.Ids.begin() + Slot + Count, N.Ids.begin() + N.Count, N.Ids.begin() + Slot);
+        N.Count -= Count;
+    }
+    // Frees everything below Id and Id itself; returns the number of marked entries that went.
+    int DropSubtree(int Id) {
+        TInner& N = Inner(Id);
+        int Marked = 0;
+        for (int i = N.Count - 1; i >= 0; --i) Marked += DropChild(N, i);
+        DropInner(Id);
+        return Marked;
+    }
+    int DropChild(const TInner& N, int Slot) {
+        const int Child = N.Ids[U(Slot)];
+        if (!N.OverLeaves) return DropSubtree(Child);
+        const int Marked = Info(Child).Marked;
+        DropLeaf(Child);
+        return Marked;
+    }
+    int DeleteInLeaf(int Leaf, int Pos, int Count) {
+        TLeafInfo& L = Info(Leaf);
+        TTreeSlot** E = Entries(Leaf);
+        const int Marked = L.Marked > 0 ? CountMarked(E + Pos, Count) : 0;
+        MoveEntries(E + Pos, E + Pos + Count, L.Count - Pos - Count);
+        L.Count = static_cast<std::uint8_t>(L.Count - Count);
+        L.Marked = static_cast<std::uint8_t>(L.Marked - Marked);
+        return Marked;
+    }
+    // Deletes Count entries from position From below Id; recurses on the height of this tree, which is small.
+    // Children that became empty go; Id itself may be empty afterwards.
+    int Delete(int Id, int From, int Count) {
+        TInner& N = Inner(Id);
+        int Marked = 0;
+        int Slot = 0;
+        while (From >= N.Sizes[U(Slot)]) From -= N.Sizes[U(Slot++)];
+        int FirstGone = -1;
+        int GoneCount = 0;
+        while (Count > 0) {
+            const int Size = N.Sizes[U(Slot)];
+            const int Here = std::min(Count, Size - From);
+            if (Here == Size) {
+                Marked += DropChild(N, Slot);
+                if (FirstGone < 0) FirstGone = Slot;
+                ++GoneCount;
+            } else {
+                const int Child = N.Ids[U(Slot)];
+                Marked += N.OverLeaves ? DeleteInLeaf(Child, From, Here) : Delete(Child, From, Here);
+                N.Sizes[U(Slot)] -= Here;
+            }
+            Count -= Here;
+            From = 0;
+            ++Slot;
+        }
+        if (GoneCount > 0) RemoveChild(Id, FirstGone, GoneCount);
+        return Marked;
+    }
+    // Returns the number of marked entries that went; not everything may go.
+    int DeleteRange(int Index, int Count, int Remaining) {
+        if (Count == 1) {
+            int Pos = Index;
+            const int Leaf = LeafAt(Pos);
+            if (Info(Leaf).Count > LeafMax / 4) {
+                Recount(Leaf, -1);
+                return DeleteInLeaf(Leaf, Pos, 1);
+            }
+        }
+        CachedLeaf = -1;
+        const int Marked = Delete(Root, Index, Count);
+        Tidy(std::min(Index, Remaining - 1));
+        if (Index > 0) Tidy(Index - 1);
+        while (!Inner(Root).OverLeaves && Inner(Root).Count == 1) {
+            const int Only = Inner(Root).Ids[0];
+            DropInner(Root);
+            Root = Only;
+            Inner(Root).Parent = NoInner;
+        }
+        return Marked;
+    }
+    // Joins the leaf at Index, and the nodes above it, with a neighbour when they have become small.
+    void Tidy(int Index) {
+        int Pos = Index;
+        const int Leaf = LeafAt(Pos);
+        const TCursor C = CursorOf(Leaf);
+        CachedLeaf = -1;
+        if (Info(Leaf).Count < LeafMax / 4) {
+            const TInner& N = Inner(C.Inner);
+            const int Left =
+                C.Slot > 0 && (C.Slot + 1 == N.Count || N.Sizes[U(C.Slot - 1)] < N.Sizes[U(C.Slot + 1)])
+                    ? C.Slot - 1
+                    : C.Slot;
+            if (Left + 1 < N.Count && N.Sizes[U(Left)] + N.Sizes[U(Left + 1)] <= LeafMax * 3 / 4) {
+                JoinLeaves(C.Inner, Left);
+            }
+        }
+        for (int Id = C.Inner; Inner(Id).Parent != NoInner;) {
+            const int Parent = Inner(Id).Parent;
+            if (Inner(Id).Count < InnerMax / 4) {
+                const int Slot = SlotOf(Inner(Parent), Id);
+                const int Left = Slot > 0 ? Slot - 1 : Slot;
+                const TInner& P = Inner(Parent);
+                if (Left + 1 < P.Count &&
+                    Inner(P.Ids[U(Left)]).Count + Inner(P.Ids[U(Left + 1)]).Count <= InnerMax * 3 / 4) {
+                    JoinInners(Parent, Left);
+                }
+            }
+            Id = Parent;
+        }
+    }
+    void JoinLeaves(int Id, int Slot) {
+        TInner& N = Inner(Id);
+        const int Left = N.Ids[U(Slot)];
+        const int Right = N.Ids[U(Slot + 1)];
+        TLeafInfo& L = Info(Left);
+        const int Old = L.Count;
+        MoveEntries(Entries(Left) + Old, Entries(Right), Info(Right).Count);
+        L.Count = static_cast<std::uint8_t>(Old + Info(Right).Count);
+        L.Marked = static_cast<std::uint8_t>(L.Marked + Info(Right).Marked);
+        WriteRefs(Left, Old);
+        N.Sizes[U(Slot)] += N.Sizes[U(Slot + 1)];
+        DropLeaf(Right);
+        RemoveChild(Id, Slot + 1, 1);
+    }
+    void JoinInners(int Parent, int Slot) {
+        TInner& P = Inner(Parent);
+        const int Left = P.Ids[U(Slot)];
+        const int Right = P.Ids[U(Slot + 1)];
+        TInner& L = Inner(Left);
+        const TInner& R = Inner(Right);
+        for (int i = 0; i < R.Count; ++i) PutChild(Left, L.Count, R.Ids[U(i)], R.Sizes[U(i)]);
+        P.Sizes[U(Slot)] += P.Sizes[U(Slot + 1)];
+        DropInner(Right);
+        RemoveChild(Parent, Slot + 1, 1);
+    }
+
+    // --- checking -------------------------------------------------------------------------------------------------
+    static void Require(bool Holds, const char* Rule) {
+        if (!Holds) throw std::logic_error(std::string("counted list: ") + Rule);
+    }
+    int Check(int Id, int Parent, int& Marked) const {
+        const TInner& N = Inner(Id);
+        Require(N.Parent == Parent, "an inner node knows its parent");
+        Require(N.Count > 0 && N.Count <= InnerMax, "an inner node has children, and not too many");
+        int Sum = 0;
+        for (int i = 0; i < N.Count; ++i) {
+            const int Child = N.Ids[U(i)];
+            int Size = 0;
+            if (N.OverLeaves) {
+                const TLeafInfo& L = Info(Child);
+                Require(L.Parent == Id, "a leaf knows its parent");
+                Require(L.Count > 0 && L.Count <= LeafMax, "a leaf has entries, and not too many");
+                Require(L.Marked == CountMarked(Entries(Child), L.Count), "a leaf counts its marked entries");
+                for (int k = 0; k < L.Count; ++k) {
+                    Require(Ref(Entries(Child)[k]) >> PosBits == static_cast<std::uint32_t>(Child),
+                            "an entry knows its leaf");
+                }
+                Size = L.Count;
+                Marked += L.Marked;
+            } else {
+                Size = Check(Child, Id, Marked);
+            }
+            Require(Size == N.Sizes[U(i)], "counts are those of the children");
+            Sum += Size;
+        }
+        return Sum;
+    }
+};
+
+template <int Which>
+TCountedList<Which>::TCountedList() = default;
+template <int Which>
+TCountedList<Which>::~TCountedList() = default;
+
+template <int Which>
+void* TCountedList<Which>::operator new(std::size_t Size) {
+    return AllocateBlock(Size);
+}
+template <int Which>
+void TCountedList<Which>::operator delete(void* Memory, std::size_t Size) noexcept {
+    FreeBlock(Memory, Size);
+}
+
+template <int Which>
+TTreeSlot* TCountedList<Which>::Get(int Index) const {
+    assert(Index >= 0 && Index < FCount);
+    if (!FTree) return FSmall[U(Index)];
+    const int Leaf = FTree->LeafAt(Index);
+    return FTree->Entries(Leaf)[Index];
+}
+
+template <int Which>
+std::span<TTreeSlot* const> TCountedList<Which>::ChunkAt(int Index) const {
+    if (Index < 0 || Index >= FCount) return {};
+    if (!FTree) return {FSmall.get() + Index, U(FCount - Index)};
+    const int Leaf = FTree->LeafAt(Index);
+    return {FTree->Entries(Leaf) + Index, U(FTree->Info(Leaf).Count - Index)};
+}
+
+// Looks first where the entry was last, then nearby (entries move by a few places at a time), then everywhere.
+template <int Which>
+int TCountedList<Which>::FindSmall(const TTreeSlot* Entry) const {
+    TTreeSlot* const* const All = FSmall.get();
+    const int Hint =
+        static_cast<int>(std::min<std::uint32_t>(Ref(Entry), static_cast<std::uint32_t>(FCount)));
+    if (Hint < FCount && All[Hint] == Entry) return Hint;
+    const int NearFirst = std::max(0, Hint - 8);
+    const int NearLast = std::min(FCount, Hint + 8);
+    int Pos = static_cast<int>(std::find(All + NearFirst, All + NearLast, Entry) - All);
+    if (Pos == NearLast) Pos = static_cast<int>(std::find(All, All + FCount, Entry) - All);
+    if (Pos >= FCount) return -1;
+    SetRef(Entry, static_cast<std::uint32_t>(Pos));
+    return Pos;
+}
+
+template <int Which>
+int TCountedList<Which>::IndexOf(const TTreeSlot* Entry) const {
+    if (!FTree) return FindSmall(Entry);
+    TPlace Place;
+    return FTree->Locate(Entry, Place) ? FTree->StartOf(Place.Leaf) + Place.Pos : -1;
+}
+
+template <int Which>
+bool TCountedList<Which>::Contains(const TTreeSlot* Entry) const {
+    TPlace Place;
+    return FTree ? FTree->Locate(Entry, Place) : FindSmall(Entry) >= 0;
+}
+
+template <int Which>
+TTreeSlot* TCountedList<Which>::Next(const TTreeSlot* Entry) const {
+    if (!FTree) {
+        const int Pos = FindSmall(Entry);
+        return Pos >= 0 && Pos + 1 < FCount ? FSmall[U(Pos + 1)] : nullptr;
+    }
+    TPlace Place;
+    if (!FTree->Locate(Entry, Place)) return nullptr;
+    if (Place.Pos + 1 < FTree->Info(Place.Leaf).Count) return FTree->Entries(Place.Leaf)[Place.Pos + 1];
+    const int Leaf = FTree->NeighbourLeaf(Place.Leaf, 1);
+    return Leaf < 0 ? nullptr : FTree->Entries(Leaf)[0];
+}
+
+template <int Which>
+TTreeSlot* TCountedList<Which>::Prev(const TTreeSlot* Entry) const {
+    if (!FTree) {
+        const int Pos = FindSmall(Entry);
+        return Pos > 0 ? FSmall[U(Pos - 1)] : nullptr;
+    }
+    TPlace Place;
+    if (!FTree->Locate(Entry, Place)) return nullptr;
+    if (Place.Pos > 0) return FTree->Entries(Place.Leaf)[Place.Pos - 1];
+    const int Leaf = FTree->NeighbourLeaf(Place.Leaf, -1);
+    return Leaf < 0 ? nullptr : FTree->Entries(Leaf)[FTree->Info(Leaf).Count - 1];
+}
+
+template <int Which>
+void TCountedList<Which>::GrowSmall(int MinCapacity) {
+    if (MinCapacity <= FCapacity) return;
+    const int Step = FCapacity < 64 ? FCapacity / 4 : FCapacity / 8;
+    const int Capacity = std::min(SmallMax, std::max(MinCapacity, FCapacity + std::max(Step, 4)));
+    auto Grown = std::make_unique_for_overwrite<TTreeSlot*[]>(U(Capacity));
+    MoveEntries(Grown.get(), FSmall.get(), FCount);
+    FSmall = std::move(Grown);
+    FCapacity = Capacity;
+}
+
+template <int Which>
+void TCountedList<Which>::Reserve(int Capacity) {
+    if (!FTree) GrowSmall(std::min(Capacity, SmallMax));
+}
+
+template <int Which>
+void TCountedList<Which>::BuildTree(std::span<TTreeSlot* const> Entries) {
+    auto Tree = std::make_unique<TTree>();
+    Tree->Build(Entries);
+    FTree = std::move(Tree);
+    FSmall.reset();
+    FCapacity = 0;
+}
+
+template <int Which>
+void TCountedList<Which>::Insert(int Index, TTreeSlot* Entry) {
+    InsertRange(Index, std::span<TTreeSlot* const>(&Entry, 1));
+}
+
+template <int Which>
+void TCountedList<Which>::InsertRange(int Index, std::span<TTreeSlot* const> Entries) {
+    assert(Index >= 0 && Index <= FCount);
+    if (Entries.empty()) return;
+    const int Count = static_cast<int>(Entries.size());
+    for (const TTreeSlot* Entry : Entries) FMarked += IsMarked(Entry) ? 1 : 0;
+    if (FTree) {
+        FTree->Insert(Index, Entries);
+    } else if (FCount + Count <= SmallMax) {
+        GrowSmall(FCount + Count);
+        MoveEntries(FSmall.get() + Index + Count, FSmall.get() + Index, FCount - Index);
+        for (int i = 0; i < Count; ++i) {
+            FSmall[U(Index + i)] = Entries[U(i)];
+            SetRef(Entries[U(i)], static_cast<std::uint32_t>(Index + i));
+        }
+    } else if (FCount == 0) {
+        BuildTree(Entries);
+    } else {
+        std::vector<TTreeSlot*> All;
+        All.reserve(U(FCount + Count));
+        All.insert(All.end(), FSmall.get(), FSmall.get() + Index);
+        All.insert(All.end(), Entries.begin(), Entries.end());
+        All.insert(All.end(), FSmall.get() + Index, FSmall.get() + FCount);
+        BuildTree(All);
+    }
+    FCount += Count;
+}
+
+template <int Which>
+void TCountedList<Which>::DeleteRange(int Index, int Count) {
+    assert(Index >= 0 && Count >= 0 && Index + Count <= FCount);
+    if (Count == 0) return;
+    if (Count == FCount) {
+        Clear();
+        return;
+    }
+    FCount -= Count;
+    if (FTree) {
+        FMarked -= FTree->DeleteRange(Index, Count, FCount);
+        // Back to the small form, unless the tree is big: a big one was collapsed and will be expanded again.
+        if (FCount <= SmallMax / 4 && FTree->Leaves.size() <= 64) {
+            std::vector<TTreeSlot*> Rest;
+            for (int i = 0; i < FCount; ++i) Rest.push_back(Get(i));
+            FTree.reset();
+            FCount = FMarked = 0;
+            InsertRange(0, Rest);
+        }
+        return;
+    }
+    if (FMarked > 0) FMarked -= TTree::CountMarked(FSmall.get() + Index, Count);
+    MoveEntries(FSmall.get() + Index, FSmall.get() + Index + Count, FCount - Index);
+}
+
+template <int Which>
+void TCountedList<Which>::Move(int From, int To) {
+    if (From == To) return;
+    TTreeSlot* const Entry = Get(From);
+    if (!FTree) {
+        TTreeSlot** E = FSmall.get();
+        if (From < To) {
+            MoveEntries(E + From, E + From + 1, To - From);
+        } else {
+            MoveEntries(E + To + 1, E + To, From - To);
+        }
+        E[To] = Entry;
+        SetRef(Entry, static_cast<std::uint32_t>(To));
+        return;
+    }
+    DeleteRange(From, 1);
+    Insert(To, Entry);
+}
+
+template <int Which>
+void TCountedList<Which>::Replace(int Index, TTreeSlot* Entry) {
+    TTreeSlot* const Old = Get(Index);
+    if (Old == Entry) return;
+    const int Delta = (IsMarked(Entry) ? 1 : 0) - (IsMarked(Old) ? 1 : 0);
+    FMarked += Delta;
+    if (!FTree) {
+        FSmall[U(Index)] = Entry;
+        SetRef(Entry, static_cast<std::uint32_t>(Index));
+        return;
+    }
+    const int Leaf = FTree->LeafAt(Index);
+    FTree->Entries(Leaf)[Index] = Entry;
+    FTree->Info(Leaf).Marked = static_cast<std::uint8_t>(FTree->Info(Leaf).Marked + Delta);
+    SetRef(Entry, TTree::MakeRef(Leaf, Index));
+}
+
+template <int Which>
+void TCountedList<Which>::Assign(std::span<TTreeSlot* const> Entries) {
+    Clear();
+    InsertRange(0, Entries);
+}
+
+template <int Which>
+void TCountedList<Which>::Clear() {
+    FTree.reset();
+    FSmall.reset();
+    FCount = FMarked = FCapacity = 0;
+}
+
+template <int Which>
+void TCountedList<Which>::StoreMark(TTreeSlot* Entry, bool Value) {
+    std::uint32_t& Word = Entry->FWords[Which];
+    Word = Value ? Word | TTreeSlot::MarkBit : Word & ~TTreeSlot::MarkBit;
+}
+
+template <int Which>
+void TCountedList<Which>::SetMark(TTreeSlot* Entry, bool Value) {
+    if (IsMarked(Entry) == Value) return;
+    StoreMark(Entry, Value);
+    const int Delta = Value ? 1 : -1;
+    TPlace Place;
+    if (!FTree) {
+        if (FindSmall(Entry) >= 0) FMarked += Delta;
+    } else if (FTree->Locate(Entry, Place)) {
+        FMarked += Delta;
+        auto& Info = FTree->Info(Place.Leaf);
+        Info.Marked = static_cast<std::uint8_t>(Info.Marked + Delta);
+    }
+}
+
+template <int Which>
+int TCountedList<Which>::FindForward(int From, bool Value) const {
+    From = std::max(From, 0);
+    if (From >= FCount || (Value ? FMarked : FCount - FMarked) == 0) return -1;
+    if (!FTree) {
+        for (int i = From; i < FCount; ++i) {
+            if (IsMarked(FSmall[U(i)]) == Value) return i;
+        }
+        return -1;
+    }
+    int Pos = From;
+    int Start = From;
+    for (int Leaf = FTree->LeafAt(Pos); Leaf >= 0; Leaf = FTree->NeighbourLeaf(Leaf, 1), Pos = 0) {
+        const auto& Info = FTree->Info(Leaf);
+        if ((Value ? Info.Marked : Info.Count - Info.Marked) > 0) {
+            TTreeSlot** E = FTree->Entries(Leaf);
+            for (int i = Pos; i < Info.Count; ++i) {
+                if (IsMarked(E[i]) == Value) return Start + i - Pos;
+            }
+        }
+        Start += Info.Count - Pos;
+    }
+    return -1;
+}
+
+template <int Which>
+int TCountedList<Which>::FindBackward(int From, bool Value) const {
+    From = std::min(From, FCount - 1);
+    if (From < 0 || (Value ? FMarked : FCount - FMarked) == 0) return -1;
+    if (!FTree) {
+        for (int i = From; i >= 0; --i) {
+            if (IsMarked(FSmall[U(i)]) == Value) return i;
+        }
+        return -1;
+    }
+    int Pos = From;
+    int At = From;
+    for (int Leaf = FTree->LeafAt(Pos); Leaf >= 0;) {
+        const auto& Info = FTree->Info(Leaf);
+        if ((Value ? Info.Marked : Info.Count - Info.Marked) > 0) {
+            TTreeSlot** E = FTree->Entries(Leaf);
+            for (int i = Pos; i >= 0; --i) {
+                if (IsMarked(E[i]) == Value) return At - (Pos - i);
+            }
+        }
+        At -= Pos + 1;
+        Leaf = FTree->NeighbourLeaf(Leaf, -1);
+        if (Leaf >= 0) Pos = FTree->Info(Leaf).Count - 1;
+    }
+    return -1;
+}
+
+template <int Which>
+void TCountedList<Which>::CheckInvariants() const {
+    if (FTree) {
+        int Marked = 0;
+        TTree::Require(FTree->Check(FTree->Root, NoInner, Marked) == FCount, "the count is that of the tree");
+        TTree::Require(Marked == FMarked, "the marked count is that of the tree");
+    } else {
+        TTree::Require(FCount <= FCapacity || FCount == 0, "the small form has room for its entries");
+        TTree::Require(TTree::CountMarked(FSmall.get(), FCount) == FMarked, "the marked count is right");
+    }
+    std::vector<const TTreeSlot*> All;
+    for (int i = 0; i < FCount; ++i) All.push_back(Get(i));
+    for (int i = 0; i < FCount; ++i) {
+        TTree::Require(IndexOf(All[U(i)]) == i, "every entry is found at its position");
+    }
+    std::sort(All.begin(), All.end());
+    TTree::Require(std::adjacent_find(All.begin(), All.end()) == All.end(), "no entry stands twice");
+}
+
+template class TCountedList<TTreeSlot::ChildList>;
+template class TCountedList<TTreeSlot::RowsList>;
+
+} // namespace quill
