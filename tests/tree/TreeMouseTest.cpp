@@ -1,0 +1,97 @@
+// The mouse on a real window: buttons expand, clicks select, hits follow what is painted.
+#include "tests/tree/TreeTestSupport.h"
+
+#include <QTest>
+#include <QWindow>
+
+namespace quill {
+namespace {
+
+QPoint WindowPoint(TCustomQuillTree& Tree, TPoint Client) {
+    return Tree.viewport()->mapTo(Tree.window(), QPoint(Client.X, Client.Y));
+}
+
+void Click(TCustomQuillTree& Tree, TPoint Client, Qt::KeyboardModifiers Modifiers = Qt::NoModifier) {
+    QTest::mouseClick(Tree.windowHandle(), Qt::LeftButton, Modifiers, WindowPoint(Tree, Client));
+}
+
+TPoint Middle(const TRect& R) { return {(R.Left + R.Right) / 2, (R.Top + R.Bottom) / 2}; }
+
+// The centre of a node's button as it is painted.
+TPoint ButtonOf(TCustomQuillTree& Tree, TFlyNode* Node) {
+    const TRect Cell = Tree.CellRect(Tree.GetStructureCol(), Node->GetRow());
+    const int X = Tree.GetCX(Node->GetLevel());
+    return {Tree.UseRightToLeftAlignment() ? Tree.GetClientWidth() - 1 - X : X, (Cell.Top + Cell.Bottom) / 2};
+}
+
+class TreeMouse : public testing::TestWithParam<TBiDiMode> {
+protected:
+    void SetUp() override {
+        Tree.SetBiDiMode(GetParam());
+        Tree.Build("Fruit+\n Apple\n Pear\n  Red\n  Green\nNuts\n Hazel\n");
+        Tree.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&Tree));
+    }
+    TTestTree Tree;
+};
+
+TEST_P(TreeMouse, AClickOnTheButtonExpandsAndDoesNotSelect) {
+    std::string Log;
+    Tree.OnExpanded = [&](TObject*, TFlyNode* Node) { Log += "expanded " + Node->GetText() + ";"; };
+    Tree.OnCollapsed = [&](TObject*, TFlyNode* Node) { Log += "collapsed " + Node->GetText() + ";"; };
+    Tree.OnChange = [&](TObject*, TFlyNode*) { Log += "changed;"; };
+    Click(Tree, ButtonOf(Tree, Tree.Find("Pear")));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear(+) Red Green Nuts");
+    Click(Tree, ButtonOf(Tree, Tree.Find("Nuts")));
+    Click(Tree, ButtonOf(Tree, Tree.Find("Pear")));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear Nuts(+) Hazel");
+    EXPECT_EQ(Log, "expanded Pear;expanded Nuts;collapsed Pear;");
+    Tree.OnExpanding = [](TObject*, TFlyNode*, bool& Allow) { Allow = false; };
+    Click(Tree, ButtonOf(Tree, Tree.Find("Pear")));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear Nuts(+) Hazel");
+}
+
+TEST_P(TreeMouse, AClickOnATextSelectsThatNodeAlone) {
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Pear"), true)));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple Pear(sel)< Nuts");
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Nuts"), true)));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple Pear Nuts(sel)<");
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Apple"), true)), Qt::ShiftModifier);
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear(sel) Nuts(sel)");
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Pear"), true)), Qt::ControlModifier);
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel) Pear< Nuts(sel)");
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Fruit"), true)));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Nuts");
+}
+
+TEST_P(TreeMouse, HitsNameTheParts) {
+    TFlyNode* Pear = Tree.Find("Pear");
+    EXPECT_EQ(Tree.GetHitTestInfoAt(ButtonOf(Tree, Pear).X, ButtonOf(Tree, Pear).Y), (THitTests{htOnItem, htOnButton}));
+    const TPoint Text = Middle(Tree.DisplayRect(Pear, true));
+    EXPECT_EQ(Tree.GetHitTestInfoAt(Text.X, Text.Y), (THitTests{htOnItem, htOnLabel}));
+    const int Edge = GetParam() == bdRightToLeft ? Tree.GetClientWidth() - 3 : 3;
+    EXPECT_EQ(Tree.GetHitTestInfoAt(Edge, Text.Y), (THitTests{htOnItem, htOnIndent}));
+    EXPECT_EQ(Tree.GetHitTestInfoAt(Text.X, -1), THitTests(htAbove));
+    EXPECT_EQ(Tree.GetHitTestInfoAt(Text.X, 5000), THitTests(htBelow));
+    EXPECT_EQ(Tree.GetHitTestInfoAt(Text.X, Tree.GetClientHeight() - 1), THitTests(htNowhere));
+    EXPECT_FALSE(Tree.MouseHit(ButtonOf(Tree, Pear).X, ButtonOf(Tree, Pear).Y));
+    EXPECT_TRUE(Tree.MouseHit(Text.X, Text.Y));
+}
+
+TEST_P(TreeMouse, HotTrackingFollowsTheMouse) {
+    Tree.SetHotTrack(true);
+    const TPoint Pear = Middle(Tree.DisplayRect(Tree.Find("Pear"), true));
+    QTest::mouseMove(Tree.windowHandle(), WindowPoint(Tree, Pear));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Tree.GetTrackedRow(), Tree.Find("Pear")->GetRow());
+    Tree.Perform(CM_MOUSELEAVE, 0, 0);
+    EXPECT_EQ(Tree.GetTrackedRow(), -1);
+    Tree.SetFixedCols(1);
+    Tree.SetHotTrack(true);
+    EXPECT_FALSE(Tree.GetHotTrack()) << "the structure column is fixed";
+}
+
+INSTANTIATE_TEST_SUITE_P(BothDirections, TreeMouse, testing::Values(bdLeftToRight, bdRightToLeft));
+
+} // namespace
+} // namespace quill
