@@ -10,7 +10,6 @@ jobs=$(nproc)
 packages_build=(g++ cmake ninja-build ccache lld python3 qt6-base-dev qt6-base-dev-tools)
 packages_show=(fonts-dejavu-core fonts-noto-core fonts-droid-fallback)
 packages_test=(libgtest-dev libgmock-dev locales clang-format-14 xvfb xauth openbox xdotool wmctrl xclip imagemagick)
-packages_bench=(libbenchmark-dev)
 
 say() { printf '\n== %s\n' "$*" >&2; }
 
@@ -54,12 +53,20 @@ apt_install() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
 }
 
+# Stores in the variable NAME the path of a new folder that goes when the script ends.
+temporary_folder() {
+    local -n folder=$1
+    folder=$(mktemp -d /tmp/quill-XXXXXX)
+    temporaries+=("$folder")
+}
+temporaries=()
+trap 'rm -rf "${temporaries[@]}"' EXIT
+
 # Qt wants a private folder for its sockets and warns without one.
 ensure_runtime_dir() {
     if [ -z "${XDG_RUNTIME_DIR:-}" ] || [ ! -d "$XDG_RUNTIME_DIR" ]; then
-        XDG_RUNTIME_DIR=$(mktemp -d /tmp/quill-runtime-XXXXXX)
+        temporary_folder XDG_RUNTIME_DIR
         export XDG_RUNTIME_DIR
-        trap 'rm -rf "$XDG_RUNTIME_DIR"' EXIT
     fi
 }
 
