@@ -72,8 +72,11 @@ ensure_runtime_dir() {
 
 # Our own C++ files.
 own_sources() {
-    find host treecoll quilltree exgrid htmldraw oledragdrop flyedit designer examples tests bench \
-        \( -name '*.h' -o -name '*.cpp' \) -print0 2>/dev/null
+    local folder folders=()
+    for folder in host treecoll quilltree exgrid htmldraw oledragdrop flyedit designer examples tests bench; do
+        if [ -d "$folder" ]; then folders+=("$folder"); fi
+    done
+    find "${folders[@]}" \( -name '*.h' -o -name '*.cpp' \) -print0
 }
 
 clang_format() {
