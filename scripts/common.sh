@@ -45,12 +45,12 @@ ensure_packages() {
     fi
     say "installing ${missing[*]}"
     # The lists may be missing or name files that are gone: one attempt with what is there, one with fresh lists.
-    apt_install "${missing[@]}" || { as_root apt-get update && apt_install "${missing[@]}"; } ||
+    apt_install "${missing[@]}" || { as_root apt-get -qq update && apt_install "${missing[@]}"; } ||
         die "could not install ${missing[*]}"
 }
 
 apt_install() {
-    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@"
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq install --no-install-recommends "$@" >/dev/null
 }
 
 # Stores in the variable NAME the path of a new folder that goes when the script ends.
