@@ -2,7 +2,12 @@
 
 find_program(QUILL_CCACHE ccache)
 if(QUILL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${QUILL_CCACHE})
+    # The two settings that let it cache files with precompiled headers.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${QUILL_CCACHE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options(-fpch-preprocess)
+    endif()
 endif()
 
 find_program(QUILL_LLD ld.lld)
