@@ -1,6 +1,7 @@
 #include "host/base/Streams.h"
 
 #include "host/base/Errors.h"
+#include "host/base/Files.h"
 #include "host/base/Numbers.h"
 #include "host/base/Texts.h"
 
@@ -128,8 +129,7 @@ void TMemoryStream::LoadFromFile(const std::string& FileName) {
 }
 
 void TMemoryStream::SaveToFile(const std::string& FileName) {
-    TFileStream Stream(FileName, fmCreate);
-    Stream.WriteBuffer(FData.data(), GetSize());
+    ReplaceFile(FileName, [&](TStream& Stream) { Stream.WriteBuffer(FData.data(), GetSize()); });
 }
 
 } // namespace quill

@@ -46,6 +46,7 @@ public:
 
     const std::string& GetMemory() const { return FData; }
     void LoadFromFile(const std::string& FileName);
+    // Replaces the file safely (host/base/Files.h).
     void SaveToFile(const std::string& FileName);
 
 private:
@@ -70,6 +71,8 @@ inline constexpr std::uint16_t fmOpenReadWrite = 0x0002;
 class TFileStream : public TStream {
 public:
     TFileStream(const std::string& FileName, std::uint16_t Mode);
+    // Takes over an open descriptor; FileName is for messages.
+    TFileStream(int Handle, const std::string& FileName) : FFileName(FileName), FHandle(Handle) {}
     ~TFileStream() override;
     TFileStream(const TFileStream&) = delete;
     TFileStream& operator=(const TFileStream&) = delete;

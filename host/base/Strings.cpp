@@ -1,6 +1,7 @@
 #include "host/base/Strings.h"
 
 #include "host/base/Errors.h"
+#include "host/base/Files.h"
 #include "host/base/Numbers.h"
 #include "host/base/Streams.h"
 #include "host/base/Texts.h"
@@ -138,8 +139,7 @@ void TStrings::LoadFromFile(const std::string& FileName) {
 }
 
 void TStrings::SaveToFile(const std::string& FileName) const {
-    TFileStream Stream(FileName, fmCreate);
-    SaveToStream(Stream);
+    ReplaceFile(FileName, [&](TStream& Stream) { SaveToStream(Stream); });
 }
 
 void TStrings::BeginUpdate() {

@@ -54,6 +54,7 @@ public:
     void LoadFromStream(TStream& Stream);
     void SaveToStream(TStream& Stream) const;
     void LoadFromFile(const std::string& FileName);
+    // Replaces the file safely (host/base/Files.h).
     void SaveToFile(const std::string& FileName) const;
 
     void BeginUpdate();

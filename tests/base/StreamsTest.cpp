@@ -1,5 +1,6 @@
 #include "host/base/Streams.h"
 #include "host/base/Errors.h"
+#include "host/base/Files.h"
 #include "host/base/Strings.h"
 
 #include <gtest/gtest.h>
@@ -143,6 +144,49 @@ TEST_F(Files, PositionsBeyondFourGigabytes) {
 TEST_F(Files, HandlesAreNotInheritedByChildProcesses) {
     const TFileStream Stream(Path("a"), fmCreate);
     EXPECT_NE(fcntl(Stream.GetHandle(), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST_F(Files, ReplacingKeepsTheOldContentWhenItFails) {
+    const auto Names = [&] {
+        std::string Result;
+        for (const auto& Entry : std::filesystem::directory_iterator(Folder()))
+            Result += Entry.path().filename().string() + " ";
+        return Result;
+    };
+    const auto Content = [&](const std::string& Name) {
+        return TFileStream(Path(Name), fmOpenRead).ReadRest();
+    };
+    const auto Save = [&](const std::string& Name, const std::string& Text) {
+        ReplaceFile(Path(Name), [&](TStream& Stream) { Stream.WriteBuffer(Text.data(), std::ssize(Text)); });
+    };
+    Save("a", "old");
+    EXPECT_EQ(Content("a"), "old");
+    EXPECT_THROW(ReplaceFile(Path("a"),
+                             [](TStream& Stream) {
+                                 Stream.WriteBuffer("ne", 2);
+                                 throw EWriteError("no space");
+                             }),
+                 EWriteError);
+    EXPECT_EQ(Content("a"), "old");
+    EXPECT_EQ(Names(), "a ");
+    EXPECT_THROW(Save("none/b", "x"), EFCreateError);
+}
+
+TEST_F(Files, ReplacingKeepsPermissionsAndLinks) {
+    namespace fs = std::filesystem;
+    const auto Save = [&](const std::string& Name, const std::string& Text) {
+        ReplaceFile(Path(Name), [&](TStream& Stream) { Stream.WriteBuffer(Text.data(), std::ssize(Text)); });
+    };
+    Save("a", "1");
+    fs::permissions(Path("a"), fs::perms(0640));
+    fs::create_symlink("a", Path("link"));
+    Save("link", "2");
+    EXPECT_TRUE(fs::is_symlink(Path("link")));
+    EXPECT_EQ(TFileStream(Path("a"), fmOpenRead).ReadRest(), "2");
+    EXPECT_EQ(fs::status(Path("a")).permissions(), fs::perms(0640));
+    fs::create_hard_link(Path("a"), Path("twin"));
+    Save("a", "3");
+    EXPECT_EQ(TFileStream(Path("twin"), fmOpenRead).ReadRest(), "3");
 }
 
 TEST_F(Files, ListsAndMemoryStreamsRoundTripThroughFiles) {
