@@ -38,7 +38,9 @@ int TCustomQuillTree::OutlineCentre(int CellLeft, int Level) const {
 
 int TCustomQuillTree::GetCX(int Level) {
     const TRect Cell = CellRect(FStructureCol, GetTopRow());
-    return OutlineCentre(Cell.Left - GetHOffset(), Level);
+    // Outlines are laid out from the cell's left edge before mirroring, which outside a paint is on the right.
+    const bool Mirrored = UseRightToLeftAlignment() && GetCanvas()->GetCanvasOrientation() == coLeftToRight;
+    return OutlineCentre((Mirrored ? GetClientWidth() - Cell.Right : Cell.Left) - GetHOffset(), Level);
 }
 
 // --- ancestors ---------------------------------------------------------------------------------------------------
