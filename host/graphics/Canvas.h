@@ -10,9 +10,14 @@
 class QImage;
 class QPainter;
 class QPalette;
+class QRect;
 class QRegion;
 
 namespace quill {
+
+namespace text {
+struct TBlock;
+}
 
 // DrawText flags.
 inline constexpr unsigned DT_TOP = 0x0;
@@ -57,6 +62,9 @@ inline constexpr unsigned PATINVERT = 0x5A0049;
 inline constexpr unsigned DSTINVERT = 0x550009;
 inline constexpr unsigned BLACKNESS = 0x000042;
 inline constexpr unsigned WHITENESS = 0xFF0062;
+
+// Text flags (SetTextFlags): TextOut and TextExtent read from right to left.
+inline constexpr int ETO_RTLREADING = 0x80;
 
 inline constexpr int TRANSPARENT = 1;
 inline constexpr int OPAQUE = 2;
@@ -129,10 +137,13 @@ public:
 
     // --- text -------------------------------------------------------------------------------------------------
     // Draws or measures (DT_CALCRECT) UTF-8 text with the canvas font; returns the text height. Measuring stores the
-    // extent in Rect: with DT_WORDBREAK the width stays unless a word is wider, the height grows to the lines.
+    // extent in Rect, Left and Top kept: the width of the widest line (with DT_WORDBREAK lines are broken at the
+    // given width; a word that is wider overflows it) and the height of all lines. With DT_SINGLELINE line breaks
+    // are shown as spaces. The base direction is left to right unless DT_RTLREADING says otherwise.
     // Without DT_NOPREFIX a single "&" underlines the next character. Mirrored: Rect is mirrored, glyphs are not.
     virtual int DrawText(std::string_view Text, TRect& Rect, unsigned Flags);
     virtual void TextOut(int X, int Y, std::string_view Text);
+    // The extent of a single line; line breaks count as spaces.
     virtual TSize TextExtent(std::string_view Text);
     int TextWidth(std::string_view Text) { return TextExtent(Text).cx; }
     int TextHeight(std::string_view Text) { return TextExtent(Text).cy; }
@@ -140,6 +151,9 @@ public:
     // TRANSPARENT or OPAQUE (text background filled with the brush); returns the old mode.
     virtual int SetBkMode(int Mode);
     int GetBkMode() const { return FBkMode; }
+    // ETO_RTLREADING or 0.
+    int GetTextFlags() const { return FTextFlags; }
+    void SetTextFlags(int Value) { FTextFlags = Value; }
 
     // --- frames and controls ----------------------------------------------------------------------------------
     virtual void DrawEdge(const TRect& Rect, unsigned Edge, unsigned Flags);
@@ -151,15 +165,18 @@ public:
     virtual void StretchDraw(const TRect& Rect, TGraphic* Graphic);
     // Copies Width x Height pixels from (SrcX, SrcY) of Source, clipped to both surfaces; never stretched. A copy
     // between canvases of one scale moves device pixels exactly; source and target may be one canvas.
-    virtual void BitBlt(int X, int Y, int Width, int Height, TCanvas& Source, int SrcX, int SrcY, unsigned Rop);
+    virtual void BitBlt(int X, int Y, int Width, int Height, TCanvas& Source, int SrcX, int SrcY,
+                        unsigned Rop);
     // The same with a constant opacity of Alpha (0 .. 255).
-    virtual void AlphaBlend(int X, int Y, int Width, int Height, TCanvas& Source, int SrcX, int SrcY, int Alpha);
+    virtual void AlphaBlend(int X, int Y, int Width, int Height, TCanvas& Source, int SrcX, int SrcY,
+                            int Alpha);
     virtual void PatBlt(int X, int Y, int Width, int Height, unsigned Rop);
     // Copies SrcRect of Source into Rect, stretched when the sizes differ.
     virtual void CopyRect(const TRect& Rect, TCanvas& Source, const TRect& SrcRect);
 
     // --- the toolkit side (host/ only) ------------------------------------------------------------------------
-    // Binds the canvas to an image in device pixels, null to unbind. The image must outlive the binding.
+    // Binds the canvas to an image in device pixels (RGB32 or ARGB32_Premultiplied, any other counts as none), null
+    // to unbind. The image must outlive the binding. All clips are lifted.
     void Bind(QImage* Image, double Scale);
     QImage* GetSurface() const { return FImage; }
     // The palette that system colours and frames are taken from.
@@ -169,7 +186,13 @@ public:
     void SetDeviceClip(const QRegion& Region);
     // Closes the painter (it opens again at the next operation); needed before the image is used elsewhere.
     void EndPainting();
+    // The open painter, clipped, in device pixels; null without a surface. Leave its transformation as it is.
     QPainter* GetPainter();
+    // Draws Image into Rect, which is already mapped; pixels are moved one to one when Image has the scale of the
+    // canvas or fits Rect exactly, else stretched smoothly.
+    void DrawImage(const TRect& Rect, const QImage& Image, double ImageScale);
+    // Rect as the operations see it: mapped, then snapped to device pixels.
+    QRect ToDeviceRect(const TRect& Rect) const;
     // Called before the first drawing operation after Bind or EndPainting (a control learns that it was drawn on).
     std::function<void()> OnOpen;
 
@@ -184,10 +207,33 @@ protected:
     bool FMirrored = false;
     int FMirrorWidth = 0;
     int FBkMode = OPAQUE;
+    int FTextFlags = 0;
     double FScale = 1.0;
 
 private:
+    friend class TBitmap;
     struct TState;
+
+    // Another image of the same size and scale; clips stay.
+    void ReplaceSurface(QImage* Image);
+    bool BeginDrawing();
+    QPainter& Painter();
+    void SetPainterPen(TColor Color);
+    int Hairline() const;
+    QRect DeviceRect(const TRect& Mapped) const;
+    void FillDevice(const QRect& Rect, TColor Color);
+    void InkDevice(const QRect& Rect, std::uint32_t And, std::uint32_t Xor);
+    void PenDevice(const QRect& Rect);
+    void StraightLine(TPoint From, TPoint To);
+    void SlantedLine(TPoint From, TPoint To);
+    void FrameDevice(const QRect& Rect, int Thickness, TColor Color);
+    void Shape(std::span<const TPoint> Mapped, bool IsEllipse);
+    void DrawGraphic(const TRect& Rect, TGraphic* Graphic);
+    void CopyPixels(QRect Rect, TCanvas& Source, QRect From, unsigned Rop, int Alpha);
+    void StretchPixels(const QRect& Rect, TCanvas& Source, const QRect& From, unsigned Rop, int Alpha);
+    void CopyUnits(const TRect& Rect, TCanvas& Source, const TRect& From, unsigned Rop, int Alpha);
+    void DrawBlock(const text::TBlock& Block, const QRect& Rect, unsigned Flags);
+
     QImage* FImage = nullptr;
     std::unique_ptr<TState> FState;
 };

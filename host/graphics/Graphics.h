@@ -130,15 +130,18 @@ public:
     int GetWidth() const override;
     int GetHeight() const override;
     bool GetEmpty() const override { return GetWidth() < 1 || GetHeight() < 1; }
-    // Gives the bitmap a new size; old pixels in the common part stay, new ones are white.
+    // Gives the bitmap a new size; old pixels in the common part stay, new ones are white (transparent when the
+    // bitmap has alpha). Only the representation with the most pixels stays.
     void SetSize(int Width, int Height);
     void SetWidth(int Value) { SetSize(Value, GetHeight()); }
     void SetHeight(int Value) { SetSize(GetWidth(), Value); }
 
-    // A canvas that draws on the bitmap; lives as long as the bitmap.
+    // A canvas that draws on the bitmap; lives as long as the bitmap. The first operation that draws leaves only the
+    // representation with the most pixels.
     TCanvas* GetCanvas();
 
-    // The colour that is not drawn while Transparent is on: with tmAuto the pixel at the bottom left corner.
+    // The colour that is not drawn while Transparent is on: with tmAuto the pixel at the bottom left corner. Setting
+    // it chooses tmFixed, setting clDefault tmAuto. Bitmaps with alpha are blended and have no such colour.
     TColor GetTransparentColor() const;
     void SetTransparentColor(TColor Value);
     TTransparentMode GetTransparentMode() const { return FTransparentMode; }
@@ -157,14 +160,21 @@ public:
 
     void DrawOn(TCanvas& Canvas, const TRect& Rect) override;
 
-    // For the toolkit side: the representation for a scale, and taking one over.
+    // For the toolkit side: the representation for a scale (the smallest that is sharp there), and taking one over.
     const QImage& GetImage(double Scale) const;
     void SetImage(const QImage& Image, double Scale = 1.0);
     void AddImage(const QImage& Image, double Scale);
 
 private:
     struct TRepresentations;
-    std::unique_ptr<TRepresentations> FImages;
+
+    TRepresentations& Unique();
+    TRepresentations& UniqueForDrawing();
+    void FinishDrawing() const;
+    void Rebind();
+
+    // Shared by all copies until one is changed; null for an empty bitmap.
+    std::shared_ptr<TRepresentations> FImages;
     std::unique_ptr<TCanvas> FCanvas;
     TTransparentMode FTransparentMode = tmAuto;
     TColor FTransparentColor = clNone;

@@ -43,6 +43,7 @@ public:
     // Mask: white pixels are transparent, null for none. AddMasked makes MaskColor transparent.
     int Add(const TBitmap& Image, const TBitmap* Mask = nullptr);
     int AddMasked(const TBitmap& Image, TColor MaskColor);
+    // An index outside raises EListError, here and in Delete.
     void Replace(int Index, const TBitmap& Image, const TBitmap* Mask = nullptr);
     // -1 deletes all.
     void Delete(int Index);
@@ -72,6 +73,8 @@ private:
     bool FHandleAllocated = false;
     std::vector<TBitmap> FImages;
     std::vector<TChangeLink*> FLinks;
+    // Expires with the list.
+    std::shared_ptr<void> FAlive = std::make_shared<char>();
 };
 
 class TImageList : public TCustomImageList {

@@ -1,0 +1,38 @@
+// What test programs with Qt share. Their main function (QtTestMain.cpp) uses the offscreen platform unless
+// QT_QPA_PLATFORM says otherwise, and fails a test that causes a Qt warning which it did not announce.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace quill::testing {
+
+// Allows warnings that contain Text, until the end of its scope; fails the test when there was none.
+class TExpectQtWarning {
+public:
+    explicit TExpectQtWarning(std::string Text);
+    ~TExpectQtWarning();
+    TExpectQtWarning(const TExpectQtWarning&) = delete;
+    TExpectQtWarning& operator=(const TExpectQtWarning&) = delete;
+
+private:
+    friend struct TWarnings;
+    std::string FText;
+    int FCount = 0;
+};
+
+// A folder that is removed, with its content, when the object goes.
+class TTempFolder {
+public:
+    TTempFolder();
+    ~TTempFolder();
+    TTempFolder(const TTempFolder&) = delete;
+    TTempFolder& operator=(const TTempFolder&) = delete;
+    std::string File(const std::string& Name) const { return FPath + "/" + Name; }
+
+private:
+    std::string FPath;
+};
+
+} // namespace quill::testing

@@ -1,0 +1,64 @@
+#include "tests/support/QtTest.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <vector>
+
+namespace quill::testing {
+
+struct TWarnings {
+    static inline std::vector<TExpectQtWarning*> Expected;
+
+    static bool IsExpected(const std::string& Text) {
+        for (TExpectQtWarning* Expectation : Expected) {
+            if (Text.find(Expectation->FText) == std::string::npos) continue;
+            ++Expectation->FCount;
+            return true;
+        }
+        return false;
+    }
+
+    static void Handle(QtMsgType Type, const QMessageLogContext&, const QString& Message) {
+        const std::string Text = Message.toStdString();
+        if (Type == QtDebugMsg || Type == QtInfoMsg) {
+            std::fprintf(stderr, "%s\n", Text.c_str());
+        } else if (!IsExpected(Text)) {
+            ADD_FAILURE() << "Qt warns: " << Text;
+        }
+    }
+};
+
+TExpectQtWarning::TExpectQtWarning(std::string Text) : FText(std::move(Text)) {
+    TWarnings::Expected.push_back(this);
+}
+
+TExpectQtWarning::~TExpectQtWarning() {
+    std::erase(TWarnings::Expected, this);
+    EXPECT_GT(FCount, 0) << "No Qt warning with the text: " << FText;
+}
+
+TTempFolder::TTempFolder() {
+    const std::filesystem::path Base = std::filesystem::temp_directory_path();
+    std::random_device Random;
+    do FPath = (Base / ("quill-test-" + std::to_string(Random()))).string();
+    while (!std::filesystem::create_directory(FPath));
+}
+
+TTempFolder::~TTempFolder() {
+    std::error_code Ignored;
+    std::filesystem::remove_all(FPath, Ignored);
+}
+
+} // namespace quill::testing
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", qEnvironmentVariable("QT_QPA_PLATFORM", QStringLiteral("offscreen")).toUtf8());
+    ::testing::InitGoogleTest(&argc, argv);
+    QApplication Application(argc, argv);
+    // The platform's own greetings (a missing runtime folder, for example) are no fault of a test.
+    qInstallMessageHandler(quill::testing::TWarnings::Handle);
+    return RUN_ALL_TESTS();
+}
