@@ -1,6 +1,8 @@
 // Telling whether an object survived a call into application code.
 #pragma once
 
+#include <unordered_set>
+
 namespace quill {
 
 class TTreeCollection;
@@ -39,6 +41,26 @@ public:
     explicit operator bool() const { return IsAlive(); }
     T* operator->() const { return Get(); }
     operator T*() const { return Get(); }
+};
+
+// Remembers every collection that is destroyed while it exists: for work on many objects that may run application
+// code in between, such as sorting. Scopes nest.
+class TGoneWatch {
+public:
+    TGoneWatch();
+    ~TGoneWatch();
+    TGoneWatch(const TGoneWatch&) = delete;
+    TGoneWatch& operator=(const TGoneWatch&) = delete;
+
+    // True for an object that was destroyed; also for a new one at the same address, which was not there before.
+    bool IsGone(const TTreeCollection* Object) const { return !FGone.empty() && FGone.count(Object) > 0; }
+
+private:
+    friend class TTreeCollection;
+    static void Forget(const TTreeCollection* Object);
+
+    TGoneWatch* FOuter;
+    std::unordered_set<const TTreeCollection*> FGone;
 };
 
 } // namespace quill

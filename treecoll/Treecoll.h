@@ -7,10 +7,13 @@
 #include "treecoll/PackedTexts.h"
 #include "treecoll/TreeSlot.h"
 
+#include <exception>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quill {
 
@@ -61,6 +64,8 @@ public:
     TTreeCollection& operator=(const TTreeCollection&) = delete;
     static void* operator new(std::size_t Size);
     static void operator delete(void* Memory, std::size_t Size) noexcept;
+    static void* operator new(std::size_t Size, std::align_val_t Alignment);
+    static void operator delete(void* Memory, std::size_t Size, std::align_val_t Alignment) noexcept;
 
     std::string ClassName() const override { return "TTreeCollection"; }
 
@@ -102,11 +107,15 @@ public:
     void AddPlaceholders(int Count) { InsertPlaceholders(GetCount(), Count); }
     void InsertPlaceholders(int Index, int Count);
     // Destroys all items.
-    void Clear();
+    virtual void Clear();
     // Sorts the items, stable; null stands for the default order: captions in the locale's collation, runs of digits
     // by value. Placeholders keep their slots. Compare may change the tree: what it deleted or moved away is left
     // out, what it added comes last.
     void CustomSort(const TTreeCompare& Compare, bool Ascending);
+    // Sorts by captions, stable: in the default order of CustomSort, or as CompareTextLocale does. Each key is made
+    // once.
+    enum class TTextOrder { Natural, Locale };
+    void SortByText(TTextOrder Order, bool Ascending);
 
     // --- this item --------------------------------------------------------------------------------------------
     std::string GetCaption() const { return std::string(FTexts.GetCaption()); }
@@ -116,7 +125,7 @@ public:
     // Position in the parent collection; -1 without one.
     int GetIndex() const;
     TTreeCollection* GetCollection() const { return FCollection; }
-    // Re-parents this item, last in Value; null takes it out. Raises EInvalidOperation, before anything changes,
+    // Re-parents this item, last in Value (unless it is there already); null takes it out. Raises EInvalidOperation, before anything changes,
     // when that would make it its own ancestor.
     void SetTreeCollection(TTreeCollection* Value);
     // True when Value is this object or below it.
@@ -181,8 +190,8 @@ protected:
 
     // For descendants' destructors: runs DestroySteps unless that happened, then destroys the items.
     void FinishDestruction() noexcept;
-    // Destroys all items; Limit false also takes those that handlers add meanwhile.
-    void DestroyItems();
+    // The item of a slot of this collection, made on demand; null for null.
+    TTreeCollection* ItemOfSlot(TTreeSlot* Slot);
 
     // One word of flags: the base uses the low byte, descendants the rest.
     enum TBaseFlag : std::uint32_t {
@@ -192,6 +201,8 @@ protected:
         FlagClearing = 1u << 3,   // items are destroyed in bulk; one report follows
         FlagBornInSlot = 1u << 4, // made for a placeholder, in its slot
         FlagSilent = 1u << 5,     // goes without telling anybody (added while its parent was going)
+        FlagNode = 1u << 6,       // this is a TFlyNode,
+        FlagContainer = 1u << 7,  // this is a TFlyNodes: known without a cast
         FlagsOfDescendants = 1u << 8
     };
     bool HasFlag(std::uint32_t Flag) const { return (FFlags & Flag) != 0; }
@@ -213,8 +224,12 @@ private:
     void Link(TTreeCollection* AOwner);
     void Unlink();
     static void FreePlaceholder(TMetaNode* Meta) noexcept;
-    static std::exception_ptr DestroySubtree(TTreeCollection* Root);
-    std::exception_ptr DestroyFirstItems(int Count);
+    static std::exception_ptr DestroySubtree(TTreeCollection* Root) noexcept;
+    std::exception_ptr DestroyItems() noexcept;
+    bool DropLastPlaceholders();
+    void CopyItems(const TTreeCollection& Source);
+    std::vector<TTreeCollection*> ExistingItems() const;
+    void TakeOrder(std::vector<TTreeCollection*> Sorted);
 
     std::uint32_t FFlags = 0;
 

@@ -1,0 +1,160 @@
+#include "host/base/Collation.h"
+#include "treecoll/Treecoll.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <unordered_set>
+#include <vector>
+
+namespace quill {
+
+namespace {
+
+using TItems = std::vector<TTreeCollection*>;
+
+// Bottom-up merge sort. Unlike the library's, it stays inside the array whatever the comparison answers, which
+// matters because programs supply it.
+template <class TLess>
+void MergeSort(TItems& Items, const TLess& Less) {
+    TItems Other(Items.size());
+    for (std::size_t Width = 1; Width < Items.size(); Width *= 2) {
+        for (std::size_t Start = 0; Start < Items.size(); Start += 2 * Width) {
+            const std::size_t Middle = std::min(Start + Width, Items.size());
+            const std::size_t End = std::min(Start + 2 * Width, Items.size());
+            std::size_t Left = Start;
+            std::size_t Right = Middle;
+            for (std::size_t Out = Start; Out < End; ++Out) {
+                // Runs that are in order already cost one comparison.
+                if (Out == Start && Right < End && !Less(Items[Right], Items[Middle - 1])) {
+                    std::copy(Items.begin() + static_cast<std::ptrdiff_t>(Start),
+                              Items.begin() + static_cast<std::ptrdiff_t>(End),
+                              Other.begin() + static_cast<std::ptrdiff_t>(Start));
+                    break;
+                }
+                const bool TakeRight = Left == Middle || (Right < End && Less(Items[Right], Items[Left]));
+                Other[Out] = Items[TakeRight ? Right++ : Left++];
+            }
+        }
+        Items.swap(Other);
+    }
+}
+
+// The key of one text: its first eight bytes as a number, which decides most comparisons, and where all of it is.
+struct TTextKey {
+    std::uint64_t Prefix;
+    std::size_t Start;
+    std::uint32_t Size;
+    std::uint32_t Index;
+};
+
+std::uint64_t PrefixOf(std::string_view Key) {
+    std::uint64_t Prefix = 0;
+    for (std::size_t i = 0; i < 8; ++i) {
+        Prefix = Prefix << 8 | (i < Key.size() ? static_cast<unsigned char>(Key[i]) : 0u);
+    }
+    return Prefix;
+}
+
+void SortByKeys(TItems& Items, TTreeCollection::TTextOrder Order, bool Ascending) {
+    std::string Bytes;
+    std::vector<TTextKey> Keys;
+    Keys.reserve(Items.size());
+    for (const TTreeCollection* Item : Items) {
+        const std::size_t Start = Bytes.size();
+        if (Order == TTreeCollection::TTextOrder::Natural) {
+            AppendNaturalCollationKey(Bytes, Item->GetCaptionView());
+        } else {
+            AppendCollationKey(Bytes, Item->GetCaptionView());
+        }
+        const std::string_view Key = std::string_view(Bytes).substr(Start);
+        Keys.push_back({PrefixOf(Key), Start, static_cast<std::uint32_t>(Key.size()),
+                        static_cast<std::uint32_t>(Keys.size())});
+    }
+    const auto Compare = [&Bytes](const TTextKey& A, const TTextKey& B) {
+        if (A.Prefix != B.Prefix) return A.Prefix < B.Prefix ? -1 : 1;
+        return std::string_view(Bytes)
+            .substr(A.Start, A.Size)
+            .compare(std::string_view(Bytes).substr(B.Start, B.Size));
+    };
+    // The index makes the order total, so that an unstable sort gives the stable result.
+    std::sort(Keys.begin(), Keys.end(), [&](const TTextKey& A, const TTextKey& B) {
+        const int Answer = Compare(A, B);
+        if (Answer != 0) return Ascending ? Answer < 0 : Answer > 0;
+        return A.Index < B.Index;
+    });
+    TItems Sorted;
+    Sorted.reserve(Items.size());
+    for (const TTextKey& Key : Keys) Sorted.push_back(Items[Key.Index]);
+    Items = std::move(Sorted);
+}
+
+} // namespace
+
+void TTreeCollection::CustomSort(const TTreeCompare& Compare, bool Ascending) {
+    if (!Compare) {
+        SortByText(TTextOrder::Natural, Ascending);
+        return;
+    }
+    if (GetCount() < 2) return;
+    TItems Items = ExistingItems();
+    TGoneWatch Watch;
+    TLifeWatch Self(this);
+    // A copy: the program may replace its comparison from within.
+    const TTreeCompare Order = Compare;
+    MergeSort(Items, [&](TTreeCollection* A, TTreeCollection* B) {
+        if (!Self.IsAlive() || Watch.IsGone(A) || Watch.IsGone(B)) return false;
+        const int Answer = Order(A, B);
+        return Ascending ? Answer < 0 : Answer > 0;
+    });
+    if (!Self.IsAlive()) return;
+    std::erase_if(Items, [&](const TTreeCollection* Item) {
+        return Watch.IsGone(Item) || Item->GetCollection() != this;
+    });
+    TakeOrder(std::move(Items));
+}
+
+void TTreeCollection::SortByText(TTextOrder Order, bool Ascending) {
+    if (GetCount() < 2) return;
+    TItems Items = ExistingItems();
+    SortByKeys(Items, Order, Ascending);
+    TakeOrder(std::move(Items));
+}
+
+TItems TTreeCollection::ExistingItems() const {
+    TItems Items;
+    Items.reserve(static_cast<std::size_t>(GetCount()));
+    for (int i = 0; i < GetCount();) {
+        const auto Chunk = FItems->ChunkAt(i);
+        for (TTreeSlot* Slot : Chunk) {
+            if (!Slot->IsPlaceholder()) Items.push_back(static_cast<TTreeCollection*>(Slot));
+        }
+        i += static_cast<int>(Chunk.size());
+    }
+    return Items;
+}
+
+// Sorted holds items of this collection; those that it lacks (added by a comparison) come behind them.
+void TTreeCollection::TakeOrder(TItems Sorted) {
+    const TItems Current = ExistingItems();
+    if (Current == Sorted) return;
+    if (Current.size() != Sorted.size()) {
+        const std::unordered_set<const TTreeCollection*> Known(Sorted.begin(), Sorted.end());
+        for (TTreeCollection* Item : Current) {
+            if (Known.count(Item) == 0) Sorted.push_back(Item);
+        }
+    }
+    std::vector<TTreeSlot*> Slots(static_cast<std::size_t>(GetCount()));
+    std::size_t Next = 0;
+    for (int i = 0; i < GetCount();) {
+        const auto Chunk = FItems->ChunkAt(i);
+        for (TTreeSlot* Slot : Chunk) {
+            Slots[static_cast<std::size_t>(i++)] = Slot->IsPlaceholder() ? Slot : Sorted[Next++];
+        }
+    }
+    FItems->Assign(Slots);
+    SlotsSorted();
+    ItemsChanged();
+}
+
+} // namespace quill
