@@ -1,0 +1,266 @@
+// Construction, simple properties, the window and its messages, and what travels in component streams.
+#include "exgrid/ExGrid.h"
+
+#include "host/base/Filers.h"
+
+#include <algorithm>
+
+namespace quill {
+
+TCustomExGrid::TCustomExGrid(TComponent* AOwner, QWidget* AParent) : TCustomControl(AOwner, AParent) {
+    SetControlStyle({csCaptureMouse, csClickEvents, csOpaque, csDoubleClicks});
+    SetColor(clWindow);
+    SetParentColor(false);
+    SetTabStop(true);
+    SetBounds(GetLeft(), GetTop(), FColCount * FDefaultColWidth, FRowCount * FDefaultRowHeight);
+    Initialize();
+}
+
+TCustomExGrid::~TCustomExGrid() { BeginDestruction(); }
+
+// --- properties -----------------------------------------------------------------------------------------------
+
+void TCustomExGrid::SetOptions(TGridOptions Value) {
+    if (Value == FOptions) return;
+    const bool WasRowSelect = HasOption(goRowSelect);
+    const TControlGuard Guard(this);
+    if (FEditorMode && !Value.Contains(goEditing)) {
+        HideEditor();
+        if (!Guard) return;
+    }
+    FOptions = Value;
+    if (HasOption(goRowSelect) && !WasRowSelect && !IsGridEmpty()) {
+        // Whole rows from now on.
+        FCurrent.X = FFixedCols;
+        FAnchor.X = FColCount - 1;
+        FOpposite.X = FFixedCols;
+    }
+    if (HasOption(goAlwaysShowEditor) && HasOption(goEditing)) {
+        ShowEditor();
+        if (!Guard) return;
+    }
+    UpdateScrollRange();
+    if (Guard) InvalidateGrid();
+}
+
+void TCustomExGrid::SetGridLineWidth(int Value) {
+    if (Value == FGridLineWidth || Value < 0) return;
+    FGridLineWidth = Value;
+    InvalidateGrid();
+    UpdateScrollRange();
+}
+
+void TCustomExGrid::SetFixedColor(TColor Value) {
+    if (Value == FFixedColor) return;
+    FFixedColor = Value;
+    InvalidateGrid();
+}
+
+void TCustomExGrid::SetLineColor(TColor Value) {
+    if (Value == FLineColor) return;
+    FLineColor = Value;
+    InvalidateGrid();
+}
+
+void TCustomExGrid::SetFixedLineColor(TColor Value) {
+    if (Value == FFixedLineColor) return;
+    FFixedLineColor = Value;
+    InvalidateGrid();
+}
+
+void TCustomExGrid::SetFixedRowAsButton(bool Value) {
+    if (Value == FFixedRowAsButton) return;
+    FFixedRowAsButton = Value;
+    InvalidateGrid();
+}
+
+void TCustomExGrid::SetFixedColAsButton(bool Value) {
+    if (Value == FFixedColAsButton) return;
+    FFixedColAsButton = Value;
+    InvalidateGrid();
+}
+
+// The editor is the grid's only child that takes the focus, and it reports to the grid.
+bool TCustomExGrid::IsActiveControl() const { return Focused(); }
+
+// --- the window -----------------------------------------------------------------------------------------------
+
+void TCustomExGrid::CreateParams(TCreateParams& Params) {
+    TCustomControl::CreateParams(Params);
+    Params.Style |= WS_TABSTOP;
+    if (HasBar(SB_VERT)) Params.Style |= WS_VSCROLL;
+    if (HasBar(SB_HORZ)) Params.Style |= WS_HSCROLL;
+    // Without redraw on size: what a new size uncovers is painted, not more.
+    Params.WindowClassStyle = CS_DBLCLKS;
+    if (GetBorderStyle() == bsSingle) {
+        if (GetCtl3D()) {
+            Params.Style &= ~WS_BORDER;
+            Params.ExStyle |= WS_EX_CLIENTEDGE;
+        } else {
+            Params.Style |= WS_BORDER;
+        }
+    }
+}
+
+void TCustomExGrid::CreateWnd() {
+    TCustomControl::CreateWnd();
+    FFlatScrollBars = false;
+    if (FScrollBars != ssNone) {
+        if (!UseRightToLeftAlignment()) FFlatScrollBars = InitializeFlatScrollBars();
+        if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, ColorToRGB(FScrollBarsColor), false);
+    }
+    for (const int Bar : {SB_HORZ, SB_VERT}) {
+        if (HasBar(Bar)) continue;
+        SetScrollRange(Bar, 0, 0, false);
+        ShowScrollBar(Bar, false);
+    }
+    UpdateScrollRange();
+}
+
+void TCustomExGrid::DestroyWnd() {
+    CancelMode();
+    FFlatScrollBars = false;
+    TCustomControl::DestroyWnd();
+}
+
+void TCustomExGrid::WMSize(TWMSize& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::WMSize(Message);
+    if (!Guard) return;
+    // Fillers, stretched columns and everything mirrored depend on the size.
+    InvalidateGrid();
+    UpdateScrollRange();
+    if (Guard && FEditorMode) UpdateEdit();
+}
+
+void TCustomExGrid::CMShowingChanged(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::CMShowingChanged(Message);
+    if (Guard && GetVisible()) UpdateScrollRange();
+}
+
+void TCustomExGrid::CMFontChanged(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::CMFontChanged(Message);
+    if (Guard) InvalidateGrid();
+}
+
+void TCustomExGrid::CMCtl3DChanged(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::CMCtl3DChanged(Message);
+    if (Guard && HandleAllocated()) RecreateWnd();
+}
+
+// Flat bars depend on the direction, so the window is made anew.
+void TCustomExGrid::CMBiDiModeChanged(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::CMBiDiModeChanged(Message);
+    if (!Guard || !HandleAllocated()) return;
+    RecreateWnd();
+    if (Guard) InvalidateGrid();
+}
+
+// The focused and the selected cells look different, and a descendant may mark more than one.
+void TCustomExGrid::WMSetFocus(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::WMSetFocus(Message);
+    if (!Guard) return;
+    InvalidateGrid();
+    if (FEditorMode) UpdateEdit();
+}
+
+void TCustomExGrid::WMKillFocus(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::WMKillFocus(Message);
+    if (Guard) InvalidateGrid();
+}
+
+void TCustomExGrid::WndProc(TMessage& Message) {
+    switch (Message.Msg) {
+    case WM_GETDLGCODE:
+        WMGetDlgCode(Message);
+        return;
+    case WM_NCHITTEST:
+        FHitTest = ScreenToClient(PointFromParam(Message.LParam));
+        TCustomControl::WndProc(Message);
+        return;
+    case CM_CANCELMODE:
+        CMCancelMode(Message);
+        return;
+    case CM_DESIGNHITTEST:
+        CMDesignHitTest(Message);
+        return;
+    default:
+        TCustomControl::WndProc(Message);
+    }
+}
+
+// --- streams --------------------------------------------------------------------------------------------------
+
+// The counts come first: they are ordinary published properties.
+void TCustomExGrid::DefineProperties(TFiler& Filer) {
+    TCustomControl::DefineProperties(Filer);
+    if (!FSaveExtents) return;
+    auto* Ancestor = dynamic_cast<TCustomExGrid*>(Filer.GetAncestor());
+    // Entries that follow the default count with its value.
+    const auto Differs = [](int Count, int OtherCount, auto Mine, auto Theirs) {
+        if (Count != OtherCount) return true;
+        for (int I = 0; I < Count; ++I) {
+            if (Mine(I) != Theirs(I)) return true;
+        }
+        return false;
+    };
+    bool Cols = HasColWidths();
+    bool Rows = HasRowHeights();
+    if (Ancestor != nullptr) {
+        if (Cols || Ancestor->HasColWidths())
+            Cols = Differs(
+                FColCount, Ancestor->FColCount, [this](int I) { return GetColWidths(I); },
+                [Ancestor](int I) { return Ancestor->GetColWidths(I); });
+        if (Rows || Ancestor->HasRowHeights())
+            Rows = Differs(
+                FRowCount, Ancestor->FRowCount, [this](int I) { return GetRowHeights(I); },
+                [Ancestor](int I) { return Ancestor->GetRowHeights(I); });
+    }
+    Filer.DefineProperty(
+        "ColWidths", [this](TReader& Reader) { ReadColWidths(Reader); },
+        [this](TWriter& Writer) { WriteColWidths(Writer); }, Cols);
+    Filer.DefineProperty(
+        "RowHeights", [this](TReader& Reader) { ReadRowHeights(Reader); },
+        [this](TWriter& Writer) { WriteRowHeights(Writer); }, Rows);
+}
+
+void TCustomExGrid::ReadColWidths(TReader& Reader) {
+    Reader.ReadListBegin();
+    for (int I = 0; I < FColCount; ++I) SetColWidths(I, Reader.ReadInteger());
+    Reader.ReadListEnd();
+}
+
+void TCustomExGrid::WriteColWidths(TWriter& Writer) {
+    Writer.WriteListBegin();
+    for (int I = 0; I < FColCount; ++I) Writer.WriteInteger(GetColWidths(I));
+    Writer.WriteListEnd();
+}
+
+void TCustomExGrid::ReadRowHeights(TReader& Reader) {
+    Reader.ReadListBegin();
+    for (int I = 0; I < FRowCount; ++I) SetRowHeights(I, Reader.ReadInteger());
+    Reader.ReadListEnd();
+}
+
+void TCustomExGrid::WriteRowHeights(TWriter& Writer) {
+    Writer.WriteListBegin();
+    for (int I = 0; I < FRowCount; ++I) Writer.WriteInteger(GetRowHeights(I));
+    Writer.WriteListEnd();
+}
+
+void TCustomExGrid::Loaded() {
+    const TControlGuard Guard(this);
+    TCustomControl::Loaded();
+    if (!Guard) return;
+    Initialize();
+    UpdateScrollRange();
+    if (Guard) InvalidateGrid();
+}
+
+} // namespace quill

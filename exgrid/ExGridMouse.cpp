@@ -1,0 +1,182 @@
+// The mouse: presses that select, drags that extend a range, the hooks of sizing and moving.
+#include "exgrid/ExGrid.h"
+
+#include <algorithm>
+
+namespace quill {
+
+// --- hooks ----------------------------------------------------------------------------------------------------
+
+bool TCustomExGrid::MouseHit(int, int) { return true; }
+
+bool TCustomExGrid::CanButtonSelect(TMouseButton Button) { return Button == mbLeft; }
+
+bool TCustomExGrid::CanColSizing(int, int) { return true; }
+
+// The zones at the borders of fixed cells belong here, with goColSizing and goRowSizing (at design time with
+// AllowDesignSizing) and CanColSizing.
+void TCustomExGrid::CalcSizingState(int, int, TGridState& State, int& Index, int& SizingPos, int& SizingOfs,
+                                    TExGridDI&) {
+    State = gsNormal;
+    Index = -1;
+    SizingPos = 0;
+    SizingOfs = 0;
+}
+
+bool TCustomExGrid::BeginColumnDrag(int&, int&, const TPoint&) { return true; }
+
+bool TCustomExGrid::BeginRowDrag(int&, int&, const TPoint&) { return true; }
+
+bool TCustomExGrid::CheckColumnDrag(int&, int&, const TPoint&) { return true; }
+
+bool TCustomExGrid::CheckRowDrag(int&, int&, const TPoint&) { return true; }
+
+bool TCustomExGrid::EndColumnDrag(int&, int&, const TPoint&) { return true; }
+
+bool TCustomExGrid::EndRowDrag(int&, int&, const TPoint&) { return true; }
+
+// --- pressing, dragging, releasing ----------------------------------------------------------------------------
+
+void TCustomExGrid::WMLButtonDown(TWMMouse& Message) {
+    FHitTest = {Message.XPos, Message.YPos};
+    TCustomControl::WMLButtonDown(Message);
+}
+
+void TCustomExGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    const TControlGuard Guard(this);
+    FHitTest = {X, Y};
+    FClickCell = NoGridCoord;
+    if (!FSkipPress) {
+        Press(Button, Shift, X, Y);
+        if (!Guard) return;
+    }
+    TCustomControl::MouseDown(Button, Shift, X, Y);
+}
+
+void TCustomExGrid::Press(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    const TControlGuard Guard(this);
+    const bool Designing = HasState(csDesigning);
+    if (!Designing && CanFocus() && !Focused()) {
+        SetFocus();
+        if (!Guard) return;
+    }
+    // The second press of a double click has its own message.
+    if (Shift.Contains(ssDouble)) return;
+    TExGridDI DI;
+    CalcDI(DI);
+    if (Button == mbLeft) {
+        TGridState State = gsNormal;
+        int Index = -1;
+        int SizingPos = 0;
+        int SizingOfs = 0;
+        CalcSizingState(X, Y, State, Index, SizingPos, SizingOfs, DI);
+        if (State != gsNormal) return; // where sizing begins
+    }
+    if (Designing || !CanButtonSelect(Button)) return;
+    const TGridCoord Cell = CalcCoordFromPoint(X, Y, DI);
+    // Presses on fixed cells are where moving begins (BeginColumnDrag, BeginRowDrag).
+    if (Cell.X < FFixedCols || Cell.Y < FFixedRows) return;
+    if (!MouseHit(X, Y) || !Guard) return;
+    PressCell(Cell, Button, Shift);
+}
+
+void TCustomExGrid::PressCell(const TGridCoord& Cell, TMouseButton Button, TShiftState Shift) {
+    const bool NoModifiers = !Shift.Contains(ssShift) && !Shift.Contains(ssCtrl);
+    const bool WasCurrent = Cell == FCurrent;
+    const TControlGuard Guard(this);
+    FocusCell(Cell.X, Cell.Y, NoModifiers, Shift, swByMouse);
+    if (!Guard || Button != mbLeft) return;
+    if (NoModifiers && WasCurrent) FClickCell = Cell;
+    if (HasOption(goRangeSelect) && FGridState == gsNormal && FCurrent.Y == Cell.Y) {
+        FGridState = gsSelecting;
+        FDragStart = FAnchor;
+        SetTimer(ScrollTimerID, ScrollTimerInterval);
+    }
+}
+
+void TCustomExGrid::WMMouseMove(TWMMouse& Message) {
+    FHitTest = {Message.XPos, Message.YPos};
+    const TControlGuard Guard(this);
+    TCustomControl::WMMouseMove(Message);
+    if (!Guard || FGridState != gsSelecting) return;
+    if (!Message.Shift.Contains(ssLeft)) {
+        CancelMode(); // the release went elsewhere
+        return;
+    }
+    TExGridDI DI;
+    CalcDI(DI);
+    const TGridCoord Cell = CalcCoordFromPoint(Message.XPos, Message.YPos, DI);
+    if (Cell.X < FFixedCols || Cell.Y < FFixedRows) return;
+    if (Cell != FClickCell) FClickCell = NoGridCoord;
+    // Cells that are not wholly in view come into it with the timer, not with every motion.
+    const TGridCoord Last{std::max(DI.Horz.LastFullVisibleCell, FTopLeft.X) + 1,
+                          std::max(DI.Vert.LastFullVisibleCell, FTopLeft.Y) + 1};
+    ExtendDrag({std::min(Cell.X, Last.X), std::min(Cell.Y, Last.Y)});
+}
+
+// The range from the cell where the drag began to Cell. Where ranges cannot be drawn the current cell follows.
+void TCustomExGrid::ExtendDrag(const TGridCoord& Cell) {
+    if (!HasOption(goRangeSelect) || HasOption(goEditing)) {
+        if (Cell != FCurrent) MoveAnchor(Cell);
+        return;
+    }
+    TGridCoord Corner = Cell;
+    TGridCoord Start{std::clamp(FDragStart.X, 0, std::max(0, FColCount - 1)),
+                     std::clamp(FDragStart.Y, 0, std::max(0, FRowCount - 1))};
+    TGridCoord Shown = Cell;
+    if (HasOption(goRowSelect)) {
+        Corner.X = FColCount - 1;
+        Start.X = FFixedCols;
+        Shown.X = FTopLeft.X; // whole rows: the view does not move sideways
+    }
+    if (Corner == FAnchor && Start == FOpposite) return;
+    const TGridRect OldSelection = GetSelection();
+    FSelectionCleared = false;
+    FAnchor = Corner;
+    FOpposite = Start;
+    const TControlGuard Guard(this);
+    ClampInView(Shown);
+    if (Guard) SelectionMoved(OldSelection);
+}
+
+void TCustomExGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    const TControlGuard Guard(this);
+    FHitTest = {X, Y};
+    const TGridCoord Pressed = FClickCell;
+    CancelMode();
+    TCustomControl::MouseUp(Button, Shift, X, Y);
+    if (!Guard || Button != mbLeft || Pressed == NoGridCoord || Pressed != FCurrent) return;
+    if (HasOption(goEditing) && FPlainClick && !FEditorMode && MouseCoord(X, Y) == Pressed &&
+        NeedToShowEditor() && Guard)
+        ShowEditor();
+}
+
+void TCustomExGrid::CancelMode() {
+    KillTimer(ScrollTimerID);
+    FGridState = gsNormal;
+    FDragStart = NoGridCoord;
+    FClickCell = NoGridCoord;
+}
+
+void TCustomExGrid::WMCancelMode(TMessage& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::WMCancelMode(Message);
+    if (Guard) CancelMode();
+}
+
+void TCustomExGrid::CMCancelMode(TMessage&) { CancelMode(); }
+
+// At design time the mouse reaches the grid only over a border that can be sized.
+void TCustomExGrid::CMDesignHitTest(TMessage& Message) {
+    TGridState State = gsNormal;
+    int Index = -1;
+    int SizingPos = 0;
+    int SizingOfs = 0;
+    TExGridDI DI;
+    CalcDI(DI);
+    const TPoint Pos = PointFromParam(Message.LParam);
+    if (AllowDesignSizing()) CalcSizingState(Pos.X, Pos.Y, State, Index, SizingPos, SizingOfs, DI);
+    Message.Result = State != gsNormal ? 1 : 0;
+}
+
+} // namespace quill

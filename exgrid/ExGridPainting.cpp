@@ -1,0 +1,336 @@
+// Painting: regions, cells, lines, texts, and the requests to paint.
+#include "exgrid/ExGrid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace quill {
+
+namespace {
+
+int Narrow(std::int64_t Value) {
+    constexpr std::int64_t Limit = std::numeric_limits<int>::max() / 2;
+    return static_cast<int>(std::clamp(Value, -Limit, Limit));
+}
+
+void BlendOver(TCanvas& Target, int X, int Y, int Width, int Height, TCanvas& Source,
+               const TBlendFunction& Blend) {
+    Target.AlphaBlend(X, Y, Width, Height, Source, 0, 0, Blend.SourceConstantAlpha);
+}
+
+// Sets the canvas mapping for a stretch of code and puts it back, unless the grid is gone by then.
+class TOrientation {
+public:
+    TOrientation(TCustomExGrid* Grid, bool Active, bool RightToLeft)
+        : FGrid(Grid), FGuard(Grid), FActive(Active), FBack(!RightToLeft) {
+        if (FActive) FGrid->ChangeGridOrientation(RightToLeft);
+    }
+    ~TOrientation() {
+        if (FActive && FGuard) FGrid->ChangeGridOrientation(FBack);
+    }
+    TOrientation(const TOrientation&) = delete;
+    TOrientation& operator=(const TOrientation&) = delete;
+
+private:
+    TCustomExGrid* FGrid;
+    TControlGuard FGuard;
+    bool FActive;
+    bool FBack;
+};
+
+} // namespace
+
+TAlphaBlendFunc AlphaBlend = BlendOver;
+
+void TCustomExGrid::ChangeGridOrientation(bool RightToLeft) {
+    GetCanvas()->SetMirrored(RightToLeft, GetClientWidth());
+}
+
+void TCustomExGrid::Paint() { DrawOn(*GetCanvas(), true); }
+
+void TCustomExGrid::DrawOn(TCanvas& ACanvas, bool Full) {
+    const TControlGuard Guard(this);
+    const TOrientation Orientation(this, UseRightToLeftAlignment(), true);
+    if (!Full) return;
+    TExGridDI DI;
+    CalcDI(DI);
+    const TExGridAxisDI& Horz = DI.Horz;
+    const TExGridAxisDI& Vert = DI.Vert;
+    const bool Lines = Horz.EffectiveLineWidth > 0 || Vert.EffectiveLineWidth > 0;
+    const int CellsLeft = Horz.FixedBoundary - FHOffset;
+    const TGridCoord TopLeft = FTopLeft;
+
+    DrawCells(ACanvas, 0, 0, 0, 0, Horz.FixedBoundary, Vert.FixedBoundary, FFixedColor, gdFixed, DI, Lines);
+    if (!Guard) return;
+    DrawCells(ACanvas, TopLeft.X, 0, CellsLeft, 0, Horz.GridExtent, Vert.FixedBoundary, FFixedColor, gdFixed,
+              DI, Lines);
+    if (!Guard) return;
+    DrawCells(ACanvas, 0, TopLeft.Y, 0, Vert.FixedBoundary, Horz.FixedBoundary, Vert.GridBoundary,
+              FFixedColor, gdFixed, DI, Lines);
+    if (!Guard) return;
+    const bool Empty = IsGridEmpty();
+    if (!Empty) {
+        DrawCells(ACanvas, TopLeft.X, TopLeft.Y, CellsLeft, Vert.FixedBoundary, Horz.GridExtent,
+                  Vert.GridBoundary, GetColor(), {}, DI, Lines);
+        if (!Guard) return;
+        if (HasOption(goDrawFocusSelected) && HasOption(goRowSelect) && !HasState(csDesigning) && Focused())
+            DrawFocus(ACanvas);
+    }
+    GetCanvas()->GetBrush()->SetColor(GetColor());
+    if (Vert.GridBoundary < Vert.GridExtent)
+        FillNotCellArea(Rect(0, Vert.GridBoundary, Horz.GridExtent, Vert.GridExtent));
+    // Rows of a grid that has fixed columns only: nothing else covers what is right of them.
+    if (Guard && Empty && Vert.FixedBoundary < Vert.GridBoundary)
+        FillNotCellArea(Rect(Horz.FixedBoundary, Vert.FixedBoundary, Horz.GridExtent, Vert.GridBoundary));
+}
+
+void TCustomExGrid::DrawFocus(TCanvas& ACanvas) {
+    TRect R;
+    GridRectToScreenRect(GetSelection(), R, false, false, false);
+    if (!R.IsEmpty()) ACanvas.DrawFocusRect(R);
+}
+
+// A column without width takes no room here, not even for its line, although the geometry counts that line: cells
+// right of it are painted that much further left. InvalidateRect allows for it.
+void TCustomExGrid::DrawCells(TCanvas& ACanvas, int ACol, int ARow, int StartX, int StartY, int StopX,
+                              int StopY, TColor Color, TExGridDrawState IncludeDrawState, const TExGridDI& DI,
+                              bool DrawGridLines) {
+    const TControlGuard Guard(this);
+    const TGridRect Selection = GetSelection();
+    const bool Active = IsActiveControl();
+    const bool Designing = HasState(csDesigning);
+    // A handler may add columns or rows; this pass ends with those that were there.
+    const int ColEnd = FColCount;
+    const int RowEnd = FRowCount;
+    TExGridDrawState State;
+    std::int64_t Top = StartY;
+    for (int CurRow = ARow; Top < StopY && CurRow < std::min(RowEnd, FRowCount); ++CurRow) {
+        const std::int64_t Bottom = Top + GetRowHeights(CurRow);
+        std::int64_t Left = StartX;
+        bool ContinueRow = true;
+        for (int CurCol = ACol; Left < StopX && ContinueRow && CurCol <= std::min(ColEnd, FColCount);
+             ++CurCol) {
+            const bool Filler = CurCol == std::min(ColEnd, FColCount);
+            const std::int64_t Right = Left + (Filler ? StopX : GetColWidths(CurCol));
+            if (Right == Left) continue;
+            const TRect Cell{Narrow(Left), Narrow(Top), Narrow(Right), Narrow(Bottom)};
+            // The lines count as visible parts: an invalid strip may begin on one.
+            const TRect Outer{Cell.Left, Cell.Top, Cell.Right + DI.Horz.EffectiveLineWidth,
+                              Cell.Bottom + DI.Vert.EffectiveLineWidth};
+            if (!Outer.IsEmpty() && ACanvas.RectVisible(Outer)) {
+                State = IncludeDrawState;
+                if (Active && CurCol == FCurrent.X && CurRow == FCurrent.Y) State.Include(gdFocused);
+                if (PointInGridRect(CurCol, CurRow, Selection)) State.Include(gdSelected);
+                ACanvas.SetFont(GetFont());
+                if (Designing) {
+                    TColor Fill = Color;
+                    if (State.Contains(gdSelected) &&
+                        (!State.Contains(gdFocused) || HasOption(goDrawFocusSelected) ||
+                         HasOption(goRowSelect))) {
+                        Fill = Active ? clHighlight : clInactiveCaption;
+                        ACanvas.GetFont()->SetColor(clHighlightText);
+                    }
+                    ACanvas.GetBrush()->SetColor(Fill);
+                    ACanvas.FillRect(Cell);
+                }
+                if (DrawGridLines) {
+                    const bool Button = (FFixedColAsButton && CurCol < FFixedCols) ||
+                                        (FFixedRowAsButton && CurRow < FFixedRows);
+                    if (Button) {
+                        DrawLines(ACanvas, CurCol, CurRow, Cell, HasOption(goFixedVertLine),
+                                  HasOption(goFixedHorzLine), FFixedLineColor);
+                    } else {
+                        DrawLines(ACanvas, CurCol, CurRow, Cell, HasOption(goVertLine), HasOption(goHorzLine),
+                                  FLineColor);
+                    }
+                }
+            }
+            DrawCell(ACanvas, CurCol, CurRow, Cell, State, ContinueRow);
+            if (!Guard) return;
+            Left = Right + DI.Horz.EffectiveLineWidth;
+        }
+        Top = Bottom + DI.Vert.EffectiveLineWidth;
+    }
+}
+
+void TCustomExGrid::DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
+                             bool&) {
+    if (!OnDrawCell) return;
+    const bool Mirrored = UseRightToLeftAlignment();
+    const int Width = GetClientWidth();
+    const TRect R = Mirrored ? TRect{Width - Rect.Right, Rect.Top, Width - Rect.Left, Rect.Bottom} : Rect;
+    const TOrientation Orientation(this, Mirrored, false);
+    OnDrawCell(this, ACanvas, ACol, ARow, R, State);
+}
+
+// Both lines of thick ones take their colour from HorzLine; required so. A geometric pen is centred on its line, so
+// the gaps between the cells are filled first: every pixel of them is a pixel of the line. At a fractional scale a
+// hairline may leave a device pixel of its gap, which gets the background.
+void TCustomExGrid::DrawLines(TCanvas& ACanvas, int, int, const TRect& Rect, bool VertLine, bool HorzLine,
+                              TColor Color) {
+    const TColor HorzColor = HorzLine ? Color : GetColor();
+    const bool Thick = FGridLineWidth >= 2;
+    const TColor VertColor = Thick ? HorzColor : VertLine ? Color : GetColor();
+    const double Scale = ACanvas.GetScale();
+    if (Thick || Scale != std::floor(Scale)) {
+        const int VertGap = HasOption(goFixedVertLine) || HasOption(goVertLine) ? FGridLineWidth : 0;
+        const int HorzGap = HasOption(goFixedHorzLine) || HasOption(goHorzLine) ? FGridLineWidth : 0;
+        TBrush* Brush = ACanvas.GetBrush();
+        const TColor OldColor = Brush->GetColor();
+        const TBrushStyle OldStyle = Brush->GetStyle();
+        Brush->SetColor(Thick ? HorzColor : GetColor());
+        if (HorzGap > 0)
+            ACanvas.FillRect({Rect.Left, Rect.Bottom, Rect.Right + VertGap, Rect.Bottom + HorzGap});
+        if (VertGap > 0) ACanvas.FillRect({Rect.Right, Rect.Top, Rect.Right + VertGap, Rect.Bottom});
+        Brush->SetColor(OldColor);
+        Brush->SetStyle(OldStyle);
+    }
+    TPen* Pen = ACanvas.GetPen();
+    Pen->SetWidth(Thick ? FGridLineWidth : 1);
+    Pen->SetStyle(psSolid);
+    Pen->SetMode(pmCopy);
+    Pen->SetColor(HorzColor);
+    ACanvas.MoveTo(Rect.Left, Rect.Bottom);
+    ACanvas.LineTo(Rect.Right + 1, Rect.Bottom);
+    Pen->SetColor(VertColor);
+    const int X = UseRightToLeftAlignment() ? Rect.Right + 1 : Rect.Right;
+    ACanvas.MoveTo(X, Rect.Top);
+    ACanvas.LineTo(X, Rect.Bottom + 1);
+}
+
+void TCustomExGrid::GetDrawColor(int, int, TColor&, TColor&, bool&) {}
+
+void TCustomExGrid::FillNotCellArea(const TRect& Rect) { GetCanvas()->FillRect(Rect); }
+
+// Under right-to-left alignment the text is drawn unmapped into the mirrored rectangle. What is measured is handed
+// back from the rectangle's own left edge on, so that a caller never meets mirrored numbers.
+void TCustomExGrid::DrawRTLText(TCanvas& ACanvas, std::string_view Text, TRect& Rect, unsigned Flags,
+                                int VertMode) {
+    if (VertMode != 0 && VertMode != static_cast<int>(DT_VCENTER) && VertMode != static_cast<int>(DT_BOTTOM))
+        return;
+    const bool Mirrored = UseRightToLeftAlignment();
+    const bool Measure = (Flags & DT_CALCRECT) != 0;
+    const unsigned TextFlags = DrawTextBiDiModeFlags(Flags);
+    const int Width = GetClientWidth();
+    const TOrientation Orientation(this, Mirrored, false);
+    TRect Drawn =
+        Mirrored && !Measure ? TRect{Width - Rect.Right, Rect.Top, Width - Rect.Left, Rect.Bottom} : Rect;
+    if (VertMode != 0 && !Measure) {
+        TRect Measured = Drawn;
+        ACanvas.DrawText(Text, Measured, TextFlags | DT_CALCRECT);
+        const int Room = Drawn.Height() - Measured.Height();
+        Drawn.Top += std::max(0, VertMode == static_cast<int>(DT_VCENTER) ? Room / 2 : Room);
+    }
+    const int OldTop = Rect.Top;
+    ACanvas.DrawText(Text, Drawn, TextFlags);
+    if (Mirrored && !Measure) Drawn = {Width - Drawn.Right, Drawn.Top, Width - Drawn.Left, Drawn.Bottom};
+    Rect = Drawn;
+    if (VertMode != 0) Rect.Top = OldTop;
+}
+
+void TCustomExGrid::DrawDragImg(int X, int Y, int Width, int Height, TCanvas& Source, bool Blend) {
+    if (Blend && AlphaBlend != nullptr) {
+        AlphaBlend(*GetCanvas(), X, Y, Width, Height, Source, DragBlend);
+    } else {
+        GetCanvas()->BitBlt(X, Y, Width, Height, Source, 0, 0, SRCCOPY);
+    }
+}
+
+// --- requests to paint ----------------------------------------------------------------------------------------
+
+void TCustomExGrid::InvalidateGrid() { Invalidate(); }
+
+void TCustomExGrid::InvalidateRect(const TGridRect& GridRect) {
+    if (!HandleAllocated()) return;
+    TRect R;
+    GridRectToScreenRect(GridRect, R, true, false, false);
+    if (R.IsEmpty()) return;
+    // Columns without width: see DrawCells.
+    if (const int Shift = GetPaintShift(); Shift > 0) {
+        (UseRightToLeftAlignment() ? R.Right : R.Left) += UseRightToLeftAlignment() ? Shift : -Shift;
+    }
+    InvalidatePixels(R);
+}
+
+// How much further left than the geometry says cells may be painted.
+int TCustomExGrid::GetPaintShift() {
+    TExGridDI DI;
+    CalcDI(DI);
+    int Shift = 0;
+    const auto Count = [&](int First, int Last) {
+        for (int Col = First; Col <= Last; ++Col) {
+            if (GetColWidths(Col) == 0) Shift += DI.Horz.EffectiveLineWidth;
+        }
+    };
+    Count(0, DI.Horz.FixedCellCount - 1);
+    Count(DI.Horz.FirstGridCell, std::min(DI.Horz.LastFullVisibleCell + 1, FColCount - 1));
+    return Shift;
+}
+
+void TCustomExGrid::InvalidateCell(int ACol, int ARow) {
+    if (ACol < 0 || ARow < 0 || ACol >= FColCount || ARow >= FRowCount) return;
+    if (FEditorMode && ACol == FCurrent.X && ARow == FCurrent.Y) return;
+    InvalidateRect(GridRect(ACol, ARow, ACol, ARow));
+}
+
+void TCustomExGrid::InvalidateCol(int ACol) {
+    if (HandleAllocated()) InvalidateRect(GridRect(ACol, 0, ACol, GetVisibleRowCount() + 1));
+}
+
+void TCustomExGrid::InvalidateRow(int ARow) {
+    if (HandleAllocated()) InvalidateRect(GridRect(0, ARow, GetVisibleColCount() + 1, ARow));
+}
+
+void TCustomExGrid::InvalidateFullRow(int ARow) {
+    if (!HandleAllocated()) return;
+    TRect R;
+    GridRectToScreenRect(GridRect(0, ARow, GetVisibleColCount() + 1, ARow), R, true, true, false);
+    if (!R.IsEmpty()) InvalidatePixels(R);
+}
+
+void TCustomExGrid::InvalidateVisibleRow(int ARow) {
+    if (!HandleAllocated()) return;
+    TExGridDI DI;
+    CalcDI(DI);
+    TRect R;
+    if (!AxisToScreen(DI.Vert, ARow, ARow, true, false, R.Top, R.Bottom)) return;
+    R.Right = DI.Horz.GridExtent;
+    InvalidatePixels(R);
+}
+
+void TCustomExGrid::InvalidateNonFixed() {
+    if (!HandleAllocated()) return;
+    TRect R = GetNonFixedArea();
+    if (UseRightToLeftAlignment()) R = {0, R.Top, GetClientWidth() - R.Left, R.Bottom};
+    if (!R.IsEmpty()) InvalidatePixels(R);
+}
+
+// What appeared or went: from the edge of the smaller count to the end of the client. The last column that stays
+// belongs to it, since a descendant may stretch it.
+void TCustomExGrid::InvalidateStrips(int OldColCount, int OldRowCount) {
+    if (!HandleAllocated()) return;
+    TExGridDI DI;
+    CalcDI(DI);
+    const int Width = DI.Horz.GridExtent;
+    const int Height = DI.Vert.GridExtent;
+    const auto EdgeOf = [](const TExGridAxisDI& Axis, int Cell) {
+        if (Cell < Axis.FixedCellCount) return 0;
+        std::int64_t Pos = Axis.FixedBoundary;
+        for (int I = Axis.FirstGridCell; I < Cell && Pos < Axis.GridExtent; ++I)
+            Pos += std::int64_t{Axis.GetExtent(I)} + Axis.EffectiveLineWidth;
+        return static_cast<int>(std::clamp<std::int64_t>(Pos, 0, Axis.GridExtent));
+    };
+    if (FColCount != OldColCount) {
+        const int Edge = std::max(0, EdgeOf(DI.Horz, std::min(FColCount, OldColCount) - 1) - GetPaintShift());
+        const TRect Strip =
+            UseRightToLeftAlignment() ? TRect{0, 0, Width - Edge, Height} : TRect{Edge, 0, Width, Height};
+        if (!Strip.IsEmpty()) InvalidatePixels(Strip);
+    }
+    if (FRowCount != OldRowCount) {
+        const int Edge = EdgeOf(DI.Vert, std::min(FRowCount, OldRowCount));
+        if (Edge < Height) InvalidatePixels({0, Edge, Width, Height});
+    }
+}
+
+} // namespace quill
