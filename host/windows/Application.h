@@ -27,7 +27,7 @@ struct TMouse {
 };
 extern TMouse Mouse;
 
-// Calls OnTimer every Interval milliseconds while enabled.
+// Calls OnTimer every Interval milliseconds while enabled. An interval of 0 rests; every change starts it afresh.
 class TTimer : public TComponent {
 public:
     explicit TTimer(TComponent* AOwner = nullptr);

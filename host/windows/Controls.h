@@ -13,12 +13,22 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+
+class QScrollBar;
 
 namespace quill {
 
 enum TBorderStyle { bsNone, bsSingle };
 enum TBiDiMode { bdLeftToRight, bdRightToLeft, bdRightToLeftNoAlign, bdRightToLeftReadingOnly };
-enum TControlStyleValue { csAcceptsControls, csCaptureMouse, csClickEvents, csFramed, csOpaque, csDoubleClicks };
+enum TControlStyleValue {
+    csAcceptsControls,
+    csCaptureMouse,
+    csClickEvents,
+    csFramed,
+    csOpaque,
+    csDoubleClicks
+};
 using TControlStyle = TSet<TControlStyleValue>;
 enum TControlStateValue { csLButtonDown, csClicked };
 using TControlState = TSet<TControlStateValue>;
@@ -54,7 +64,8 @@ struct TCreateParams {
     unsigned WindowClassStyle = 0;
 };
 
-using TMouseEvent = std::function<void(TObject* Sender, TMouseButton Button, TShiftState Shift, int X, int Y)>;
+using TMouseEvent =
+    std::function<void(TObject* Sender, TMouseButton Button, TShiftState Shift, int X, int Y)>;
 using TMouseMoveEvent = std::function<void(TObject* Sender, TShiftState Shift, int X, int Y)>;
 using TKeyEvent = std::function<void(TObject* Sender, std::uint16_t& Key, TShiftState Shift)>;
 using TKeyPressEvent = std::function<void(TObject* Sender, char32_t& Key)>;
@@ -63,11 +74,21 @@ using TMouseWheelEvent =
 using TMouseWheelUpDownEvent =
     std::function<void(TObject* Sender, TShiftState Shift, TPoint MousePos, bool& Handled)>;
 
-// Tells whether a control still exists after application code has run. Cheap; made on the stack before the call.
-class TControlGuard;
+// Calls an event if it is assigned. Works on a copy, so that the handler may destroy the object that holds it.
+template <class... TParams, class... TArgs>
+void FireEvent(const std::function<void(TParams...)>& Event, TArgs&&... Args) {
+    if (!Event) return;
+    const std::function<void(TParams...)> Handler = Event;
+    Handler(std::forward<TArgs>(Args)...);
+}
 
 // Positions are client coordinates in device-independent pixels unless said otherwise. All protected operations of
 // the toolkit are public here, so that descendants and tests can call them through the base.
+//
+// A handler may destroy the control: each call into application code is followed by a check (TControlGuard). Two
+// kinds of notification wait until Qt has finished its own bookkeeping, which would not survive that: the mouse
+// entering and leaving (CM_MOUSEENTER, CM_MOUSELEAVE) and DoEnter. They arrive before any later message to the
+// control, at the latest with the next turn of the event loop.
 class TCustomControl : public QAbstractScrollArea, public TComponent {
     Q_OBJECT
 
@@ -79,12 +100,17 @@ public:
 
     // --- the window handle ------------------------------------------------------------------------------------
     // The handle exists from the first show or HandleNeeded until the control goes; RecreateWnd makes a new one.
+    // Creation runs CreateParams, then CreateWnd, which calls CreateWindowHandle; then WM_SIZE tells the client size.
     bool HandleAllocated() const { return FHandleAllocated; }
     void HandleNeeded();
+    // Destroys the handle and makes a new one at once, focus kept, everything invalid; nothing without a handle.
     void RecreateWnd();
+    // Fills in the styles that the control's properties ask for; descendants add theirs.
     virtual void CreateParams(TCreateParams& Params);
     virtual void CreateWnd();
+    // Applies the parameters: the frame, whether Tab stops here, whether bars may exist (WS_HSCROLL, WS_VSCROLL).
     virtual void CreateWindowHandle(const TCreateParams& Params);
+    // Ends timers and drops the surface. Called by the destructor as well.
     virtual void DestroyWnd();
     const TCreateParams& GetWindowParams() const { return FParams; }
 
@@ -112,12 +138,13 @@ public:
     // Draws on the control's surface, at any time. What is drawn outside Paint reaches the screen with the next
     // flush (Update, ProcessMessages or the event loop).
     TCanvas* GetCanvas() const { return FCanvas.get(); }
-    // Paints what is invalid; the canvas is clipped to it.
+    // Paints what is invalid; the canvas is clipped to it, has the control's font, and a brush of its Color. The
+    // clip is filled with Color before, unless the control is csOpaque or only Erase = false was asked for.
     virtual void Paint() {}
     // Marks all, or one rectangle, for the next paint. Nothing happens without a handle or while redraw is off.
     virtual void Invalidate();
     void InvalidatePixels(const TRect& Rect, bool Erase = true);
-    // Brings the surface up to date now; the screen follows with the next flush.
+    // Brings the surface up to date now; the screen follows with the next flush. Nothing inside Paint itself.
     void Update();
     void Repaint();
     // Puts the surface on the screen now (when the window is shown), without painting invalid parts.
@@ -126,8 +153,12 @@ public:
     bool HasInvalidRegion() const { return !FInvalid.isEmpty(); }
     TRect GetInvalidBounds() const;
     // Moves the pixels of Scroll by (DX, DY) inside Clip and invalidates what is uncovered. Falls back to
-    // invalidating Clip when the distance is not a whole number of device pixels.
+    // invalidating Clip when the distance is not a whole number of device pixels. What is still to be painted moves
+    // along.
     void ScrollWindow(int DX, int DY, const TRect& Scroll, const TRect& Clip);
+    // False between WM_SETREDRAW 0 and 1: nothing is invalidated, painted or drawn, the old picture stays. A state,
+    // not a count; it outlives RecreateWnd.
+    bool GetRedraw() const;
     // Device pixels per unit of the surface.
     double GetScale() const;
     // The surface as the user sees it, brought up to date first.
@@ -167,6 +198,10 @@ public:
     void SetParentBiDiMode(bool Value);
     TCursor GetCursor() const { return FCursor; }
     void SetCursor(TCursor Value);
+    // Shows a cursor without changing the property, until the next WM_SETCURSOR; for WMSetCursor.
+    void ApplyCursor(TCursor Value);
+    // The cursor that the mouse shows now.
+    TCursor GetAppliedCursor() const { return FAppliedCursor; }
     TControlStyle GetControlStyle() const { return FControlStyle; }
     void SetControlStyle(TControlStyle Value) { FControlStyle = Value; }
     TControlState GetControlState() const { return FControlState; }
@@ -189,14 +224,22 @@ public:
     // --- focus ------------------------------------------------------------------------------------------------
     // Whether the control's window has the keyboard focus.
     virtual bool Focused() const;
-    void SetFocus() { setFocus(Qt::OtherFocusReason); }
+    // Whether the keyboard focus is in the control or in one of its children (an editor).
+    bool ContainsFocus() const;
+    // DoEnter has run when this returns.
+    void SetFocus();
     bool CanFocus() const { return isEnabled() && isVisible(); }
 
     // --- scroll bars ------------------------------------------------------------------------------------------
+    // Bar is SB_HORZ or SB_VERT. What the user does with a bar arrives as WM_HSCROLL or WM_VSCROLL; the bar follows
+    // the thumb while it is dragged and otherwise waits for SetScrollPos. These operations send no message.
     void SetScrollRange(int Bar, int MinPos, int MaxPos, bool Redraw);
     void GetScrollRange(int Bar, int& MinPos, int& MaxPos) const;
     int SetScrollPos(int Bar, int Pos, bool Redraw);
     int GetScrollPos(int Bar) const;
+    // The part of the range that is visible; decides the thumb's length.
+    void SetScrollPage(int Bar, int Page);
+    // Does nothing when the window was created without that bar (WS_HSCROLL, WS_VSCROLL).
     void ShowScrollBar(int Bar, bool Show);
     bool IsScrollBarShown(int Bar) const;
     // Thickness of a vertical (horizontal) bar in pixels.
@@ -222,6 +265,8 @@ public:
     virtual void WMRButtonDblClk(TWMMouse& Message);
     virtual void WMMButtonDown(TWMMouse& Message);
     virtual void WMMButtonUp(TWMMouse& Message);
+    // Result: whether the wheel was used; otherwise the parents get it.
+    virtual void WMMouseWheel(TMessage& Message);
     virtual void WMKeyDown(TWMKey& Message);
     virtual void WMKeyUp(TWMKey& Message);
     virtual void WMChar(TWMKey& Message);
@@ -244,8 +289,12 @@ public:
     virtual void CMCtl3DChanged(TMessage& Message);
     virtual void CMShowingChanged(TMessage& Message);
     virtual void CMBiDiModeChanged(TMessage& Message);
-    // Result 1: the control wants the key in CharCode although a dialog would use it (Tab, Enter, arrows).
+    // Result 1: the control wants the key in CharCode although a dialog or a parent would use it: Tab (which then
+    // does not move the focus), Enter, Esc, arrows, paging keys. It does not go on to the parents then.
     virtual void CMWantSpecialKey(TWMKey& Message);
+    // Whether the standard keys of Cut, Copy and Paste become WM_CUT, WM_COPY and WM_PASTE, even when a menu of the
+    // program has them as shortcuts.
+    virtual bool WantsClipboardKeys() const { return false; }
 
     // --- input, after dispatch --------------------------------------------------------------------------------
     virtual void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);
@@ -256,6 +305,7 @@ public:
     virtual void KeyDown(std::uint16_t& Key, TShiftState Shift);
     virtual void KeyUp(std::uint16_t& Key, TShiftState Shift);
     virtual void KeyPress(char32_t& Key);
+    // The focus came into the control or one of its children, or left them for another control of the same window.
     virtual void DoEnter();
     virtual void DoExit();
     // WheelDelta in eighths of a degree, 120 a notch; positive away from the user. MousePos in screen coordinates.
@@ -298,6 +348,7 @@ protected:
     bool focusNextPrevChild(bool Next) override;
     void timerEvent(QTimerEvent* Event) override;
     void showEvent(QShowEvent* Event) override;
+    void hideEvent(QHideEvent* Event) override;
     void changeEvent(QEvent* Event) override;
     void scrollContentsBy(int DX, int DY) override;
     void contextMenuEvent(QContextMenuEvent* Event) override;
@@ -307,7 +358,6 @@ protected:
     void BeginDestruction();
 
 private:
-    friend class TControlGuard;
     struct TImpl;
 
     std::unique_ptr<TImpl> FImpl;
@@ -323,6 +373,7 @@ private:
     TDragKind FDragKind = dkDrag;
     TDragMode FDragMode = dmManual;
     TCursor FCursor = crDefault;
+    TCursor FAppliedCursor = crDefault;
     std::uint64_t FPaintCount = 0;
     std::uint64_t FPaintedPixels = 0;
     bool FHandleAllocated = false;
@@ -336,14 +387,16 @@ private:
     bool FMouseCapture = false;
 };
 
-// Usage: TControlGuard Guard(this); Handler(); if (!Guard) return;
+// Tells whether a control still exists after application code has run; false once its destruction has begun.
+// Cheap, made on the stack before the call: TControlGuard Guard(this); Handler(); if (!Guard) return;
 class TControlGuard {
 public:
-    explicit TControlGuard(const TCustomControl* Control);
-    explicit operator bool() const { return *FAlive; }
+    // Guarding changes nothing that the control shows, so a const control will do.
+    explicit TControlGuard(const TCustomControl* Control) : FGuard(const_cast<TCustomControl*>(Control)) {}
+    explicit operator bool() const { return !FGuard.IsGone(); }
 
 private:
-    std::shared_ptr<const bool> FAlive;
+    TComponentGuard FGuard;
 };
 
 } // namespace quill

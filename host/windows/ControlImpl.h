@@ -1,0 +1,133 @@
+// The inside of a control: surface, input state, scroll bars and timers. For the sources of the control only.
+#pragma once
+
+#include "host/windows/Controls.h"
+
+#include <QImage>
+#include <QPointer>
+
+#include <array>
+#include <utility>
+#include <vector>
+
+class QMouseEvent;
+class QWheelEvent;
+
+namespace quill {
+
+struct TCustomControl::TImpl {
+    explicit TImpl(TCustomControl& AControl) : Control(AControl) {}
+
+    TCustomControl& Control;
+
+    // --- window (Controls.cpp) --------------------------------------------------------------------------------
+    bool CreatingHandle = false;
+    bool DestructionBegun = false;
+    // Changes of the widget's font and direction that we make ourselves are not to be followed.
+    bool ApplyingFont = false;
+    bool ApplyingDirection = false;
+    // The focus policy set last by us; a different one was set by the program and is kept.
+    Qt::FocusPolicy FocusPolicy = Qt::ClickFocus;
+    // The size that the program asked for, the size hint in layouts.
+    QSize AskedSize;
+    // The client size that WM_SIZE told last.
+    QSize ToldSize{-1, -1};
+
+    void CreateHandle();
+    void WatchWindow();
+    void ApplyFrame(const TCreateParams& Params);
+    void ApplyFocusPolicy();
+    void ApplyDirection();
+    // Font of the control changed: to the canvas, the children, and CM_FONTCHANGED.
+    void FontChanged();
+    void TakeWidgetFont();
+    void ApplyPalette();
+    // Lays out viewport and bars of a hidden widget, for which Qt would wait until it is shown.
+    void LayOut();
+    // After anything that may have changed the client size: fits the surface and sends WM_SIZE.
+    void ClientResized(bool Always = false);
+
+    // --- surface (ControlSurface.cpp) -------------------------------------------------------------------------
+    // Device pixels, opaque, ratio 1. The canvas is bound to it unless redraw is off.
+    QImage Surface;
+    QSize SurfaceClient; // the client size that it stands for
+    double Scale = 1.0;
+    bool Redraw = true;
+    bool ChangedWhileOff = false;
+    bool Painting = false;
+    // Something about surface or binding changed during Paint and waits for its end.
+    bool SurfaceStale = false;
+    // Paint itself invalidated: painted in the next turn, never in the same one.
+    bool InvalidatedByPaint = false;
+    bool EraseInvalid = false;
+    bool Flushing = false;
+    bool FlushScheduled = false;
+
+    double WindowScale() const;
+    QRect ClientRect() const;
+    QRegion ToDevice(const QRegion& Region) const;
+    void BindCanvas();
+    void FitSurface();
+    void DropSurface();
+    void FillSurface(const QRegion& Device);
+    void AddInvalid(const QRegion& Region, bool Erase);
+    void PaintInvalid();
+    void EndPaint();
+    void CanvasOpened();
+    void Blit(QPainter& Painter, const QRegion& Region);
+    // The device pixel at which the surface begins in its window.
+    QPoint DeviceOrigin() const;
+
+    // --- input (ControlInput.cpp) -----------------------------------------------------------------------------
+    // Notifications that wait until Qt's own bookkeeping is done: CM_MOUSEENTER, CM_MOUSELEAVE, EnterNotification.
+    static constexpr unsigned EnterNotification = 0;
+    std::vector<unsigned> Waiting;
+    bool WakeUpPosted = false;
+    // Calls of handlers that Qt made through one of our child widgets and that are still running.
+    int Dispatching = 0;
+    int WheelDelta = 0;
+    int HorizontalWheelDelta = 0;
+    bool WheelHandled = false;
+
+    // Asks for a call of WokenUp from the event loop.
+    void WakeUp();
+    void WokenUp();
+    void Wait(unsigned Notification);
+    // False when the control is gone afterwards.
+    bool DeliverWaiting();
+    TPoint ClientPos(const QMouseEvent& Event) const;
+    bool HandleMouse(QMouseEvent& Event);
+    bool HandleWheel(QWheelEvent& Event);
+    // Sends a key or character; consumed tells that CharCode became 0. Handled collects the results.
+    bool SendKey(unsigned Msg, char32_t CharCode, TShiftState Shift, bool& Handled, bool& Consumed);
+    bool SendText(const QString& Text, TShiftState Shift, bool& Handled);
+    bool WantsSpecialKey(std::uint16_t Key, TShiftState Shift);
+    void CancelPress();
+    // Keeps the widgets through which Qt is calling us alive until it has returned.
+    void SaveDispatchers();
+
+    // --- scroll bars (ControlScrollBars.cpp) ------------------------------------------------------------------
+    struct TBar {
+        QPointer<QScrollBar> Widget;
+        int Pos = 0;
+        bool MayExist = false;
+        bool Shown = false;
+    };
+    std::array<TBar, 2> Bars; // SB_HORZ, SB_VERT
+
+    void InstallBars();
+    TBar* FindBar(int Bar);
+    const TBar* FindBar(int Bar) const { return const_cast<TImpl*>(this)->FindBar(Bar); }
+    void SetBarShown(int Bar, bool Show);
+    void BarAction(int Bar, int Action);
+    void BarReleased(int Bar);
+    void SendScroll(int Bar, unsigned Code, int Pos);
+    // The bar shows the position that the control has set.
+    void SyncBar(int Bar);
+
+    // --- timers -----------------------------------------------------------------------------------------------
+    std::vector<std::pair<int, int>> Timers; // our identifier, Qt's
+    void KillTimers();
+};
+
+} // namespace quill

@@ -1,0 +1,395 @@
+// From Qt's events to messages: mouse, wheel, keys, focus, timers.
+#include "host/windows/ControlImpl.h"
+#include "host/windows/FocusTracker.h"
+#include "host/windows/Keys.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QFocusEvent>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QTimerEvent>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace quill {
+
+namespace {
+
+// Our own event: something waits to be done from the event loop.
+QEvent::Type WakeUpEvent() {
+    static const int Type = QEvent::registerEventType();
+    return static_cast<QEvent::Type>(Type);
+}
+
+std::intptr_t ShiftParam(TShiftState Shift) { return static_cast<std::intptr_t>(Shift.Bits()); }
+
+unsigned ButtonMessage(Qt::MouseButton Button, unsigned Left, unsigned Right, unsigned Middle) {
+    switch (Button) {
+    case Qt::LeftButton:
+        return Left;
+    case Qt::RightButton:
+        return Right;
+    case Qt::MiddleButton:
+        return Middle;
+    default:
+        return 0;
+    }
+}
+
+// Alt with a character is a shortcut, and so is Ctrl unless it yields a control character. Both together are AltGr.
+bool YieldsText(const QKeyEvent& Event) {
+    const QString Text = Event.text();
+    if (Text.isEmpty()) return false;
+    const bool Ctrl = Event.modifiers().testFlag(Qt::ControlModifier);
+    const bool Alt = Event.modifiers().testFlag(Qt::AltModifier);
+    if (Event.modifiers().testFlag(Qt::MetaModifier) || (Alt && !Ctrl)) return false;
+    return Alt || !Ctrl || Text.at(0).unicode() < 32 || Text.at(0).unicode() == 127;
+}
+
+unsigned ClipboardMessage(const QKeyEvent& Event) {
+    if (Event.matches(QKeySequence::Cut)) return WM_CUT;
+    if (Event.matches(QKeySequence::Copy)) return WM_COPY;
+    if (Event.matches(QKeySequence::Paste)) return WM_PASTE;
+    return 0;
+}
+
+TShiftState ShiftOf(const QKeyEvent& Event) {
+    TShiftState Result = ShiftFromQt(Event.modifiers());
+    if (Event.key() == Qt::Key_Backtab) Result.Include(ssShift);
+    return Result;
+}
+
+} // namespace
+
+// --- waiting notifications ----------------------------------------------------------------------------------------
+
+void TCustomControl::TImpl::WakeUp() {
+    if (!std::exchange(WakeUpPosted, true)) QCoreApplication::postEvent(&Control, new QEvent(WakeUpEvent()));
+}
+
+void TCustomControl::TImpl::WokenUp() {
+    WakeUpPosted = false;
+    if (!DeliverWaiting()) return;
+    if (!Control.FInvalid.isEmpty() && Control.isVisible()) Control.viewport()->update(Control.FInvalid);
+}
+
+void TCustomControl::TImpl::Wait(unsigned Notification) {
+    Waiting.push_back(Notification);
+    WakeUp();
+}
+
+bool TCustomControl::TImpl::DeliverWaiting() {
+    const TControlGuard Guard(&Control);
+    while (Guard && !Waiting.empty()) {
+        const unsigned Notification = Waiting.front();
+        Waiting.erase(Waiting.begin());
+        if (Notification == EnterNotification)
+            Control.DoEnter();
+        else
+            Control.Perform(Notification, 0, 0);
+    }
+    return static_cast<bool>(Guard);
+}
+
+void TCustomControl::TImpl::SaveDispatchers() {
+    // Qt calls handlers from the middle of its work on the viewport or a bar, and goes on with that widget after
+    // they have destroyed us. So the widget lives on, on its own, until the event loop runs again.
+    if (Dispatching == 0) return;
+    for (QWidget* Widget : {Control.viewport(), static_cast<QWidget*>(Bars[SB_HORZ].Widget.data()),
+                            static_cast<QWidget*>(Bars[SB_VERT].Widget.data())}) {
+        if (!Widget) continue;
+        Widget->setParent(nullptr);
+        Widget->deleteLater();
+    }
+}
+
+// --- mouse --------------------------------------------------------------------------------------------------------
+
+// The client pixel whose device pixels contain the mouse.
+TPoint TCustomControl::TImpl::ClientPos(const QMouseEvent& Event) const {
+    const auto Floor = [](double Value) { return static_cast<int>(std::floor(Value)); };
+    const QPointF Pos = Event.position();
+    if (Scale == std::floor(Scale)) return {Floor(Pos.x()), Floor(Pos.y())};
+    // With a fractional scale pixels differ in device size: the last one that begins at or left of the mouse.
+    const QPoint Origin = DeviceOrigin();
+    const QPointF InWindow = Control.viewport()->mapTo(Control.window(), Pos);
+    const auto Find = [&](double Window, int DeviceStart) {
+        const int Device = Floor(Window * Scale + 1e-3) - DeviceStart;
+        return static_cast<int>(std::ceil((Device + 0.5) / Scale)) - 1;
+    };
+    return {Find(InWindow.x(), Origin.x()), Find(InWindow.y(), Origin.y())};
+}
+
+bool TCustomControl::TImpl::HandleMouse(QMouseEvent& Event) {
+    unsigned Msg = 0;
+    switch (Event.type()) {
+    case QEvent::MouseMove:
+        Msg = WM_MOUSEMOVE;
+        break;
+    case QEvent::MouseButtonPress:
+        Msg = ButtonMessage(Event.button(), WM_LBUTTONDOWN, WM_RBUTTONDOWN, WM_MBUTTONDOWN);
+        break;
+    case QEvent::MouseButtonDblClick:
+        Msg = ButtonMessage(Event.button(), WM_LBUTTONDBLCLK, WM_RBUTTONDBLCLK, WM_MBUTTONDBLCLK);
+        break;
+    default:
+        Msg = ButtonMessage(Event.button(), WM_LBUTTONUP, WM_RBUTTONUP, WM_MBUTTONUP);
+        break;
+    }
+    if (Msg == 0) {
+        Event.ignore();
+        return true;
+    }
+    Event.accept();
+    const TControlGuard Guard(&Control);
+    ++Dispatching;
+    if (!DeliverWaiting()) return true;
+    const TPoint Pos = ClientPos(Event);
+    const std::intptr_t Where = MakePointParam(Pos.X, Pos.Y);
+    if (Msg == WM_MOUSEMOVE && Event.buttons() == Qt::NoButton) {
+        Control.Perform(WM_SETCURSOR, 0, Where);
+        if (!Guard) return true;
+    }
+    Control.Perform(Msg, ShiftFromQt(Event.modifiers(), Event.buttons()).Bits(), Where);
+    if (Guard) --Dispatching;
+    return true;
+}
+
+bool TCustomControl::TImpl::HandleWheel(QWheelEvent& Event) {
+    // Devices that report pixels only: a notch is about three lines of text.
+    constexpr int PixelFactor = 3;
+    const QPoint Delta = Event.angleDelta().isNull() ? Event.pixelDelta() * PixelFactor : Event.angleDelta();
+    const TShiftState Shift = ShiftFromQt(Event.modifiers(), Event.buttons());
+    const QPoint Global = Event.globalPosition().toPoint();
+    const TControlGuard Guard(&Control);
+    ++Dispatching;
+    Event.accept();
+    if (!DeliverWaiting()) return true;
+    bool Handled = false;
+    if (Delta.y() != 0) {
+        Handled = Control.Perform(WM_MOUSEWHEEL, MakeWheelParam(Delta.y(), Shift),
+                                  MakePointParam(Global.x(), Global.y())) != 0;
+        if (!Guard) return true;
+    }
+    if (Delta.x() != 0 && Bars[SB_HORZ].Shown) {
+        Handled = true;
+        int& Sum = HorizontalWheelDelta;
+        if ((Sum < 0) != (Delta.x() < 0)) Sum = 0;
+        Sum += Delta.x();
+        constexpr int Notch = 120;
+        while (std::abs(HorizontalWheelDelta) >= Notch) {
+            // Qt reports a turn to the right as negative.
+            const bool Right = HorizontalWheelDelta < 0;
+            HorizontalWheelDelta += Right ? Notch : -Notch;
+            Control.Perform(WM_HSCROLL, Right ? SB_LINEDOWN : SB_LINEUP, 0);
+            if (!Guard) return true;
+        }
+    }
+    --Dispatching;
+    Event.setAccepted(Handled);
+    return true;
+}
+
+void TCustomControl::TImpl::CancelPress() {
+    if (Control.FMouseCapture || !Control.FControlState.IsEmpty()) Control.Perform(WM_CANCELMODE, 0, 0);
+}
+
+bool TCustomControl::viewportEvent(QEvent* Event) {
+    TImpl& Impl = *FImpl;
+    if (Impl.DestructionBegun) return false;
+    switch (Event->type()) {
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+        return Impl.HandleMouse(static_cast<QMouseEvent&>(*Event));
+    case QEvent::Wheel:
+        return Impl.HandleWheel(static_cast<QWheelEvent&>(*Event));
+    case QEvent::Enter:
+        Impl.Wait(CM_MOUSEENTER);
+        break;
+    case QEvent::Leave:
+        Impl.Wait(CM_MOUSELEAVE);
+        break;
+    case QEvent::Resize: {
+        const bool Result = QAbstractScrollArea::viewportEvent(Event);
+        Impl.ClientResized();
+        return Result;
+    }
+    default:
+        break;
+    }
+    return QAbstractScrollArea::viewportEvent(Event);
+}
+
+void TCustomControl::contextMenuEvent(QContextMenuEvent* Event) { Event->ignore(); }
+
+// --- keys ---------------------------------------------------------------------------------------------------------
+
+bool TCustomControl::TImpl::SendKey(unsigned Msg, char32_t CharCode, TShiftState Shift, bool& Handled,
+                                    bool& Consumed) {
+    const TControlGuard Guard(&Control);
+    TMessage Message{Msg, CharCode, ShiftParam(Shift)};
+    Control.WndProc(Message);
+    Consumed = Message.WParam == 0;
+    if (Consumed || Message.Result != 0) Handled = true;
+    return static_cast<bool>(Guard);
+}
+
+bool TCustomControl::TImpl::SendText(const QString& Text, TShiftState Shift, bool& Handled) {
+    const std::u32string Characters = Text.toStdU32String();
+    for (const char32_t Character : Characters) {
+        bool Consumed = false;
+        if (Character != 0 && !SendKey(WM_CHAR, Character, Shift, Handled, Consumed)) return false;
+    }
+    return true;
+}
+
+bool TCustomControl::TImpl::WantsSpecialKey(std::uint16_t Key, TShiftState Shift) {
+    return Control.Perform(CM_WANTSPECIALKEY, Key, ShiftParam(Shift)) != 0;
+}
+
+void TCustomControl::keyPressEvent(QKeyEvent* Event) {
+    TImpl& Impl = *FImpl;
+    const TControlGuard Guard(this);
+    Event->accept();
+    if (!Impl.DeliverWaiting()) return;
+    if (WantsClipboardKeys()) {
+        if (const unsigned Msg = ClipboardMessage(*Event)) {
+            Perform(Msg, 0, 0);
+            return;
+        }
+    }
+    const bool HasText = YieldsText(*Event);
+    std::uint16_t Key = VirtualKeyFromQt(Event->key(), Event->modifiers().testFlag(Qt::KeypadModifier));
+    if (Key == 0 && HasText) Key = VK_PACKET;
+    const TShiftState Shift = ShiftOf(*Event);
+    bool Handled = false;
+    bool Consumed = false;
+    if (Key != 0 && !Impl.SendKey(WM_KEYDOWN, Key, Shift, Handled, Consumed)) return;
+    if (HasText && !Consumed && !Impl.SendText(Event->text(), Shift, Handled)) return;
+    if (!Handled && IsNavigationKey(Key)) Handled = Impl.WantsSpecialKey(Key, Shift);
+    if (Guard) Event->setAccepted(Handled);
+}
+
+void TCustomControl::keyReleaseEvent(QKeyEvent* Event) {
+    Event->accept();
+    if (!FImpl->DeliverWaiting()) return;
+    const std::uint16_t Key = VirtualKeyFromQt(Event->key(), Event->modifiers().testFlag(Qt::KeypadModifier));
+    bool Handled = false;
+    bool Consumed = false;
+    if (Key != 0 && !FImpl->SendKey(WM_KEYUP, Key, ShiftOf(*Event), Handled, Consumed)) return;
+    Event->setAccepted(Handled);
+}
+
+void TCustomControl::inputMethodEvent(QInputMethodEvent* Event) {
+    Event->accept();
+    if (!FImpl->DeliverWaiting()) return;
+    bool Handled = false;
+    FImpl->SendText(Event->commitString(), {}, Handled);
+}
+
+bool TCustomControl::focusNextPrevChild(bool Next) {
+    // Also asked by Qt for Tab in a child (an editor), which then gets the key.
+    if (!FImpl->DestructionBegun &&
+        FImpl->WantsSpecialKey(VK_TAB, Next ? TShiftState{} : TShiftState{ssShift}))
+        return false;
+    return QAbstractScrollArea::focusNextPrevChild(Next);
+}
+
+// --- focus --------------------------------------------------------------------------------------------------------
+
+bool TCustomControl::Focused() const { return hasFocus(); }
+
+bool TCustomControl::ContainsFocus() const {
+    const QWidget* Focus = QApplication::focusWidget();
+    return Focus && (Focus == this || isAncestorOf(Focus));
+}
+
+void TCustomControl::SetFocus() {
+    const TControlGuard Guard(this);
+    setFocus(Qt::OtherFocusReason);
+    if (Guard) FImpl->DeliverWaiting();
+}
+
+void TCustomControl::focusInEvent(QFocusEvent* Event) {
+    QAbstractScrollArea::focusInEvent(Event);
+    // Menus take the focus without being where the user works.
+    if (!FImpl->DestructionBegun && Event->reason() != Qt::PopupFocusReason) Perform(WM_SETFOCUS, 0, 0);
+}
+
+void TCustomControl::focusOutEvent(QFocusEvent* Event) {
+    QAbstractScrollArea::focusOutEvent(Event);
+    if (!FImpl->DestructionBegun && Event->reason() != Qt::PopupFocusReason) Perform(WM_KILLFOCUS, 0, 0);
+}
+
+// --- timers -------------------------------------------------------------------------------------------------------
+
+void TCustomControl::SetTimer(int TimerID, int Interval) {
+    if (FImpl->DestructionBegun) return;
+    KillTimer(TimerID);
+    FImpl->Timers.emplace_back(TimerID, startTimer(std::max(Interval, 1)));
+}
+
+void TCustomControl::KillTimer(int TimerID) {
+    auto& Timers = FImpl->Timers;
+    const auto Found =
+        std::find_if(Timers.begin(), Timers.end(), [=](const auto& T) { return T.first == TimerID; });
+    if (Found == Timers.end()) return;
+    killTimer(Found->second);
+    Timers.erase(Found);
+}
+
+bool TCustomControl::HasTimer(int TimerID) const {
+    const auto& Timers = FImpl->Timers;
+    return std::any_of(Timers.begin(), Timers.end(), [=](const auto& T) { return T.first == TimerID; });
+}
+
+void TCustomControl::TImpl::KillTimers() {
+    for (const auto& [TimerID, QtID] : std::exchange(Timers, {})) Control.killTimer(QtID);
+}
+
+void TCustomControl::timerEvent(QTimerEvent* Event) {
+    for (const auto& [TimerID, QtID] : FImpl->Timers) {
+        if (QtID != Event->timerId()) continue;
+        Perform(WM_TIMER, static_cast<std::uintptr_t>(TimerID), 0);
+        return;
+    }
+    QAbstractScrollArea::timerEvent(Event);
+}
+
+// --- events of the area itself ------------------------------------------------------------------------------------
+
+bool TCustomControl::event(QEvent* Event) {
+    if (FImpl->DestructionBegun) return QAbstractScrollArea::event(Event);
+    if (Event->type() == WakeUpEvent()) {
+        FImpl->WokenUp();
+        return true;
+    }
+    switch (Event->type()) {
+    case QEvent::ShortcutOverride:
+        if (WantsClipboardKeys() && ClipboardMessage(static_cast<QKeyEvent&>(*Event)) != 0) {
+            Event->accept();
+            return true;
+        }
+        break;
+    case QEvent::WindowBlocked:
+        FImpl->CancelPress();
+        break;
+    case QEvent::ScreenChangeInternal:
+        FImpl->FitSurface();
+        break;
+    default:
+        break;
+    }
+    return QAbstractScrollArea::event(Event);
+}
+
+} // namespace quill
