@@ -80,8 +80,7 @@ void TCustomExGrid::SetFixedColAsButton(bool Value) {
     InvalidateGrid();
 }
 
-// The editor is the grid's only child that takes the focus, and it reports to the grid.
-bool TCustomExGrid::IsActiveControl() const { return Focused(); }
+bool TCustomExGrid::IsActiveControl() const { return ContainsFocus(); }
 
 // --- the window -----------------------------------------------------------------------------------------------
 
@@ -129,6 +128,7 @@ void TCustomExGrid::WMSize(TWMSize& Message) {
     if (!Guard) return;
     // Fillers, stretched columns and everything mirrored depend on the size.
     InvalidateGrid();
+    KeepHOffset();
     UpdateScrollRange();
     if (Guard && FEditorMode) UpdateEdit();
 }
@@ -137,27 +137,6 @@ void TCustomExGrid::CMShowingChanged(TMessage& Message) {
     const TControlGuard Guard(this);
     TCustomControl::CMShowingChanged(Message);
     if (Guard && GetVisible()) UpdateScrollRange();
-}
-
-void TCustomExGrid::CMFontChanged(TMessage& Message) {
-    const TControlGuard Guard(this);
-    TCustomControl::CMFontChanged(Message);
-    if (Guard) InvalidateGrid();
-}
-
-void TCustomExGrid::CMCtl3DChanged(TMessage& Message) {
-    const TControlGuard Guard(this);
-    TCustomControl::CMCtl3DChanged(Message);
-    if (Guard && HandleAllocated()) RecreateWnd();
-}
-
-// Flat bars depend on the direction, so the window is made anew.
-void TCustomExGrid::CMBiDiModeChanged(TMessage& Message) {
-    const TControlGuard Guard(this);
-    TCustomControl::CMBiDiModeChanged(Message);
-    if (!Guard || !HandleAllocated()) return;
-    RecreateWnd();
-    if (Guard) InvalidateGrid();
 }
 
 // The focused and the selected cells look different, and a descendant may mark more than one.

@@ -361,10 +361,7 @@ public:
     void WMKillFocus(TMessage& Message) override;
     void WMCancelMode(TMessage& Message) override;
     virtual void WMGetDlgCode(TMessage& Message);
-    void CMFontChanged(TMessage& Message) override;
-    void CMCtl3DChanged(TMessage& Message) override;
     void CMShowingChanged(TMessage& Message) override;
-    void CMBiDiModeChanged(TMessage& Message) override;
     void CMWantSpecialKey(TWMKey& Message) override;
     virtual void CMCancelMode(TMessage& Message);
     virtual void CMDesignHitTest(TMessage& Message);
@@ -418,6 +415,7 @@ private:
     void CancelMode();
     void DrawFocus(TCanvas& ACanvas);
     int GetPaintShift();
+    void KeepHOffset();
     bool HasEmptyColumn(int A, int B);
     void ReadColWidths(TReader& Reader);
     void WriteColWidths(TWriter& Writer);

@@ -92,19 +92,19 @@ bool TCustomExGrid::CanEditModify() { return true; }
 
 std::string TCustomExGrid::GetEditText(int ACol, int ARow) {
     std::string Result;
-    if (OnGetEditText) OnGetEditText(this, ACol, ARow, Result);
+    FireEvent(OnGetEditText, this, ACol, ARow, Result);
     return Result;
 }
 
 void TCustomExGrid::SetEditText(int ACol, int ARow, const std::string& Value) {
     const TControlGuard Guard(this);
-    if (OnSetEditText) OnSetEditText(this, ACol, ARow, Value);
+    FireEvent(OnSetEditText, this, ACol, ARow, Value);
     if (Guard) Q_EMIT cellEdited(ACol, ARow, Value);
 }
 
 std::string TCustomExGrid::GetEditMask(int ACol, int ARow) {
     std::string Result;
-    if (OnGetEditMask) OnGetEditMask(this, ACol, ARow, Result);
+    FireEvent(OnGetEditMask, this, ACol, ARow, Result);
     return Result;
 }
 

@@ -162,6 +162,7 @@ void TCustomExGrid::SetDefaultRowHeight(int Value) {
 
 void TCustomExGrid::ExtentsChanged() {
     const TControlGuard Guard(this);
+    KeepHOffset();
     UpdateScrollRange();
     if (Guard && FEditorMode) UpdateEdit();
 }
@@ -171,22 +172,20 @@ void TCustomExGrid::ColWidthsChanged() { ExtentsChanged(); }
 void TCustomExGrid::RowHeightsChanged() { ExtentsChanged(); }
 
 void TCustomExGrid::ColumnWidthChanging(int Index, int& Value) {
-    if (OnColumnWidthChanging) OnColumnWidthChanging(Index, Value);
+    FireEvent(OnColumnWidthChanging, Index, Value);
 }
 
 void TCustomExGrid::ColumnWidthChanged(int Index, int Value) {
     const TControlGuard Guard(this);
-    if (OnColumnWidthChanged) OnColumnWidthChanged(Index, Value);
+    FireEvent(OnColumnWidthChanged, Index, Value);
     if (Guard) Q_EMIT columnWidthChanged(Index, Value);
 }
 
-void TCustomExGrid::RowHeightChanging(int Index, int& Value) {
-    if (OnRowHeightChanging) OnRowHeightChanging(Index, Value);
-}
+void TCustomExGrid::RowHeightChanging(int Index, int& Value) { FireEvent(OnRowHeightChanging, Index, Value); }
 
 void TCustomExGrid::RowHeightChanged(int Index, int Value) {
     const TControlGuard Guard(this);
-    if (OnRowHeightChanged) OnRowHeightChanged(Index, Value);
+    FireEvent(OnRowHeightChanged, Index, Value);
     if (Guard) Q_EMIT rowHeightChanged(Index, Value);
 }
 
@@ -323,7 +322,7 @@ void TCustomExGrid::SizeChanged(int, int) { Updatewidths(); }
 
 void TCustomExGrid::AppendRow() {
     const TControlGuard Guard(this);
-    if (OnAppendRow) OnAppendRow(this);
+    FireEvent(OnAppendRow, this);
     if (Guard) Q_EMIT appendRowRequested();
 }
 
@@ -365,13 +364,13 @@ void TCustomExGrid::MoveRow(int FromIndex, int ToIndex) {
 
 void TCustomExGrid::ColumnMoved(int FromIndex, int ToIndex) {
     const TControlGuard Guard(this);
-    if (OnColumnMoved) OnColumnMoved(this, FromIndex, ToIndex);
+    FireEvent(OnColumnMoved, this, FromIndex, ToIndex);
     if (Guard) Q_EMIT columnMoved(FromIndex, ToIndex);
 }
 
 void TCustomExGrid::RowMoved(int FromIndex, int ToIndex) {
     const TControlGuard Guard(this);
-    if (OnRowMoved) OnRowMoved(this, FromIndex, ToIndex);
+    FireEvent(OnRowMoved, this, FromIndex, ToIndex);
     if (Guard) Q_EMIT rowMoved(FromIndex, ToIndex);
 }
 

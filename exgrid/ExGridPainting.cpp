@@ -161,7 +161,7 @@ void TCustomExGrid::DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& 
     const int Width = GetClientWidth();
     const TRect R = Mirrored ? TRect{Width - Rect.Right, Rect.Top, Width - Rect.Left, Rect.Bottom} : Rect;
     const TOrientation Orientation(this, Mirrored, false);
-    OnDrawCell(this, ACanvas, ACol, ARow, R, State);
+    FireEvent(OnDrawCell, this, ACanvas, ACol, ARow, R, State);
 }
 
 // Both lines of thick ones take their colour from HorzLine; required so. A geometric pen is centred on its line, so

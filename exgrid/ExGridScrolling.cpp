@@ -103,7 +103,7 @@ bool TCustomExGrid::CanScrollPixels(int, int) { return true; }
 
 void TCustomExGrid::TopLeftChanged() {
     const TControlGuard Guard(this);
-    if (OnTopLeftChanged) OnTopLeftChanged(this);
+    FireEvent(OnTopLeftChanged, this);
     if (Guard) Q_EMIT topLeftChanged();
 }
 
@@ -251,6 +251,15 @@ void TCustomExGrid::MoveSingleColumn(unsigned ScrollCode, unsigned Pos, int Dire
     UpdateScrollPos();
 }
 
+// An only column that is scrolled further than its width asks for goes back.
+void TCustomExGrid::KeepHOffset() {
+    if (FHOffset < 1 || FColCount != 1) return;
+    TExGridDI DI;
+    CalcDI(DI);
+    const int Range = GetSingleColumnRange(DI);
+    if (FHOffset > Range) ModifyScrollBar(SB_HORZ, SB_THUMBPOSITION, static_cast<unsigned>(Range), false);
+}
+
 void TCustomExGrid::WMHScroll(TWMScroll& Message) {
     ModifyScrollBar(SB_HORZ, Message.ScrollCode, static_cast<unsigned>(std::max(0, Message.Pos)), true);
 }
@@ -279,13 +288,9 @@ void TCustomExGrid::UpdateScrollPos() {
     const TControlGuard Guard(this);
     if (HasBar(SB_HORZ)) {
         if (FColCount == 1) {
-            const int Range = GetSingleColumnRange(DI);
-            if (FHOffset < 1 || FHOffset <= Range) {
-                SetBarPos(SB_HORZ, FHOffset, Range);
-            } else {
-                // Scrolled further than the width asks for: back, which sets the position as well.
-                ModifyScrollBar(SB_HORZ, SB_THUMBPOSITION, static_cast<unsigned>(Range), false);
-            }
+            KeepHOffset();
+            if (!Guard) return;
+            SetBarPos(SB_HORZ, FHOffset, GetSingleColumnRange(DI));
         } else {
             SetBarPos(SB_HORZ, ScalePosition(FTopLeft.X - FFixedCols, MaxTopLeft.X - FFixedCols), BarScale);
         }
@@ -336,6 +341,12 @@ void TCustomExGrid::UpdateScrollRange() {
         SetRange(SB_HORZ, Horz);
         if (!Guard) return;
         const TGridCoord MaxTopLeft = Largest();
+        // A thumb is as long in its bar as the cells of the last page are among the scrollable ones.
+        SetScrollPage(SB_VERT,
+                      MulDiv(BarScale, FRowCount - MaxTopLeft.Y, std::max(1, MaxTopLeft.Y - FFixedRows)));
+        SetScrollPage(SB_HORZ, FColCount == 1 ? Width
+                                              : MulDiv(BarScale, FColCount - MaxTopLeft.X,
+                                                       std::max(1, MaxTopLeft.X - FFixedCols)));
         if (HasBar(SB_HORZ) && FColCount != 1 && MaxTopLeft.X < FTopLeft.X)
             FTopLeft.X = std::max(FFixedCols, MaxTopLeft.X);
         if (HasBar(SB_VERT) && MaxTopLeft.Y < FTopLeft.Y) FTopLeft.Y = std::max(FFixedRows, MaxTopLeft.Y);

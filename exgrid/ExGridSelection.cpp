@@ -127,7 +127,7 @@ void TCustomExGrid::MoveCurrent(int ACol, int ARow, bool AMoveAnchor, bool Show,
 
 bool TCustomExGrid::SelectCell(int& ACol, int& ARow, bool, TShiftState, TSelectionWay) {
     bool CanSelect = true;
-    if (OnSelectCell) OnSelectCell(this, ACol, ARow, CanSelect);
+    FireEvent(OnSelectCell, this, ACol, ARow, CanSelect);
     return CanSelect;
 }
 
