@@ -1,6 +1,7 @@
 #include "host/base/Strings.h"
 
 #include "host/base/Errors.h"
+#include "host/base/Events.h"
 #include "host/base/Files.h"
 #include "host/base/Numbers.h"
 #include "host/base/Streams.h"
@@ -250,17 +251,12 @@ void TStringList::SetUpdateState(bool Updating) {
     }
 }
 
-// The handlers are called through copies: one may replace itself or destroy the list.
 void TStringList::Changing() {
-    if (GetUpdateCount() > 0 || !OnChanging) return;
-    const TNotifyEvent Handler = OnChanging;
-    Handler(this);
+    if (GetUpdateCount() == 0) FireEvent(OnChanging, this);
 }
 
 void TStringList::Changed() {
-    if (GetUpdateCount() > 0 || !OnChange) return;
-    const TNotifyEvent Handler = OnChange;
-    Handler(this);
+    if (GetUpdateCount() == 0) FireEvent(OnChange, this);
 }
 
 } // namespace quill

@@ -3,6 +3,7 @@
 // on its own, so that what depends on it works without showing a window.
 #pragma once
 
+#include "host/base/Events.h"
 #include "host/base/Objects.h"
 #include "host/graphics/Canvas.h"
 #include "host/windows/Messages.h"
@@ -13,7 +14,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 
 class QScrollBar;
 
@@ -73,14 +73,6 @@ using TMouseWheelEvent =
     std::function<void(TObject* Sender, TShiftState Shift, int WheelDelta, TPoint MousePos, bool& Handled)>;
 using TMouseWheelUpDownEvent =
     std::function<void(TObject* Sender, TShiftState Shift, TPoint MousePos, bool& Handled)>;
-
-// Calls an event if it is assigned. Works on a copy, so that the handler may destroy the object that holds it.
-template <class... TParams, class... TArgs>
-void FireEvent(const std::function<void(TParams...)>& Event, TArgs&&... Args) {
-    if (!Event) return;
-    const std::function<void(TParams...)> Handler = Event;
-    Handler(std::forward<TArgs>(Args)...);
-}
 
 // Positions are client coordinates in device-independent pixels unless said otherwise. All protected operations of
 // the toolkit are public here, so that descendants and tests can call them through the base.
