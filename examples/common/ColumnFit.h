@@ -1,0 +1,15 @@
+// Column widths that suit what a tree shows.
+#pragma once
+
+namespace quill {
+class TCustomQuillTree;
+}
+
+namespace quill::examples {
+
+// Gives each column the width that its caption and its texts need, as far as the client width allows: the widest
+// columns give way first. Only the first few hundred nodes are measured, so that a huge tree costs no more. The last
+// column is left to FitColumnToClientWidth.
+void FitColumns(TCustomQuillTree& Tree);
+
+} // namespace quill::examples

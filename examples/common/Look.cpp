@@ -1,0 +1,96 @@
+#include "Look.h"
+
+#include "SafeFile.h"
+
+#include "quilltree/QuillTree.h"
+
+#include <QApplication>
+#include <QBuffer>
+#include <QFile>
+#include <QIcon>
+#include <QImage>
+#include <QPalette>
+#include <QPixmap>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace quill::examples {
+
+namespace {
+
+constexpr int PictureSize = 16;
+constexpr int RowPadding = 6; // around the text of a row, both sides together
+
+QImage Picture(const QString& Name, int Size) {
+    return QImage(QStringLiteral(":/icons/%1-%2.png").arg(Name).arg(Size));
+}
+
+TColor ColorOf(const QColor& Color) {
+    return static_cast<TColor>(Color.blue() << 16 | Color.green() << 8 | Color.red());
+}
+
+} // namespace
+
+void SetUpLook(bool Dark, bool RightToLeft) {
+    // The style of last resort is drawn as it was decades ago.
+    if (Dark || QApplication::style()->name().compare("windows", Qt::CaseInsensitive) == 0) {
+        QApplication::setStyle("Fusion");
+    }
+    if (Dark) {
+        QPalette Palette(QColor(53, 53, 56), QColor(35, 35, 38));
+        Palette.setColor(QPalette::Highlight, QColor(38, 90, 150));
+        Palette.setColor(QPalette::HighlightedText, Qt::white);
+        Palette.setColor(QPalette::Link, QColor(110, 170, 255));
+        QApplication::setPalette(Palette);
+    }
+    if (RightToLeft) QApplication::setLayoutDirection(Qt::RightToLeft);
+    QApplication::setWindowIcon(ProgramIcon());
+}
+
+QIcon ProgramIcon() {
+    QIcon Icon;
+    Icon.addPixmap(QPixmap::fromImage(Picture("quill", 64)));
+    Icon.addPixmap(QPixmap::fromImage(Picture("quill", 128)));
+    return Icon;
+}
+
+std::unique_ptr<TImageList> LoadPictures() {
+    auto Pictures = std::make_unique<TImageList>(nullptr, PictureSize, PictureSize);
+    QFile Order(":/icons/order.txt");
+    if (!Order.open(QIODevice::ReadOnly | QIODevice::Text)) return Pictures;
+    for (const QString& Name : QString::fromUtf8(Order.readAll()).split('\n', Qt::SkipEmptyParts)) {
+        TBitmap Bitmap;
+        Bitmap.SetImage(Picture(Name, PictureSize), 1.0);
+        Bitmap.AddImage(Picture(Name, 2 * PictureSize), 2.0);
+        Pictures->Add(Bitmap);
+    }
+    return Pictures;
+}
+
+void SetUpTree(TCustomQuillTree& Tree) {
+    Tree.GetCanvas()->SetFont(Tree.GetFont());
+    Tree.SetDefaultRowHeight(std::max(PictureSize + 4, Tree.GetCanvas()->TextHeight("Ag") + RowPadding));
+    Tree.SetFixedCols(0);
+    Tree.SetFixedRows(1);
+    Tree.SetFixedRowAsButton(true);
+    Tree.SetOptions(
+        {goFixedVertLine, goFixedHorzLine, goRangeSelect, goColSizing, goRowSelect, goThumbTracking});
+    Tree.SetFitColumnToClientWidth(true);
+    Tree.SetHotTrackColor(ColorOf(Tree.palette().color(QPalette::Link)));
+    Tree.SetBorderStyle(bsNone);
+}
+
+void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft) {
+    QApplication::setLayoutDirection(RightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    Tree.SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight);
+}
+
+void SaveScreenshot(QWidget& Window, const std::string& FileName) {
+    QApplication::processEvents();
+    QBuffer Png;
+    if (!Window.grab().save(&Png, "PNG")) throw ESaveError("The window gave no picture");
+    WriteFileSafely(FileName, Png.data().toStdString());
+}
+
+} // namespace quill::examples

@@ -1,0 +1,50 @@
+// How the example programs look: style, colours, pictures, and a tree that is set up for the user's font.
+#pragma once
+
+#include "host/graphics/ImageLists.h"
+
+#include <memory>
+#include <string>
+
+class QIcon;
+class QWidget;
+
+namespace quill {
+class TCustomQuillTree;
+}
+
+namespace quill::examples {
+
+// The pictures of the image list, in the order of order.txt beside them.
+enum TPicture {
+    picFolder,
+    picFolderOpen,
+    picDocument,
+    picPicture,
+    picArchive,
+    picCode,
+    picLink,
+    picStar,
+    picUser,
+    picNote,
+    picGlobe,
+    picLeaf,
+    picMusic,
+    picHeart
+};
+
+// The toolkit's own style where the platform brings none, and always for dark colours.
+void SetUpLook(bool Dark, bool RightToLeft);
+QIcon ProgramIcon();
+
+// 16 x 16 pixels, sharp at twice the scale.
+std::unique_ptr<TImageList> LoadPictures();
+
+// Rows as high as the font needs, a row of captions, whole rows selected, lines and colours of the palette.
+void SetUpTree(TCustomQuillTree& Tree);
+void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft);
+
+// Writes the window as it is shown, in PNG. Raises ESaveError.
+void SaveScreenshot(QWidget& Window, const std::string& FileName);
+
+} // namespace quill::examples

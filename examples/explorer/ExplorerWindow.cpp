@@ -1,0 +1,139 @@
+#include "ExplorerWindow.h"
+
+#include "../common/ColumnFit.h"
+#include "../common/Look.h"
+#include "../common/OutlineFile.h"
+#include "../common/ToolIcons.h"
+#include "../common/TreeStatus.h"
+#include "../common/ViewMenu.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace quill::examples {
+
+namespace {
+
+// All that a directory tree has: pictures, cells, what is expanded.
+constexpr TSaveNodesOptions SavedFields{tsnIncludeImageIndex, tsnIncludeSelectedIndex, tsnIncludeCells,
+                                        tsnIncludeExpands};
+
+} // namespace
+
+TExplorerWindow::TExplorerWindow() : FPictures(LoadPictures()), FTree(new TQuillTree(this)) {
+    SetUpTree(*FTree);
+    FTree->SetImages(FPictures.get());
+    FTree->OnGetEditText = [this](TObject*, int ACol, int ARow, std::string& Value) {
+        // The caption row, and node texts for the search for typed letters, which asks nobody else.
+        if (ARow < FTree->GetFixedRows()) {
+            Value = CaptionOf(ExplorerCaptions(), FTree->GetColumnOrder(ACol));
+        } else if (ACol == FTree->GetStructureCol()) {
+            if (TFlyNode* Node = FTree->GetNodeAtRow(ARow)) Value = Node->GetText();
+        }
+    };
+    FFiller = std::make_unique<TDirectoryFiller>(FTree);
+    setCentralWidget(FTree);
+
+    QToolBar* Tools = addToolBar(tr("Tools"));
+    Tools->setMovable(false);
+    Tools->setIconSize(QSize(16, 16));
+    MakeMenus(Tools);
+    FStatus = new TTreeStatus(statusBar(), FTree);
+    FStatus->NodeCount = [this] { return FFiller->GetNodeCount(); };
+    FStatus->Text = [this] { return QString::fromStdString(FFiller->PathOf(FTree->GetSelection())); };
+    FTree->setFocus();
+}
+
+void TExplorerWindow::MakeMenus(QToolBar* Tools) {
+    const QColor Color = palette().color(QPalette::ButtonText);
+    QMenu* File = menuBar()->addMenu(tr("&File"));
+    QAction* Open = File->addAction(MakeToolIcon(tiOpen, Color), tr("&Open Folder..."), this,
+                                    &TExplorerWindow::AskAndOpen);
+    Open->setShortcut(QKeySequence::Open);
+    QAction* Save = File->addAction(MakeToolIcon(tiSave, Color), tr("&Save as Outline..."), this,
+                                    &TExplorerWindow::AskAndSave);
+    Save->setShortcut(QKeySequence::Save);
+    File->addSeparator();
+    QAction* Quit = File->addAction(tr("&Quit"), this, &QWidget::close);
+    Quit->setShortcut(QKeySequence::Quit);
+
+    QMenu* View = menuBar()->addMenu(tr("&View"));
+    QAction* Refresh = View->addAction(MakeToolIcon(tiRefresh, Color), tr("R&efresh Folder"), this, [this] {
+        FFiller->Refresh(FTree->GetSelection());
+        FStatus->Touch();
+    });
+    Refresh->setShortcut(QKeySequence::Refresh);
+    // All that has been read: reading everything there is could take hours.
+    QAction* Collapse = View->addAction(MakeToolIcon(tiCollapseAll, Color), tr("Colla&pse All"), this,
+                                        [this] { FTree->FullCollapse(); });
+    Collapse->setShortcut(tr("Ctrl+Shift+E"));
+    View->addSeparator();
+    new TViewMenu(View, FTree);
+
+    menuBar()->addMenu(tr("&Help"))->addAction(tr("&About"), this, &TExplorerWindow::About);
+    Tools->addActions({Open, Save});
+    Tools->addSeparator();
+    Tools->addActions({Refresh, Collapse});
+}
+
+void TExplorerWindow::OpenRoot(const std::string& Path) {
+    try {
+        FFiller->OpenRoot(Path);
+    } catch (const EDirectoryError& Error) {
+        throw EDirectoryError("Cannot open \"" + Path + "\": " + Error.GetMessage());
+    }
+    setWindowTitle(QString::fromStdString(Path));
+    FStatus->Touch();
+    if (isVisible()) FitColumns(*FTree);
+}
+
+void TExplorerWindow::SaveOutlineFile(const std::string& FileName) {
+    SaveOutline(FileName, *FTree->GetItems(), SavedFields);
+    SaveCaptions(FileName, ExplorerCaptions());
+}
+
+void TExplorerWindow::AskAndOpen() {
+    const QString Old = QString::fromStdString(FFiller->PathOf(FTree->GetSelection()));
+    const QString Path = QFileDialog::getExistingDirectory(this, tr("Open a Folder"), Old);
+    if (Path.isEmpty()) return;
+    try {
+        OpenRoot(Path.toStdString());
+    } catch (const Exception& Error) {
+        QMessageBox::critical(this, tr("Open a Folder"), QString::fromStdString(Error.GetMessage()));
+    }
+}
+
+void TExplorerWindow::AskAndSave() {
+    const QString Name = QFileDialog::getSaveFileName(
+        this, tr("Save as Outline"), QStringLiteral("folder.nodes"), tr("Outlines (*.nodes);;All files (*)"));
+    if (Name.isEmpty()) return;
+    try {
+        SaveOutlineFile(Name.toStdString());
+    } catch (const Exception& Error) {
+        QMessageBox::critical(this, tr("Save as Outline"), QString::fromStdString(Error.GetMessage()));
+    }
+}
+
+void TExplorerWindow::About() {
+    QMessageBox Box(this);
+    Box.setWindowTitle(tr("About the Explorer"));
+    Box.setIconPixmap(ProgramIcon().pixmap(64));
+    Box.setText(tr("<h3>Explorer</h3>"));
+    Box.setInformativeText(
+        tr("Shows a folder and what is below it, read as it is opened. An example program of the "
+           "Quill controls."));
+    Box.exec();
+}
+
+// Columns can be fitted only when the layout has given the tree its place.
+void TExplorerWindow::showEvent(QShowEvent* Event) {
+    QMainWindow::showEvent(Event);
+    if (FFitPending) FitColumns(*FTree);
+    FFitPending = false;
+}
+
+} // namespace quill::examples

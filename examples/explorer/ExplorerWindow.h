@@ -1,0 +1,48 @@
+// The window of the explorer: a directory tree and its menus.
+#pragma once
+
+#include "DirectoryFiller.h"
+
+#include "host/graphics/ImageLists.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <string>
+
+class QToolBar;
+
+namespace quill::examples {
+
+class TTreeStatus;
+
+class TExplorerWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    TExplorerWindow();
+
+    TQuillTree* GetTree() const { return FTree; }
+    // Raises EDirectoryError and leaves what is shown when the directory cannot be read.
+    void OpenRoot(const std::string& Path);
+    void ExpandLevels(int Levels) { FFiller->ExpandLevels(Levels); }
+    // Writes what has been read so far as a nodes file. Raises ESaveError.
+    void SaveOutlineFile(const std::string& FileName);
+
+protected:
+    void showEvent(QShowEvent* Event) override;
+
+private:
+    void MakeMenus(QToolBar* Tools);
+    void AskAndOpen();
+    void AskAndSave();
+    void About();
+
+    std::unique_ptr<TImageList> FPictures;
+    TQuillTree* FTree;
+    std::unique_ptr<TDirectoryFiller> FFiller;
+    TTreeStatus* FStatus;
+    bool FFitPending = true;
+};
+
+} // namespace quill::examples

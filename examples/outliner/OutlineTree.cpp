@@ -1,0 +1,111 @@
+#include "OutlineTree.h"
+
+#include "../common/Look.h"
+
+#include <algorithm>
+
+namespace quill::examples {
+
+namespace {
+
+// The state indexes that the user can change; the others are shown as they are.
+enum TState { stOpen = 1, stDone = 2, stChosen = 4, stNotChosen = 5 };
+
+} // namespace
+
+TOutlineTree::TOutlineTree(QWidget* AParent) : TQuillTree(AParent) {
+    SetUpTree(*this);
+    OnGetEditText = [this](TObject*, int ACol, int ARow, std::string& Value) { CellText(ACol, ARow, Value); };
+    ShowNothing();
+}
+
+void TOutlineTree::ShowNothing() {
+    TOutline Empty;
+    Empty.Bytes = std::make_unique<TMemoryStream>();
+    ShowOutline(Empty, {});
+}
+
+void TOutlineTree::ShowOutline(const TOutline& Outline, std::vector<std::string> Captions) {
+    FReading = true;
+    FCaptions = std::move(Captions);
+    GetItems()->Clear();
+    // Tags are kept as they stand in the file only by a tree that numbers its nodes.
+    SetUniqueTags(Outline.HasTags);
+    SetShowImages(Outline.Options.Contains(tsnIncludeImageIndex));
+    SetShowLogic(Outline.Options.Contains(tsnIncludeStateIndex));
+    SetColCount(std::max(Outline.ColumnCount, static_cast<int>(FCaptions.size())));
+    LoadOutline(Outline, *GetItems());
+    SetTopRow(GetFixedRows());
+    if (TFlyNode* First = GetNodeAtRow(GetFixedRows())) SetSelection(First);
+    FReading = false;
+}
+
+// The texts of the caption row. The structure column must answer for nodes too, since the search for typed letters
+// asks nobody else; all other cells show what the nodes hold when nothing is answered.
+void TOutlineTree::CellText(int ACol, int ARow, std::string& Value) {
+    if (ARow < GetFixedRows()) {
+        Value = CaptionOf(FCaptions, GetColumnOrder(ACol));
+    } else if (ACol == GetStructureCol()) {
+        if (TFlyNode* Node = GetNodeAtRow(ARow)) Value = Node->GetText();
+    }
+}
+
+std::string TOutlineTree::SelectedText() {
+    std::vector<TFlyNode*> Nodes;
+    FillSelectedList(Nodes);
+    std::string Text;
+    for (TFlyNode* Node : Nodes) {
+        for (int Col = 0; Col < GetColCount(); ++Col) {
+            if (Col > 0) Text += '\t';
+            Text += GetNodeData(Node, Col);
+        }
+        Text += '\n';
+    }
+    return Text;
+}
+
+// --- check marks -------------------------------------------------------------------------------------------------
+
+// The control asks here before a state changes, whoever changes it: the space key, a click, a file being loaded.
+bool TOutlineTree::ChangeState(TFlyNode* Node, int NewState) {
+    if (!TQuillTree::ChangeState(Node, NewState)) return false;
+    if (!FReading) {
+        if (NewState == stChosen) ClearChoices(Node);
+        Q_EMIT stateEdited();
+    }
+    return true;
+}
+
+// Of a group of radio buttons, one is chosen.
+void TOutlineTree::ClearChoices(TFlyNode* Chosen) {
+    TFlyNode* Parent = Chosen->GetParent();
+    for (TFlyNode* Node = Parent ? Parent->GetFirstChild() : GetItems()->GetFirstNode(); Node;
+         Node = Node->GetNextSibling()) {
+        if (Node == Chosen || Node->GetStateIndex() != stChosen) continue;
+        Node->SetStateIndexField(stNotChosen);
+        InvalidateCell(GetStructureCol(), Node->GetRow());
+    }
+}
+
+void TOutlineTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    const bool OnMark = Button == mbLeft && GetHitTestInfoAt(X, Y).Contains(htOnStateIcon);
+    const TControlGuard Guard(this);
+    const TNodeWatch Node(OnMark ? GetNodeAt(X, Y) : nullptr);
+    TQuillTree::MouseDown(Button, Shift, X, Y);
+    if (!Guard || !Node) return;
+    switch (Node->GetStateIndex()) {
+    case stOpen:
+        Node->SetStateIndex(stDone);
+        break;
+    case stDone:
+        Node->SetStateIndex(stOpen);
+        break;
+    case stNotChosen:
+        Node->SetStateIndex(stChosen);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace quill::examples

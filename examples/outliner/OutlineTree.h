@@ -1,0 +1,42 @@
+// The tree of the outliner: shows an outline with captions, and ticks what the user clicks.
+#pragma once
+
+#include "../common/OutlineFile.h"
+
+#include "quilltree/QuillTree.h"
+
+#include <string>
+#include <vector>
+
+namespace quill::examples {
+
+class TOutlineTree : public TQuillTree {
+    Q_OBJECT
+
+public:
+    explicit TOutlineTree(QWidget* AParent);
+
+    // Replaces nodes, columns and captions. Pictures and check marks are shown when the outline has any.
+    void ShowOutline(const TOutline& Outline, std::vector<std::string> Captions);
+    void ShowNothing();
+    const std::vector<std::string>& GetCaptions() const { return FCaptions; }
+
+    // The selected rows as lines, their cells separated by tabs.
+    std::string SelectedText();
+
+    bool ChangeState(TFlyNode* Node, int NewState) override;
+    void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+
+Q_SIGNALS:
+    // The user ticked a node.
+    void stateEdited();
+
+private:
+    void CellText(int ACol, int ARow, std::string& Value);
+    void ClearChoices(TFlyNode* Chosen);
+
+    std::vector<std::string> FCaptions;
+    bool FReading = false;
+};
+
+} // namespace quill::examples

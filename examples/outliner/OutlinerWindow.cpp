@@ -1,0 +1,227 @@
+#include "OutlinerWindow.h"
+
+#include "OutlineTree.h"
+
+#include "../common/ColumnFit.h"
+#include "../common/Look.h"
+#include "../common/SafeFile.h"
+#include "../common/ToolIcons.h"
+#include "../common/TreeStatus.h"
+#include "../common/ViewMenu.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace quill::examples {
+
+namespace {
+
+const char* const FileFilter = "Outlines (*.nodes);;All files (*)";
+
+} // namespace
+
+TOutlinerWindow::TOutlinerWindow() : FPictures(LoadPictures()), FTree(new TOutlineTree(this)) {
+    FTree->SetImages(FPictures.get());
+    setCentralWidget(FTree);
+
+    QToolBar* Tools = addToolBar(tr("Tools"));
+    Tools->setMovable(false);
+    Tools->setIconSize(QSize(16, 16));
+    MakeFileMenu(Tools);
+    MakeEditMenu();
+    MakeViewMenu(Tools);
+    MakeHelpMenu();
+
+    FStatus = new TTreeStatus(statusBar(), FTree);
+    FStatus->NodeCount = [this] { return FNodeCount; };
+    FStatus->Text = [this] { return StatusText(); };
+
+    connect(FTree, &TOutlineTree::expanded, this, &TOutlinerWindow::ViewChanged);
+    connect(FTree, &TOutlineTree::collapsed, this, &TOutlinerWindow::ViewChanged);
+    connect(FTree, &TOutlineTree::stateEdited, this, [this] { SetModified(true); });
+    DocumentChanged();
+    FTree->setFocus();
+}
+
+// --- menus -------------------------------------------------------------------------------------------------------
+
+void TOutlinerWindow::MakeFileMenu(QToolBar* Tools) {
+    const QColor Color = palette().color(QPalette::ButtonText);
+    QMenu* Menu = menuBar()->addMenu(tr("&File"));
+    QAction* New = Menu->addAction(MakeToolIcon(tiNew, Color), tr("&New"), this, [this] {
+        if (MayClose()) NewOutline();
+    });
+    New->setShortcut(QKeySequence::New);
+    QAction* Open =
+        Menu->addAction(MakeToolIcon(tiOpen, Color), tr("&Open..."), this, &TOutlinerWindow::AskAndOpen);
+    Open->setShortcut(QKeySequence::Open);
+    QAction* SaveIt = Menu->addAction(MakeToolIcon(tiSave, Color), tr("&Save"), this, &TOutlinerWindow::Save);
+    SaveIt->setShortcut(QKeySequence::Save);
+    QAction* SaveAs = Menu->addAction(tr("Save &As..."), this, &TOutlinerWindow::AskAndSave);
+    SaveAs->setShortcut(QKeySequence::SaveAs);
+    Menu->addSeparator();
+    QAction* Quit = Menu->addAction(tr("&Quit"), this, &QWidget::close);
+    Quit->setShortcut(QKeySequence::Quit);
+
+    Tools->addActions({New, Open, SaveIt});
+    Tools->addSeparator();
+}
+
+void TOutlinerWindow::MakeEditMenu() {
+    QMenu* Menu = menuBar()->addMenu(tr("&Edit"));
+    QAction* Copy = Menu->addAction(tr("&Copy Rows"), this, &TOutlinerWindow::CopySelected);
+    Copy->setShortcut(QKeySequence::Copy);
+}
+
+void TOutlinerWindow::MakeViewMenu(QToolBar* Tools) {
+    const QColor Color = palette().color(QPalette::ButtonText);
+    QMenu* Menu = menuBar()->addMenu(tr("&View"));
+    QAction* Expand = Menu->addAction(MakeToolIcon(tiExpandAll, Color), tr("E&xpand All"), this,
+                                      &TOutlinerWindow::ExpandAll);
+    Expand->setShortcut(tr("Ctrl+E"));
+    QAction* Collapse = Menu->addAction(MakeToolIcon(tiCollapseAll, Color), tr("Colla&pse All"), this,
+                                        &TOutlinerWindow::CollapseAll);
+    Collapse->setShortcut(tr("Ctrl+Shift+E"));
+    Menu->addSeparator();
+    new TViewMenu(Menu, FTree);
+    Tools->addActions({Expand, Collapse});
+}
+
+void TOutlinerWindow::MakeHelpMenu() {
+    QMenu* Menu = menuBar()->addMenu(tr("&Help"));
+    Menu->addAction(tr("&About"), this, &TOutlinerWindow::About);
+}
+
+// --- the document ------------------------------------------------------------------------------------------------
+
+void TOutlinerWindow::NewOutline() {
+    FFileName.clear();
+    FOptions = DefaultOptions();
+    FNodeCount = 0;
+    FTree->ShowNothing();
+    DocumentChanged();
+}
+
+void TOutlinerWindow::OpenFile(const std::string& FileName) {
+    TOutline Outline = ReadOutline(FileName);
+    FTree->ShowOutline(Outline, ReadCaptions(FileName));
+    FFileName = FileName;
+    FOptions = Outline.Options;
+    FNodeCount = Outline.NodeCount;
+    DocumentChanged();
+}
+
+void TOutlinerWindow::SaveFile(const std::string& FileName) {
+    SaveOutline(FileName, *FTree->GetItems(), FOptions);
+    SaveCaptions(FileName, FTree->GetCaptions());
+    FFileName = FileName;
+    FViewChanged = false;
+    SetModified(false);
+}
+
+void TOutlinerWindow::AskAndOpen() {
+    if (!MayClose()) return;
+    const QString Folder = QFileInfo(QString::fromStdString(FFileName)).path();
+    const QString Name = QFileDialog::getOpenFileName(this, tr("Open an Outline"), Folder, tr(FileFilter));
+    if (Name.isEmpty()) return;
+    try {
+        OpenFile(Name.toStdString());
+    } catch (const Exception& Error) {
+        QMessageBox::critical(this, tr("Open an Outline"), QString::fromStdString(Error.GetMessage()));
+    }
+}
+
+bool TOutlinerWindow::Save() { return FFileName.empty() ? AskAndSave() : TrySave(FFileName); }
+
+bool TOutlinerWindow::AskAndSave() {
+    const QString Old =
+        FFileName.empty() ? QStringLiteral("untitled.nodes") : QString::fromStdString(FFileName);
+    const QString Name = QFileDialog::getSaveFileName(this, tr("Save the Outline"), Old, tr(FileFilter));
+    return !Name.isEmpty() && TrySave(Name.toStdString());
+}
+
+bool TOutlinerWindow::TrySave(const std::string& FileName) {
+    try {
+        SaveFile(FileName);
+        return true;
+    } catch (const Exception& Error) {
+        QMessageBox::critical(this, tr("Save the Outline"), QString::fromStdString(Error.GetMessage()));
+        return false;
+    }
+}
+
+bool TOutlinerWindow::MayClose() {
+    if (!isWindowModified()) return true;
+    const auto Answer = QMessageBox::question(this, tr("Unsaved Changes"),
+                                              tr("Save the changes to \"%1\"?").arg(DocumentName()),
+                                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    return Answer == QMessageBox::Discard || (Answer == QMessageBox::Save && Save());
+}
+
+void TOutlinerWindow::closeEvent(QCloseEvent* Event) { Event->setAccepted(MayClose()); }
+
+// Columns can be fitted only when the layout has given the tree its place.
+void TOutlinerWindow::showEvent(QShowEvent* Event) {
+    QMainWindow::showEvent(Event);
+    if (FFitPending) FitColumns(*FTree);
+    FFitPending = false;
+}
+
+// --- view and state ----------------------------------------------------------------------------------------------
+
+void TOutlinerWindow::ExpandAll() { FTree->FullExpand(); }
+void TOutlinerWindow::CollapseAll() { FTree->FullCollapse(); }
+
+void TOutlinerWindow::ViewChanged() { FViewChanged = FOptions.Contains(tsnIncludeExpands); }
+
+void TOutlinerWindow::SetModified(bool Value) {
+    setWindowModified(Value);
+    setWindowTitle(DocumentName() + "[*]");
+    FStatus->Touch();
+}
+
+void TOutlinerWindow::DocumentChanged() {
+    FViewChanged = false;
+    SetModified(false);
+    if (isVisible()) {
+        FitColumns(*FTree);
+    } else {
+        FFitPending = true;
+    }
+}
+
+QString TOutlinerWindow::DocumentName() const {
+    return FFileName.empty() ? tr("Untitled") : QFileInfo(QString::fromStdString(FFileName)).fileName();
+}
+
+QString TOutlinerWindow::StatusText() const {
+    const QString Name = FFileName.empty() ? tr("Untitled") : QString::fromStdString(FFileName);
+    if (isWindowModified()) return tr("%1 (modified)").arg(Name);
+    return FViewChanged ? tr("%1 (view changed)").arg(Name) : Name;
+}
+
+void TOutlinerWindow::CopySelected() {
+    const std::string Text = FTree->SelectedText();
+    if (!Text.empty()) QApplication::clipboard()->setText(QString::fromStdString(Text));
+}
+
+void TOutlinerWindow::About() {
+    QMessageBox Box(this);
+    Box.setWindowTitle(tr("About the Outliner"));
+    Box.setIconPixmap(ProgramIcon().pixmap(64));
+    Box.setText(tr("<h3>Outliner</h3>"));
+    Box.setInformativeText(
+        tr("Opens, shows and saves outlines in the nodes text format. An example program of the "
+           "Quill controls."));
+    Box.exec();
+}
+
+} // namespace quill::examples

@@ -1,0 +1,74 @@
+// The window of the outliner: one outline, its menus and its file.
+#pragma once
+
+#include "../common/OutlineFile.h"
+
+#include "host/graphics/ImageLists.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <string>
+
+class QToolBar;
+
+namespace quill::examples {
+
+class TOutlineTree;
+class TTreeStatus;
+
+class TOutlinerWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    TOutlinerWindow();
+
+    TOutlineTree* GetTree() const { return FTree; }
+    // Shows a file. Raises EOutlineError and leaves the open outline as it is when the file is not good.
+    void OpenFile(const std::string& FileName);
+    // Raises ESaveError and leaves the old file as it is.
+    void SaveFile(const std::string& FileName);
+    // Shows an outline without nodes.
+    void NewOutline();
+
+    void ExpandAll();
+    void CollapseAll();
+
+protected:
+    void closeEvent(QCloseEvent* Event) override;
+    void showEvent(QShowEvent* Event) override;
+
+private:
+    void MakeFileMenu(QToolBar* Tools);
+    void MakeEditMenu();
+    void MakeViewMenu(QToolBar* Tools);
+    void MakeHelpMenu();
+
+    void AskAndOpen();
+    bool Save();
+    bool AskAndSave();
+    // Saves under that name and tells the user when it fails.
+    bool TrySave(const std::string& FileName);
+    // Whether the open outline may go: it has no unsaved changes, or the user does not want them.
+    bool MayClose();
+    void CopySelected();
+    void About();
+
+    void ViewChanged();
+    void SetModified(bool Value);
+    void DocumentChanged();
+    QString DocumentName() const;
+    QString StatusText() const;
+
+    std::unique_ptr<TImageList> FPictures;
+    TOutlineTree* FTree;
+    TTreeStatus* FStatus;
+    std::string FFileName; // empty for an outline that has none yet
+    TSaveNodesOptions FOptions = DefaultOptions();
+    int FNodeCount = 0;
+    // Nodes are open or closed otherwise than in the file. Said in the status bar, but nothing to ask about.
+    bool FViewChanged = false;
+    bool FFitPending = true;
+};
+
+} // namespace quill::examples

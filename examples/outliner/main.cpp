@@ -1,0 +1,113 @@
+// An outliner: opens, shows and saves outlines in the nodes text format.
+#include "OutlinerWindow.h"
+#include "OutlineTree.h"
+#include "RoundTrip.h"
+
+#include "../common/Look.h"
+#include "../common/ProgramOptions.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+
+#include <map>
+
+using namespace quill;
+using namespace quill::examples;
+
+namespace {
+
+const char* const Description =
+    "Opens, shows and saves outlines in the nodes text format.\n\n"
+    "Captions of the columns are read from a file beside the outline whose name ends in .columns instead of\n"
+    ".nodes, one line of comma text.";
+
+struct TArguments {
+    TProgramOptions Common;
+    std::string File;
+    std::vector<std::string> RoundTrip;
+    TOutlineStyle Style = olsStandardTree;
+    bool ExpandAll = false;
+};
+
+TArguments ReadArguments() {
+    QCommandLineParser Parser;
+    Parser.setApplicationDescription(Description);
+    AddCommonOptions(Parser);
+    Parser.addOptions({
+        {"file", "Open FILE.", "FILE"},
+        {"expand-all", "Open all nodes first."},
+        {"style", "Draw the outline as NAME: standard, explorer or solid.", "NAME", "standard"},
+        {"roundtrip",
+         "Load and save the FILES with all options that keep their fields, compare the bytes, and end."},
+    });
+    Parser.addPositionalArgument("FILE", "The outline to open.", "[FILE...]");
+    Parser.process(*QCoreApplication::instance());
+
+    TArguments Arguments;
+    Arguments.Common = ReadCommonOptions(Parser);
+    Arguments.ExpandAll = Parser.isSet("expand-all");
+    QStringList Files = Parser.values("file") + Parser.positionalArguments();
+    if (Parser.isSet("roundtrip")) {
+        if (Files.isEmpty()) std::exit(ReportError("--roundtrip needs files"));
+        for (const QString& Name : Files) Arguments.RoundTrip.push_back(Name.toStdString());
+    } else if (Files.size() > 1) {
+        std::exit(ReportError("only one outline can be open"));
+    } else if (!Files.isEmpty()) {
+        Arguments.File = Files.first().toStdString();
+    }
+
+    const std::map<QString, TOutlineStyle> Styles{
+        {"standard", olsStandardTree}, {"explorer", olsExplorer}, {"solid", olsExcel}, {"excel", olsExcel}};
+    const auto Style = Styles.find(Parser.value("style"));
+    if (Style == Styles.end()) {
+        std::exit(ReportError("there is no outline style \"" + Parser.value("style").toStdString() + "\""));
+    }
+    Arguments.Style = Style->second;
+    return Arguments;
+}
+
+// What needs no user. Raises what goes wrong.
+void RunBatch(TOutlinerWindow& Window, const TProgramOptions& Options) {
+    if (!Options.SaveAs.empty()) Window.SaveFile(Options.SaveAs);
+    if (Options.Screenshot.empty()) return;
+    Window.show();
+    SaveScreenshot(Window, Options.Screenshot);
+}
+
+} // namespace
+
+int main(int ArgCount, char** Args) {
+    ChoosePlatform(ArgCount, Args);
+    QApplication Program(ArgCount, Args);
+    QApplication::setApplicationName("outliner");
+    QApplication::setApplicationDisplayName("Outliner");
+    const TArguments Arguments = ReadArguments();
+    SetUpLook(Arguments.Common.Dark, Arguments.Common.RightToLeft);
+    if (!Arguments.RoundTrip.empty()) return RoundTrip(Arguments.RoundTrip) ? EXIT_SUCCESS : EXIT_FAILURE;
+
+    TOutlinerWindow Window;
+    Window.resize(Arguments.Common.Size);
+    Window.GetTree()->SetOutlineStyle(Arguments.Style);
+    if (Arguments.Common.RightToLeft) SetRightToLeft(*Window.GetTree(), true);
+    std::string Fault;
+    try {
+        if (!Arguments.File.empty()) Window.OpenFile(Arguments.File);
+        if (Arguments.ExpandAll) Window.ExpandAll();
+        if (Arguments.Common.IsBatch()) {
+            RunBatch(Window, Arguments.Common);
+            return EXIT_SUCCESS;
+        }
+    } catch (const Exception& Error) {
+        Fault = Error.GetMessage();
+    }
+    if (Arguments.Common.IsBatch()) return ReportError(Fault);
+
+    Window.show();
+    if (!Fault.empty()) {
+        QTimer::singleShot(0, &Window, [&Window, Fault] {
+            QMessageBox::critical(&Window, QObject::tr("Open an Outline"), QString::fromStdString(Fault));
+        });
+    }
+    return QApplication::exec();
+}
