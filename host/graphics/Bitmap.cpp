@@ -28,7 +28,9 @@ int DeviceSide(int Units, double Scale) {
     return static_cast<int>(std::min(std::ceil(Units * Scale - 1e-6), LargestSide));
 }
 
-QImage Usable(const QImage& Image) {
+QImage Usable(QImage Image) {
+    // Qt reads a ratio from names with "@2x"; here the representation knows its scale and pixels are pixels.
+    Image.setDevicePixelRatio(1.0);
     if (pixels::IsSupported(Image)) return Image;
     return Image.convertToFormat(Image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
                                                          : QImage::Format_RGB32);

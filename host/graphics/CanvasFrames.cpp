@@ -39,9 +39,9 @@ public:
             FOuterFar = QColor(Color(clBtnHighlight));
             // On a white ground a white edge would open the box.
             if (qGray(Window) - qGray(FOuterFar.rgb()) < 12)
-                FOuterFar = Blend(Window, Color(clBtnShadow), 0.35);
-            FInnerNear = QColor(Color(cl3DDkShadow));
-            FInnerFar = QColor(Color(cl3DLight));
+                FOuterFar = Blend(Window, Color(clBtnShadow), 0.75);
+            FInnerNear = Blend(Color(cl3DDkShadow), Color(clBtnShadow), 0.4);
+            FInnerFar = FInside;
         }
     }
 
@@ -145,7 +145,7 @@ void TCanvas::DrawFrameControl(const TRect& Rect, unsigned Type, unsigned State)
     const int Side = std::min(Device.width(), Device.height());
     if (Side < 3 || Side > 1024) return;
     const TSystemColors& Colors = FState->System();
-    QImage& Image = Colors.Checks[{Side, State & CheckStates}];
+    QImage& Image = Colors.Checks[{Side, Hairline(), State & CheckStates}];
     if (Image.isNull()) Image = TCheckPainter(Colors, Side, Hairline(), State).Paint();
     Painter().drawImage(Device.left() + (Device.width() - Side) / 2,
                         Device.top() + (Device.height() - Side) / 2, Image);

@@ -16,16 +16,17 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace quill {
 
 // The system colours of one palette as pixels, shared by all canvases with that palette, and the check boxes and
-// radio buttons drawn in them, by side and state.
+// radio buttons drawn in them, by side, line width and state.
 struct TSystemColors {
     std::array<QRgb, 0x19> Colors{};
     bool IsDark = false;
-    mutable std::map<std::pair<int, unsigned>, QImage> Checks;
+    mutable std::map<std::tuple<int, int, unsigned>, QImage> Checks;
 };
 std::shared_ptr<const TSystemColors> SystemColorsOf(const QPalette& Palette);
 

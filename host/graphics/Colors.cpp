@@ -108,6 +108,13 @@ QColor MutedHighlight(const QPalette& Palette) {
     }
     const QColor Away = Luminance(Text) > 0.18 ? QColor(Qt::black) : QColor(Qt::white);
     for (int Step = 0; Step < 20 && Contrast(Result, Text) < 4.5; ++Step) Result = Mixed(Result, Away, 0.1);
+    // Dark on dark: as visible as the text allows.
+    const QColor Base = Palette.color(QPalette::Active, QPalette::Base);
+    for (int Step = 0; Step < 20 && Contrast(Result, Base) < 1.7; ++Step) {
+        const QColor Nearer = Mixed(Result, Text, 0.05);
+        if (Contrast(Nearer, Text) < 4.5) break;
+        Result = Nearer;
+    }
     return Result;
 }
 

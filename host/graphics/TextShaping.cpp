@@ -62,6 +62,7 @@ struct TCache {
     std::size_t Bytes = 0;
     std::uint64_t Hits = 0;
     std::uint64_t Misses = 0;
+    std::uint64_t Placed = 0;
     std::uint32_t LastFaceId = 0;
     // Counts the times that faces were dropped, so that remembered ones are looked up again.
     unsigned Generation = 1;
@@ -169,6 +170,15 @@ public:
     }
 
 private:
+    static const TBlock& EllipsisOf(const TFace& Face) {
+        if (!Face.Ellipsis) {
+            auto Block = std::make_shared<TBlock>();
+            TShaper(Face, *Block, 0, 0).Run("\u2026");
+            Face.Ellipsis = Block;
+        }
+        return *Face.Ellipsis;
+    }
+
     void Paragraph(std::string_view Bytes) {
         QString Text = ToQString(Bytes);
         BlankControls(Text);
@@ -178,6 +188,7 @@ private:
             return;
         }
         const bool Wraps = (FFlags & WordWrap) != 0;
+        if (!Wraps && Mark < 0 && (FFlags & RightToLeft) == 0 && Placed(Text)) return;
         QTextLayout Layout(Text, FFace.Font);
         Prepare(Layout, Wraps ? QTextOption::WordWrap : QTextOption::NoWrap, !Wraps);
         Layout.beginLayout();
@@ -189,6 +200,45 @@ private:
             return;
         }
         for (int I = 0; I < Layout.lineCount(); ++I) Take(Layout.lineAt(I), Mark);
+        if (!Wraps && (FFlags & RightToLeft) == 0 && FBlock.Lines.back().RunCount == 1)
+            FFace.Glyphs.Learn(FFace.Font, Text, FBlock.Runs.back(), Layout.lineAt(0).naturalTextWidth());
+    }
+
+    // Makes the line from the glyphs that are known of the face, when they suffice.
+    bool Placed(const QString& Text) {
+        TPlacement Placement;
+        if (!FFace.Glyphs.Place(Text, Placement)) return false;
+        ++Cache().Placed;
+        TLine Line;
+        Line.FirstRun = static_cast<int>(FBlock.Runs.size());
+        double Width = Placement.Ends.back();
+        if ((FFlags & Elide) != 0 && CeilWidth(Width) > FWidth) {
+            const TBlock& Ellipsis = EllipsisOf(FFace);
+            const auto Fitting = std::upper_bound(Placement.Ends.begin(), Placement.Ends.end(),
+                                                  static_cast<double>(FWidth - Ellipsis.Width));
+            const auto Kept = Fitting - Placement.Ends.begin();
+            Width = Kept > 0 ? Placement.Ends[static_cast<std::size_t>(Kept) - 1] : 0.0;
+            Placement.Glyphs.resize(Kept);
+            Placement.Positions.resize(Kept);
+            for (QGlyphRun Run : Ellipsis.Runs) {
+                QList<QPointF> Shifted = Run.positions();
+                for (QPointF& Position : Shifted) Position.rx() += Width;
+                Run.setPositions(Shifted);
+                FBlock.Runs.push_back(Run);
+            }
+            Width += Ellipsis.Width;
+        }
+        if (!Placement.Glyphs.isEmpty()) {
+            QGlyphRun Run;
+            Run.setRawFont(FFace.Glyphs.Font());
+            Run.setGlyphIndexes(Placement.Glyphs);
+            Run.setPositions(Placement.Positions);
+            FBlock.Runs.push_back(Run);
+        }
+        Line.RunCount = static_cast<int>(FBlock.Runs.size()) - Line.FirstRun;
+        Line.Width = CeilWidth(Width);
+        FBlock.Lines.push_back(Line);
+        return true;
     }
 
     void Prepare(QTextLayout& Layout, QTextOption::WrapMode Mode, bool TrailingSpaces) const {
@@ -362,13 +412,14 @@ const TBlock& Shape(const TFace& Face, std::string_view Text, int Width, unsigne
 
 TExtent Measure(const TFace& Face, std::string_view Text, int Width, unsigned Flags) {
     Flags &= ~unsigned{Elide};
-    if (Text.size() <= ChunkBytes) {
+    const bool OneLine = (Flags & (MultiLine | WordWrap)) == 0;
+    if (Text.size() <= (OneLine ? ChunkBytes : MeasuredBytes)) {
         const TBlock& Block = Cached(Face, Text, Width, Flags);
         return {Block.Width, Block.Height};
     }
     const std::string_view Start = Prefixed(Text, MeasuredBytes);
     const double Factor = static_cast<double>(Text.size()) / static_cast<double>(Start.size());
-    if ((Flags & (MultiLine | WordWrap)) == 0) {
+    if (OneLine) {
         double Total = 0.0;
         for (std::size_t Pos = 0; Pos < Start.size();) {
             const std::string_view Chunk = Prefixed(Start.substr(Pos), ChunkBytes);
@@ -397,16 +448,20 @@ std::string_view VisiblePart(const TFace& Face, std::string_view Text, int Width
                              unsigned Flags) {
     // Far more bytes than characters of common width could need, to leave room for narrow and combining ones.
     std::size_t Room = ChunkBytes + 4 * static_cast<std::size_t>(std::clamp(Width, 0, 8192));
+    if (Text.size() <= ChunkBytes) return Text;
     if ((Flags & (MultiLine | WordWrap)) != 0) {
         const int Lines = std::clamp(Height, 0, 8192) / std::max(1, Face.LineHeight()) + 1;
         Room = std::min(MeasuredBytes, Room * static_cast<std::size_t>(Lines));
+        std::size_t End = 0;
+        for (int I = 0; I < Lines && End < Text.size(); ++I) TakeLine(Text, End);
+        Text = Text.substr(0, End);
     }
     return Prefixed(Text, Room);
 }
 
 TCacheFigures CacheFigures() {
     const TCache& C = Cache();
-    return {C.Entries.size(), C.Bytes, C.Hits, C.Misses};
+    return {C.Entries.size(), C.Bytes, C.Hits, C.Misses, C.Placed};
 }
 
 void ClearCache() { Cache().Clear(); }

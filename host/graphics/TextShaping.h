@@ -2,6 +2,7 @@
 // device pixels. Used by the canvas alone; nothing else in the library keeps shaped text.
 #pragma once
 
+#include "host/graphics/GlyphTable.h"
 #include "host/graphics/Graphics.h"
 
 #include <QFont>
@@ -15,6 +16,8 @@
 
 namespace quill::text {
 
+struct TBlock;
+
 // A font at one device size. Underline and strike-out are drawn by the canvas and are no part of it.
 struct TFace {
     std::uint32_t Id = 0;
@@ -26,6 +29,10 @@ struct TFace {
     int UnderlineTop = 0;
     int StrikeTop = 0;
     int LineThickness = 1;
+    // Grows with what is shaped.
+    mutable TGlyphTable Glyphs;
+    // The shaped "...", made when it is first needed.
+    mutable std::shared_ptr<const TBlock> Ellipsis;
 
     int LineHeight() const { return Ascent + Descent; }
 };
@@ -89,6 +96,8 @@ struct TCacheFigures {
     std::size_t Bytes = 0;
     std::uint64_t Hits = 0;
     std::uint64_t Misses = 0;
+    // Of the misses, lines placed without shaping.
+    std::uint64_t Placed = 0;
 };
 // For tests and benchmarks.
 TCacheFigures CacheFigures();
