@@ -78,6 +78,9 @@ public:
     // Depth-first successor and predecessor in the whole tree. Placeholders on the way become nodes.
     TFlyNode* GetNext();
     TFlyNode* GetPrev();
+    // GetNext over the nodes that exist: placeholders are skipped and stay. For walks over the whole tree that have
+    // nothing to do with nodes which were never looked at.
+    TFlyNode* GetNextExisting() const { return NextExisting(nullptr); }
     // Neighbouring rows, asked of the control; null without one.
     TFlyNode* GetNextVisible();
     TFlyNode* GetPrevVisible();
@@ -163,7 +166,7 @@ public:
     bool GetFocused() const;
     void SetFocused(bool Value);
     // The node holds one state value, not a set.
-    bool GetState(TNodeState Value) const;
+    bool GetState(TNodeState Value) const { return GetStateField() == static_cast<int>(Value); }
     void SetState(TNodeState Value);
 
     std::shared_ptr<INodeAdapter> GetNodeAdapter() const;
@@ -236,6 +239,7 @@ public:
     void SetSortedField(bool Value) { SetFlag(FlagSorted, Value); }
     void SetImageIndexField(int Value) { FImageIndex = Value; }
     void SetSelectedIndexField(int Value) { FSelectedIndex = Value; }
+    void SetOverlayIndexField(int Value);
     void SetStateIndexField(int Value) { FStateIndex = Value; }
     void SetOwnerField(TFlyNodes* Value);
 
@@ -257,6 +261,8 @@ private:
     struct TAnchor {
         TFlyNodes* Container;
         int Users;
+        // Selected nodes, those without a row included.
+        int Selected;
     };
     struct TNodeExtras;
 
@@ -269,17 +275,39 @@ private:
         FlagHasChildren = FlagsOfDescendants << 5,
         FlagSortDue = FlagsOfDescendants << 6,
         FlagListCells = FlagsOfDescendants << 7, // cells live in the list object, not in the packed texts
-        StateShift = 24                          // three bits: the one state value, plus one
+        // The one state value plus one, in three bits.
+        StateBit0 = FlagsOfDescendants << 8,
+        StateBit1 = FlagsOfDescendants << 9,
+        StateBit2 = FlagsOfDescendants << 10
     };
 
     std::unique_ptr<TExtras> MakeExtras() const override;
     TNodeExtras& NodeExtras();
     const TNodeExtras* NodeExtrasIfAny() const;
-    bool HasBracket() const;
+    static TFlyNode* AsNode(TTreeCollection* Item);
+    // The container that shows this node, when there is one with a host.
+    TFlyNodes* ShownBy() const;
+    // Sends nothing while the tree is loaded or inside a bracket.
+    bool IsQuiet() const;
+    int GetStateField() const;
+    // The next existing node in depth-first order below Root (null: in the whole tree); without this node's
+    // children on demand.
+    TFlyNode* NextExisting(const TFlyNode* Root, bool SkipChildren = false) const;
+    void AcquireAnchor(TAnchor* Anchor);
+    void ReleaseAnchor();
     void InvalidateStructureCell();
     void ResortSiblings();
-    void ExpandSelf(bool Expand);
+    void ExpandSelf(bool Expand, bool OpenAncestors);
+    void ExpandRows();
+    void CollapseRows();
     void FitGridRows();
+    void ScrollChildrenIntoView();
+    void FillWindowAfterCollapse();
+    void MoveRowsTo(const TTreeSlot* Target);
+    static int CompareNodes(TTreeCollection* Item1, TTreeCollection* Item2);
+    static void SortItems(TTreeCollection* Collection, const INodeHost* Host, bool ByComparison);
+    void AssignFields(TFlyNode* Source);
+    int CountBelow() const;
 
     TAnchor* FAnchor = nullptr;
     int FUniqueTag = 0;

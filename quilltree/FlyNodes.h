@@ -55,7 +55,7 @@ public:
     void Delete(TFlyNode* Node);
     // Node is going: takes its row away and tells the control.
     void Removed(TFlyNode* Node);
-    void Clear();
+    void Clear() override;
     // Takes the cells of every node away.
     void ClearCells();
 
@@ -64,8 +64,8 @@ public:
     void EndUpdate() override;
     void SetUpdateState(bool Updating);
     void Update(TTreeCollection* Item) override;
-    void LockList() { Lock.lock(); }
-    void UnlockList() { Lock.unlock(); }
+    void LockList();
+    void UnlockList();
 
     // --- lookup -----------------------------------------------------------------------------------------------
     // Top-level node Index. A negative Index raises EQuillTreeError, one at or above the count EListError.
@@ -73,6 +73,8 @@ public:
     TFlyNode* GetItem(int Index) { return GetNodeFromIndex(Index); }
     void SetItem(int Index, TFlyNode* Value);
     TFlyNode* GetFirstNode();
+    // The first node that exists already; see TFlyNode::GetNextExisting.
+    TFlyNode* FirstExisting() const;
     // The last node in depth-first order.
     TFlyNode* GetLastNode();
     TFlyNode* GetNodeOnUniqueTag(int Tag);
@@ -154,6 +156,10 @@ public:
     // placeholders stay as they are.
     void SelectRows(int First, int Last, bool Value);
 
+    // Whether some node may have a height of its own; and taking it from all of them (O(n) when one may).
+    bool GetHasStoredHeights() const { return FHasStoredHeights; }
+    void ResetStoredHeights();
+
     // The whole structure, the row list included when it is current. Throws std::logic_error. O(n).
     void CheckInvariants() const;
 
@@ -179,18 +185,78 @@ protected:
 
 private:
     friend class TFlyNode;
+    friend class TUpdateBracket;
+    friend class TRowPatch;
+
+    // --- keeping the rows right (FlyNodesRows.cpp) --------------------------------------------------------------
+    // Whether a change can be followed at once: rows are current and nothing waits for the end of a bracket.
+    bool CanPatch() const;
+    void SlotsAppeared(TTreeCollection* Parent, int Index, int Count);
+    void SlotsDisappear(TTreeCollection* Parent, int Index, int Count);
+    void NodeAppeared(TFlyNode* Node);
+    void ChildMoved(TTreeCollection* Parent, int To);
+    void ChildrenReordered(TTreeCollection* Parent);
+    bool IsRowParent(const TTreeCollection* Parent) const;
+    int RowForSlot(const TTreeCollection* Parent, int Index) const;
+    int RowBehind(const TTreeSlot* Down, const TTreeSlot* Up) const;
+    void InsertSlotRows(TTreeCollection* Parent, int Index, int Count, int Row);
+    void InsertRowsBelow(TFlyNode* Node, int Row);
+    void RemoveRowsBelow(TFlyNode* Node);
+    void RemoveSubtreeRows(TFlyNode* Node);
+    void InsertSubtreeRows(TFlyNode* Node);
+    void ListAllRows();
+    void TakeOver(TTreeSlot* Slot);
+    void SelectionUpTo(TFlyNode* Node, int FirstRow, int EndRow);
+    void DropRowsBelow(TFlyNode* Node);
+    void SortDueChildren();
+    void PlaceSorted(TFlyNode* Node);
+    bool SortsNodes() const;
+    void SortTopLevel();
 
     INodeHost* FHost;
     TFlyNode::TAnchor* FAnchor;
     bool FEnumerating = false;
     bool FSorted = false;
     bool FRowsCurrent = true;
+    // Inside the bracket of a single operation that follows its own change.
+    bool FPatchInBracket = false;
+    // Some node has FlagSortDue.
     bool FSortDue = false;
+    bool FHasStoredHeights = false;
+    int FLockDepth = 0;
     int FLastUniqueTag = -1;
     int FDefaultStateIndex = 0;
     int FDefaultImageIndex = 0;
     int FDefaultSelectedIndex = 0;
     std::string FItemSeparator = ".";
+};
+
+// For an operation that keeps the rows right itself, also inside a bracket: while it lasts, the container follows
+// every change at once. Of use to the model itself.
+class TRowPatch {
+public:
+    explicit TRowPatch(TFlyNodes* Container);
+    ~TRowPatch();
+    TRowPatch(const TRowPatch&) = delete;
+    TRowPatch& operator=(const TRowPatch&) = delete;
+
+private:
+    TWatch<TFlyNodes> FContainer;
+    bool FOld = false;
+};
+
+// BeginUpdate .. EndUpdate for a scope; safe when the container goes meanwhile.
+class TUpdateBracket {
+public:
+    explicit TUpdateBracket(TFlyNodes* Container);
+    // May throw what handlers of the last EndUpdate throw, unless another exception is on its way.
+    ~TUpdateBracket() noexcept(false);
+    TUpdateBracket(const TUpdateBracket&) = delete;
+    TUpdateBracket& operator=(const TUpdateBracket&) = delete;
+
+private:
+    TWatch<TFlyNodes> FContainer;
+    int FExceptions;
 };
 
 } // namespace quill

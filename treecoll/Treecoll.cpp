@@ -21,6 +21,7 @@ struct TSlotClaim {
 };
 thread_local TSlotClaim* PendingClaim = nullptr;
 thread_local TBirthWatch* InnermostBirth = nullptr;
+thread_local unsigned MoveCount = 0;
 
 [[noreturn]] void RaiseIndexError(int Index) {
     throw EListError(FormatText(SListIndexError, {std::to_string(Index)}));
@@ -333,12 +334,15 @@ bool TTreeCollection::IsAncestorOrSelfOf(const TTreeCollection* Value) const {
     return Value != nullptr;
 }
 
+unsigned TTreeCollection::GetMoveCount() { return MoveCount; }
+
 void TTreeCollection::SetTreeCollection(TTreeCollection* Value) {
     if (Value == FCollection) return;
     if (IsAncestorOrSelfOf(Value)) throw EInvalidOperation("An item cannot be moved into itself");
     if (HasFlag(FlagDestroying) || (Value && Value->HasFlag(FlagDestroying | FlagClearing))) {
         throw EInvalidOperation("Items cannot be moved while they are being deleted");
     }
+    ++MoveCount;
     TTreeCollection* const OldParent = FCollection;
     TLifeWatch OldWatch(OldParent);
     TLifeWatch NewWatch(Value);

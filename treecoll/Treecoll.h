@@ -128,6 +128,8 @@ public:
     // Re-parents this item, last in Value (unless it is there already); null takes it out. Raises EInvalidOperation, before anything changes,
     // when that would make it its own ancestor.
     void SetTreeCollection(TTreeCollection* Value);
+    // Counts how often any item was re-parented, so that walks can tell whether something moved under them.
+    static unsigned GetMoveCount();
     // True when Value is this object or below it.
     bool IsAncestorOrSelfOf(const TTreeCollection* Value) const;
     TPersistent* GetOwner() const;
@@ -144,6 +146,9 @@ public:
     // its own destruction (then it does nothing). An exception of a handler passes through, after the work.
     void Free();
 
+    // The item of a slot of this collection, made on demand; null for null.
+    TTreeCollection* ItemOfSlot(TTreeSlot* Slot);
+
     // --- for walks that create nothing ------------------------------------------------------------------------
     // Neighbours in the parent's list and the ends of the own one, as raw slots; null when there is none.
     TTreeSlot* NextSlot() const { return FCollection ? FCollection->FItems->Next(this) : nullptr; }
@@ -154,6 +159,20 @@ public:
 
     // Throws std::logic_error that names the broken rule. Costs O(size of the subtree).
     void CheckInvariants() const;
+
+    // One word of flags: the base uses the low byte, descendants the rest.
+    enum TBaseFlag : std::uint32_t {
+        FlagWatched = 1u << 0,    // some TLifeWatch may look at this object
+        FlagStepsRun = 1u << 1,   // DestroySteps ran or runs
+        FlagDestroying = 1u << 2, // a destruction of this object is under way
+        FlagClearing = 1u << 3,   // items are destroyed in bulk; one report follows
+        FlagBornInSlot = 1u << 4, // made for a placeholder, in its slot
+        FlagSilent = 1u << 5,     // goes without telling anybody (added while its parent was going)
+        FlagNode = 1u << 6,       // this is a TFlyNode,
+        FlagContainer = 1u << 7,  // this is a TFlyNodes: known without a cast
+        FlagsOfDescendants = 1u << 8
+    };
+    bool HasFlag(std::uint32_t Flag) const { return (FFlags & Flag) != 0; }
 
 protected:
     // Rarely used fields, made on first use.
@@ -190,22 +209,6 @@ protected:
 
     // For descendants' destructors: runs DestroySteps unless that happened, then destroys the items.
     void FinishDestruction() noexcept;
-    // The item of a slot of this collection, made on demand; null for null.
-    TTreeCollection* ItemOfSlot(TTreeSlot* Slot);
-
-    // One word of flags: the base uses the low byte, descendants the rest.
-    enum TBaseFlag : std::uint32_t {
-        FlagWatched = 1u << 0,    // some TLifeWatch may look at this object
-        FlagStepsRun = 1u << 1,   // DestroySteps ran or runs
-        FlagDestroying = 1u << 2, // a destruction of this object is under way
-        FlagClearing = 1u << 3,   // items are destroyed in bulk; one report follows
-        FlagBornInSlot = 1u << 4, // made for a placeholder, in its slot
-        FlagSilent = 1u << 5,     // goes without telling anybody (added while its parent was going)
-        FlagNode = 1u << 6,       // this is a TFlyNode,
-        FlagContainer = 1u << 7,  // this is a TFlyNodes: known without a cast
-        FlagsOfDescendants = 1u << 8
-    };
-    bool HasFlag(std::uint32_t Flag) const { return (FFlags & Flag) != 0; }
     void SetFlag(std::uint32_t Flag, bool Value) { FFlags = Value ? FFlags | Flag : FFlags & ~Flag; }
 
     TPackedTexts& Texts() { return FTexts; }
