@@ -47,11 +47,11 @@ class CheckLayers(unittest.TestCase):
     def test_includes_name_paths_from_the_root(self):
         self.check(["exgrid/Grid.cpp:1"], exgrid__Grid_c='#include "Grid.h"\n', exgrid__Grid_h="")
 
-    def test_the_model_is_what_its_build_file_lists(self):
-        listed = {"quilltree/CMakeLists.txt": "target_sources(quill_model PRIVATE\n    Sorting.cpp)\n"}
-        faulty = {"quilltree/Sorting.cpp": '#include "quilltree/QuillTree.h"\n'}
-        self.assertEqual(report({**BASE, **faulty}), "clean")
-        self.assertEqual(report({**BASE, **faulty, **listed}), ["quilltree/Sorting.cpp:1"])
+    def test_the_tree_control_is_what_its_build_file_lists(self):
+        listed = {"quilltree/CMakeLists.txt": "target_sources(quill_controls PRIVATE\n    Sorting.cpp)\n"}
+        user = {"quilltree/Sorting.cpp": '#include "quilltree/QuillTree.h"\n'}
+        self.assertEqual(report({**BASE, **user}), ["quilltree/Sorting.cpp:1"])
+        self.assertEqual(report({**BASE, **user, **listed}), "clean")
 
 
 if __name__ == "__main__":
