@@ -57,7 +57,9 @@ TComponent::TComponent(TComponent* AOwner) {
     if (AOwner) AOwner->InsertComponent(this);
 }
 
-TComponent::~TComponent() {
+TComponent::~TComponent() { Unlink(); }
+
+void TComponent::Unlink() {
     Destroying();
     // A notified component may destroy any other one, so every round looks at the lists afresh.
     while (!FFreeNotifies.empty()) {

@@ -91,6 +91,9 @@ protected:
     // To be called first by the most derived destructors, so that overridden operations see csDestroying and
     // guards know that the component is gone.
     void Destroying();
+    // All that the destructor does: tells those that asked, destroys what is owned, leaves the owner. For destructors
+    // of descendants with a second base, whose object has to be whole while others are told.
+    void Unlink();
     void IncludeState(TComponentStateValue Value) { FComponentState.Include(Value); }
     void ExcludeState(TComponentStateValue Value) { FComponentState.Exclude(Value); }
 

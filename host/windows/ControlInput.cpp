@@ -60,6 +60,11 @@ unsigned ClipboardMessage(const QKeyEvent& Event) {
     return 0;
 }
 
+QString TextOf(const QKeyEvent& Event) {
+    // Platforms differ in the text of Shift+Tab.
+    return Event.key() == Qt::Key_Backtab ? QStringLiteral("\t") : Event.text();
+}
+
 TShiftState ShiftOf(const QKeyEvent& Event) {
     TShiftState Result = ShiftFromQt(Event.modifiers());
     if (Event.key() == Qt::Key_Backtab) Result.Include(ssShift);
@@ -274,7 +279,7 @@ void TCustomControl::keyPressEvent(QKeyEvent* Event) {
     bool Handled = false;
     bool Consumed = false;
     if (Key != 0 && !Impl.SendKey(WM_KEYDOWN, Key, Shift, Handled, Consumed)) return;
-    if (HasText && !Consumed && !Impl.SendText(Event->text(), Shift, Handled)) return;
+    if (HasText && !Consumed && !Impl.SendText(TextOf(*Event), Shift, Handled)) return;
     if (!Handled && IsNavigationKey(Key)) Handled = Impl.WantsSpecialKey(Key, Shift);
     if (Guard) Event->setAccepted(Handled);
 }
@@ -386,6 +391,10 @@ bool TCustomControl::event(QEvent* Event) {
     case QEvent::ScreenChangeInternal:
         FImpl->FitSurface();
         break;
+    case QEvent::Wheel:
+        // Comes up from the viewport or a bar when the control did not use it; the parents' turn.
+        Event->ignore();
+        return false;
     default:
         break;
     }

@@ -100,6 +100,8 @@ TCustomControl::TCustomControl(TComponent* AOwner, QWidget* AParent)
 TCustomControl::~TCustomControl() {
     BeginDestruction();
     FImpl->SaveDispatchers();
+    // Before the widget loses its inside: owned widgets that go make Qt send events to it.
+    Unlink();
 }
 
 void TCustomControl::BeginDestruction() {
@@ -323,7 +325,13 @@ void TCustomControl::TImpl::TakeWidgetFont() {
 void TCustomControl::TImpl::ApplyPalette() {
     QPalette Palette = Control.palette();
     // Disabled controls look disabled; an inactive window keeps its colours.
-    Palette.setCurrentColorGroup(Control.isEnabled() ? QPalette::Active : QPalette::Disabled);
+    if (!Control.isEnabled()) {
+        for (int Role = 0; Role < QPalette::NColorRoles; ++Role) {
+            const auto ColorRole = static_cast<QPalette::ColorRole>(Role);
+            Palette.setBrush(QPalette::Active, ColorRole, Palette.brush(QPalette::Disabled, ColorRole));
+        }
+    }
+    Palette.setCurrentColorGroup(QPalette::Active);
     Control.FCanvas->SetPalette(Palette);
 }
 

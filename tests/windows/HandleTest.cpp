@@ -1,0 +1,291 @@
+// The window handle, sizes of hidden controls, and properties that reach the window.
+#include "tests/support/QtTest.h"
+#include "tests/windows/LogControl.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QTest>
+
+using namespace quill;
+using quill::testing::TLogControl;
+
+namespace {
+
+std::string SizeText(const TCustomControl& Control) {
+    return std::to_string(Control.GetClientWidth()) + "x" + std::to_string(Control.GetClientHeight());
+}
+
+} // namespace
+
+TEST(Handle, IsCreatedOnceInOrderAndToldItsSize) {
+    TLogControl Control;
+    Control.LogWindow = true;
+    Control.SetBorderStyle(bsNone);
+    Control.SetBounds(0, 0, 120, 80);
+    EXPECT_FALSE(Control.HandleAllocated());
+    EXPECT_EQ(Control.Take(), "");
+    Control.HandleNeeded();
+    EXPECT_TRUE(Control.HandleAllocated());
+    EXPECT_EQ(Control.Take(), "params; create; handle; size 120,80");
+    Control.HandleNeeded();
+    EXPECT_EQ(Control.Take(), "");
+    Control.SetBounds(5, 5, 100, 80);
+    EXPECT_EQ(Control.Take(), "size 100,80");
+    Control.SetBounds(7, 7, 100, 80);
+    EXPECT_EQ(Control.Take(), "");
+    Control.RecreateWnd();
+    EXPECT_EQ(Control.Take(), "destroy; params; create; handle; size 100,80");
+    Control.show();
+    EXPECT_EQ(Control.Take(), "shown");
+    Control.hide();
+    EXPECT_EQ(Control.Take(), "hidden");
+}
+
+TEST(Handle, IsCreatedByTheFirstShow) {
+    TLogControl Control;
+    Control.LogWindow = true;
+    Control.SetBorderStyle(bsNone);
+    Control.SetBounds(0, 0, 120, 80);
+    Control.show();
+    EXPECT_EQ(Control.Take(), "params; create; handle; size 120,80; shown");
+}
+
+TEST(Handle, DestructorDestroysItThroughTheDescendant) {
+    std::string Log;
+    struct TControl : TCustomControl {
+        std::string& FLog;
+        explicit TControl(std::string& ALog) : TCustomControl(nullptr), FLog(ALog) {}
+        ~TControl() override { BeginDestruction(); }
+        void DestroyWnd() override {
+            FLog += HasState(csDestroying) ? "destroying" : "alive";
+            TCustomControl::DestroyWnd();
+        }
+    };
+    {
+        TControl Control(Log);
+        Control.HandleNeeded();
+    }
+    EXPECT_EQ(Log, "destroying");
+}
+
+TEST(Handle, RecreatingKeepsFocusTimersGoAndAllIsInvalid) {
+    TLogControl Control;
+    Control.SetBounds(0, 0, 120, 80);
+    Control.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Control));
+    Control.SetFocus();
+    Control.Update();
+    Control.SetTimer(1, 1000);
+    ASSERT_TRUE(Control.Focused());
+    ASSERT_FALSE(Control.HasInvalidRegion());
+    Control.RecreateWnd();
+    EXPECT_TRUE(Control.Focused());
+    EXPECT_FALSE(Control.HasTimer(1));
+    EXPECT_EQ(Control.GetInvalidBounds(), Control.GetClientRect());
+}
+
+TEST(Handle, ClientSizeOfAHiddenControlIsRight) {
+    TLogControl Control;
+    Control.ExtraStyle = WS_HSCROLL | WS_VSCROLL;
+    Control.LogWindow = true;
+    Control.SetBorderStyle(bsNone);
+    Control.SetBounds(0, 0, 200, 150);
+    Control.HandleNeeded();
+    EXPECT_EQ(SizeText(Control), "200x150");
+    Control.Take();
+    const int V = Control.GetScrollBarSize(SB_VERT);
+    const int H = Control.GetScrollBarSize(SB_HORZ);
+    ASSERT_GT(V, 4);
+    ASSERT_GT(H, 4);
+
+    Control.ShowScrollBar(SB_VERT, true);
+    EXPECT_EQ(Control.GetClientWidth(), 200 - V);
+    EXPECT_EQ(Control.Take(), "size " + std::to_string(200 - V) + ",150");
+    Control.ShowScrollBar(SB_HORZ, true);
+    EXPECT_EQ(Control.GetClientHeight(), 150 - H);
+    Control.SetClientSize(100, 50);
+    EXPECT_EQ(SizeText(Control), "100x50");
+    Control.ShowScrollBar(SB_VERT, false);
+    Control.ShowScrollBar(SB_HORZ, false);
+    EXPECT_EQ(Control.GetClientWidth(), 100 + V);
+    EXPECT_EQ(Control.GetClientHeight(), 50 + H);
+
+    Control.SetBounds(0, 0, 200, 150);
+    Control.SetCtl3D(false);
+    Control.SetBorderStyle(bsSingle);
+    EXPECT_EQ(SizeText(Control), "198x148") << "a plain frame of one pixel";
+    Control.SetCtl3D(true);
+    const int Frame = Control.frameWidth();
+    EXPECT_GE(Frame, 1);
+    EXPECT_EQ(Control.GetClientWidth(), 200 - 2 * Frame);
+    Control.SetBorderStyle(bsNone);
+    EXPECT_EQ(SizeText(Control), "200x150");
+
+    Control.resize(90, 40);
+    EXPECT_EQ(SizeText(Control), "90x40") << "sized as a widget";
+}
+
+TEST(Handle, ShownControlHasTheSizeItHadHidden) {
+    TLogControl Control;
+    Control.ExtraStyle = WS_VSCROLL;
+    Control.SetBounds(0, 0, 200, 150);
+    Control.HandleNeeded();
+    Control.ShowScrollBar(SB_VERT, true);
+    const std::string Hidden = SizeText(Control);
+    Control.LogWindow = true;
+    Control.show();
+    EXPECT_EQ(SizeText(Control), Hidden);
+    EXPECT_EQ(Control.Take(), "shown");
+}
+
+TEST(Handle, TabStopDecidesTheFocusPolicyUnlessTheProgramDid) {
+    TLogControl Control;
+    Control.HandleNeeded();
+    EXPECT_EQ(Control.focusPolicy(), Qt::ClickFocus);
+    Control.SetTabStop(true);
+    EXPECT_EQ(Control.focusPolicy(), Qt::StrongFocus);
+    Control.ExtraStyle = WS_TABSTOP;
+    Control.SetTabStop(false);
+    Control.RecreateWnd();
+    EXPECT_EQ(Control.focusPolicy(), Qt::StrongFocus) << "a descendant added the style";
+    Control.setFocusPolicy(Qt::NoFocus);
+    Control.RecreateWnd();
+    EXPECT_EQ(Control.focusPolicy(), Qt::NoFocus);
+}
+
+TEST(Handle, BidiModeMirrorsTheBarsSideOnly) {
+    TLogControl Control;
+    Control.ExtraStyle = WS_VSCROLL;
+    Control.LogWindow = true;
+    Control.SetBounds(0, 0, 200, 150);
+    Control.HandleNeeded();
+    Control.ShowScrollBar(SB_VERT, true);
+    Control.Take();
+    const int Frame = Control.frameWidth();
+    EXPECT_EQ(Control.viewport()->x(), Frame);
+    Control.SetBiDiMode(bdRightToLeft);
+    EXPECT_EQ(Control.Take().substr(0, 4), "bidi");
+    EXPECT_EQ(Control.viewport()->x(), Frame + Control.GetScrollBarSize(SB_VERT));
+    Control.SetBiDiMode(bdRightToLeftReadingOnly);
+    EXPECT_EQ(Control.viewport()->x(), Frame);
+    Control.SetBiDiMode(bdRightToLeftNoAlign);
+    EXPECT_EQ(Control.viewport()->x(), Frame + Control.GetScrollBarSize(SB_VERT));
+    EXPECT_FALSE(Control.GetParentBiDiMode());
+    Control.setLayoutDirection(Qt::LeftToRight);
+    EXPECT_EQ(Control.GetBiDiMode(), bdRightToLeftNoAlign) << "only with ParentBiDiMode the widget leads";
+}
+
+TEST(Handle, ParentBidiModeFollowsTheWidget) {
+    QWidget Window;
+    TLogControl Control(&Window);
+    EXPECT_EQ(Control.GetBiDiMode(), bdLeftToRight);
+    Window.setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(Control.GetBiDiMode(), bdRightToLeft);
+    TLogControl Late(&Window);
+    EXPECT_EQ(Late.GetBiDiMode(), bdRightToLeft);
+    Control.SetBiDiMode(bdLeftToRight);
+    EXPECT_EQ(Control.GetBiDiMode(), bdLeftToRight);
+    Control.SetParentBiDiMode(true);
+    EXPECT_EQ(Control.GetBiDiMode(), bdRightToLeft);
+}
+
+TEST(Handle, TextFlagsFollowTheBidiMode) {
+    TLogControl Control;
+    struct {
+        TBiDiMode Mode;
+        unsigned In, Out;
+    } const Cases[] = {
+        {bdLeftToRight, DT_RIGHT, DT_RIGHT},
+        {bdRightToLeft, DT_LEFT, DT_RIGHT | DT_RTLREADING},
+        {bdRightToLeft, DT_RIGHT | DT_VCENTER, DT_VCENTER | DT_RTLREADING},
+        {bdRightToLeft, DT_CENTER, DT_CENTER | DT_RTLREADING},
+        {bdRightToLeftNoAlign, DT_LEFT, DT_RTLREADING},
+        {bdRightToLeftReadingOnly, DT_RIGHT, DT_RIGHT | DT_RTLREADING},
+    };
+    for (const auto& Case : Cases) {
+        Control.SetBiDiMode(Case.Mode);
+        EXPECT_EQ(Control.DrawTextBiDiModeFlags(Case.In), Case.Out) << Case.Mode << " " << Case.In;
+    }
+}
+
+TEST(Handle, FontFollowsTheParentUntilSet) {
+    QWidget Window;
+    TLogControl Control(&Window);
+    Control.LogWindow = true;
+    Control.GetFont()->SetColor(clRed);
+    EXPECT_FALSE(Control.GetParentFont()) << "any change makes the font our own";
+    Control.SetParentFont(true);
+    Control.Take();
+    QFont Big = Window.font();
+    Big.setPixelSize(31);
+    Window.setFont(Big);
+    EXPECT_EQ(Control.Take(), "font");
+    EXPECT_EQ(Control.GetFont()->GetHeight(), -31);
+    EXPECT_EQ(Control.GetFont()->GetColor(), clRed) << "widgets have no font colour";
+
+    Control.GetFont()->SetHeight(-17);
+    EXPECT_EQ(Control.Take(), "font");
+    EXPECT_EQ(Control.font().pixelSize(), 17) << "children inherit it";
+    Big.setPixelSize(40);
+    Window.setFont(Big);
+    EXPECT_EQ(Control.Take(), "");
+    EXPECT_EQ(Control.GetFont()->GetHeight(), -17);
+    Control.SetParentFont(true);
+    EXPECT_EQ(Control.Take(), "font");
+    EXPECT_EQ(Control.GetFont()->GetHeight(), -40);
+}
+
+TEST(Handle, PaletteReachesTheCanvasAndRepaints) {
+    TLogControl Control;
+    Control.SetBorderStyle(bsNone);
+    Control.SetBounds(0, 0, 40, 30);
+    Control.HandleNeeded();
+    Control.Update();
+    QPalette Dark = Control.palette();
+    Dark.setColor(QPalette::Base, QColor(20, 30, 40));
+    Dark.setColor(QPalette::Disabled, QPalette::Base, QColor(50, 60, 70));
+    Control.setPalette(Dark);
+    EXPECT_TRUE(Control.HasInvalidRegion());
+    EXPECT_EQ(Control.GetSurfaceImage().pixelColor(5, 5), QColor(20, 30, 40));
+    Control.SetEnabled(false);
+    EXPECT_EQ(Control.GetSurfaceImage().pixelColor(5, 5), QColor(50, 60, 70));
+    Control.SetColor(clRed);
+    EXPECT_FALSE(Control.GetParentColor());
+    EXPECT_EQ(Control.GetSurfaceImage().pixelColor(5, 5), QColor(255, 0, 0));
+}
+
+TEST(Handle, OwnerAndParentMayGoInAnyOrder) {
+    struct TSignal : TCustomControl {
+        bool& Gone;
+        TSignal(TComponent* AOwner, QWidget* AParent, bool& AGone)
+            : TCustomControl(AOwner, AParent), Gone(AGone) {}
+        ~TSignal() override { Gone = true; }
+    };
+    {
+        bool Gone = false;
+        auto Parent = std::make_unique<QWidget>();
+        TComponent Owner;
+        new TSignal(&Owner, Parent.get(), Gone);
+        Parent.reset();
+        EXPECT_TRUE(Gone);
+        EXPECT_EQ(Owner.GetComponentCount(), 0);
+    }
+    {
+        bool Gone = false;
+        QWidget Parent;
+        auto Owner = std::make_unique<TComponent>();
+        new TSignal(Owner.get(), &Parent, Gone);
+        Owner.reset();
+        EXPECT_TRUE(Gone);
+        EXPECT_TRUE(Parent.findChildren<QWidget*>().isEmpty());
+    }
+}
+
+TEST(Handle, SizeHintIsTheSizeThatTheProgramAskedFor) {
+    TLogControl Control;
+    EXPECT_GT(Control.sizeHint().width(), 50);
+    Control.SetBounds(0, 0, 321, 123);
+    EXPECT_EQ(Control.sizeHint(), QSize(321, 123));
+    Control.resize(50, 50); // by a layout
+    EXPECT_EQ(Control.sizeHint(), QSize(321, 123));
+}

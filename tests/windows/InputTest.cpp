@@ -1,0 +1,496 @@
+// Mouse, wheel, keys and focus, from real input to messages and events.
+#include "tests/support/QtTest.h"
+#include "tests/windows/LogControl.h"
+
+#include "host/windows/Keys.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QTest>
+#include <QWheelEvent>
+#include <QWindow>
+
+#include <cmath>
+
+using namespace quill;
+using quill::testing::SendWheel;
+using quill::testing::ShiftText;
+using quill::testing::TLogControl;
+
+namespace {
+
+class TActive : public TLogControl {
+public:
+    TActive() {
+        SetCtl3D(false);
+        SetBounds(0, 0, 200, 100);
+        show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(this));
+        SetFocus();
+        qApp->processEvents();
+        Take();
+    }
+    // Window position of a client position (the frame is one pixel wide).
+    static QPoint At(int X, int Y) { return {X + 1, Y + 1}; }
+};
+
+} // namespace
+
+TEST(Input, ClickSequence) {
+    QWidget Window;
+    Window.resize(300, 200);
+    TLogControl Control(&Window);
+    Control.SetBorderStyle(bsNone);
+    Control.SetBounds(0, 0, 200, 100);
+    Window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+    QWindow* Handle = Window.windowHandle();
+    QTest::mouseMove(Handle, {250, 150});
+    qApp->processEvents();
+    Control.LogMouse = true;
+    Control.OnClick = [&](TObject* Sender) {
+        EXPECT_EQ(Sender, static_cast<TObject*>(&Control));
+        Control.Log("click");
+    };
+    Control.OnMouseDown = [&](TObject*, TMouseButton Button, TShiftState Shift, int X, int Y) {
+        Control.Log("down" + std::to_string(Button) + " " + ShiftText(Shift) + " " + std::to_string(X) + "," +
+                    std::to_string(Y) + (Control.GetMouseCapture() ? " captured" : ""));
+    };
+    Control.OnMouseUp = [&](TObject*, TMouseButton, TShiftState Shift, int, int) {
+        Control.Log("up " + ShiftText(Shift) + (Control.GetMouseCapture() ? " captured" : ""));
+    };
+    QTest::mouseMove(Handle, {10, 12});
+    EXPECT_EQ(Control.Take(), "mouseenter; move 10,12");
+    QTest::mousePress(Handle, Qt::LeftButton, Qt::ControlModifier, {10, 12});
+    EXPECT_EQ(Control.Take(), "ldown 10,12 ctrl+left; down0 ctrl+left 10,12 captured");
+    EXPECT_TRUE(Control.GetControlState().Contains(csLButtonDown));
+    QTest::mouseRelease(Handle, Qt::LeftButton, {}, {10, 12});
+    EXPECT_EQ(Control.Take(), "lup 10,12; click; up ");
+    EXPECT_TRUE(Control.GetControlState().IsEmpty());
+
+    QTest::mousePress(Handle, Qt::LeftButton, {}, {10, 12});
+    QTest::mouseMove(Handle, {250, 150});
+    Control.Take();
+    QTest::mouseRelease(Handle, Qt::LeftButton, {}, {250, 150});
+    qApp->processEvents();
+    EXPECT_EQ(Control.Take(), "lup 250,150; up ; mouseleave") << "no click outside";
+}
+
+TEST(Input, DoubleClicksAndOtherButtons) {
+    TActive Control;
+    Control.LogMouse = true;
+    std::string Presses;
+    Control.OnDblClick = [&](TObject*) { Presses += "dbl;"; };
+    Control.OnMouseDown = [&](TObject*, TMouseButton, TShiftState Shift, int, int) {
+        Presses += ShiftText(Shift) + ";";
+    };
+    QWindow* Window = Control.windowHandle();
+    QTest::mouseDClick(Window, Qt::LeftButton, {}, Control.At(20, 20));
+    EXPECT_EQ(Presses, "left;dbl;left+double;");
+    EXPECT_NE(Control.Take().find("lup 20,20; ldbl 20,20 left; lup 20,20"), std::string::npos);
+    Control.SetControlStyle({csClickEvents});
+    Presses.clear();
+    QTest::qWait(QApplication::doubleClickInterval() + 20);
+    QTest::mouseDClick(Window, Qt::LeftButton, {}, Control.At(20, 20));
+    EXPECT_EQ(Presses, "left;left;") << "a control without double clicks";
+    Control.Take();
+    QTest::mouseClick(Window, Qt::RightButton, {}, Control.At(20, 20));
+    QTest::mouseClick(Window, Qt::MiddleButton, {}, Control.At(20, 20));
+    EXPECT_EQ(Control.Take(), "rdown 20,20 right; rup 20,20; mdown 20,20 middle; mup 20,20");
+}
+
+TEST(Input, PositionsAreThePixelsUnderTheMouse) {
+    TActive Control;
+    const double S = Control.GetScale();
+    TPoint Last;
+    Control.OnMouseMove = [&](TObject*, TShiftState, int X, int Y) { Last = {X, Y}; };
+    // Device pixel D of the surface belongs to the client pixel whose range on the canvas contains it.
+    for (int Device = 0; Device < 60; ++Device) {
+        const double Start = std::floor(1 * S + 0.5); // the frame
+        const QPointF InWindow((Device + Start) / S, (Device + Start) / S);
+        const QPointF Local = Control.viewport()->mapFrom(&Control, InWindow);
+        QMouseEvent Event(QEvent::MouseMove, Local, InWindow, Control.mapToGlobal(InWindow), Qt::NoButton, {},
+                          {});
+        QApplication::sendEvent(Control.viewport(), &Event);
+        EXPECT_LE(Control.GetCanvas()->ToDevice(Last.X), Device);
+        EXPECT_GT(Control.GetCanvas()->ToDevice(Last.X + 1), Device);
+        EXPECT_EQ(Last.X, Last.Y);
+    }
+}
+
+TEST(Input, LosingTheMouseCancelsThePress) {
+    TActive Control;
+    Control.LogMouse = true;
+    const auto Press = [&] {
+        QTest::mousePress(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
+        EXPECT_TRUE(Control.GetMouseCapture());
+        Control.Take();
+    };
+    Press();
+    Control.SetEnabled(false);
+    EXPECT_EQ(Control.Take(), "cancel");
+    EXPECT_FALSE(Control.GetMouseCapture());
+    Control.SetEnabled(true);
+    QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
+    Press();
+    QDialog Dialog;
+    Dialog.setModal(true);
+    Dialog.show();
+    EXPECT_EQ(Control.Take().substr(0, 6), "cancel") << "a modal dialog takes the mouse";
+    Dialog.hide();
+    QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
+}
+
+TEST(Input, CursorIsAskedForOnMovesWithoutButtons) {
+    struct TCursors : TActive {
+        void WMSetCursor(TMessage& Message) override {
+            if (PointFromParam(Message.LParam).X < 50)
+                ApplyCursor(crSizeWE);
+            else
+                TCustomControl::WMSetCursor(Message);
+        }
+    } Control;
+    Control.SetCursor(crHandPoint);
+    QWindow* Window = Control.windowHandle();
+    QTest::mouseMove(Window, Control.At(10, 10));
+    EXPECT_EQ(Control.GetAppliedCursor(), crSizeWE);
+    EXPECT_EQ(Control.viewport()->cursor().shape(), Qt::SizeHorCursor);
+    QTest::mousePress(Window, Qt::LeftButton, {}, Control.At(10, 10));
+    QTest::mouseMove(Window, Control.At(90, 10));
+    EXPECT_EQ(Control.GetAppliedCursor(), crSizeWE) << "stays while a button is held";
+    QTest::mouseRelease(Window, Qt::LeftButton, {}, Control.At(90, 10));
+    QTest::mouseMove(Window, Control.At(91, 10));
+    EXPECT_EQ(Control.GetAppliedCursor(), crHandPoint);
+    EXPECT_EQ(Control.GetCursor(), crHandPoint);
+}
+
+// --- wheel --------------------------------------------------------------------------------------------------------
+
+TEST(Input, WheelCollectsNotches) {
+    TActive Control;
+    std::string Log;
+    Control.OnMouseWheel = [&](TObject*, TShiftState, int Delta, TPoint, bool&) {
+        Log += std::to_string(Delta) + " ";
+    };
+    Control.OnMouseWheelDown = [&](TObject*, TShiftState Shift, TPoint Pos, bool& Handled) {
+        EXPECT_EQ(Control.ScreenToClient(Pos), (TPoint{30, 30}));
+        Log += "down" + ShiftText(Shift) + " ";
+        Handled = true;
+    };
+    Control.OnMouseWheelUp = [&](TObject*, TShiftState, TPoint, bool& Handled) {
+        Log += "up ";
+        Handled = true;
+    };
+    QWindow* Window = Control.windowHandle();
+    struct {
+        std::vector<int> Deltas;
+        const char* Expected;
+    } const Cases[] = {
+        {{-120}, "-120 down "},
+        {{-50, -50, -50}, "-50 -50 -50 down "},
+        {{-90}, "-90 down "}, // 30 were left
+        {{-360}, "-360 down down down "},
+        {{-100, 60, 60}, "-100 60 60 up "}, // a change of direction starts afresh
+    };
+    for (const auto& Case : Cases) {
+        Log.clear();
+        for (const int Delta : Case.Deltas) SendWheel(Window, Control.At(30, 30), {0, Delta});
+        EXPECT_EQ(Log, Case.Expected);
+    }
+    Log.clear();
+    SendWheel(Window, Control.At(30, 30), {0, -120}, Qt::ControlModifier);
+    EXPECT_EQ(Log, "-120 downctrl ");
+    Control.OnMouseWheel = [&](TObject*, TShiftState, int, TPoint, bool& Handled) { Handled = true; };
+    Log.clear();
+    SendWheel(Window, Control.At(30, 30), {0, -120});
+    EXPECT_EQ(Log, "");
+}
+
+TEST(Input, UnusedWheelGoesToTheParent) {
+    struct TParent : QWidget {
+        int Wheels = 0;
+        void wheelEvent(QWheelEvent* Event) override {
+            ++Wheels;
+            Event->accept();
+        }
+    } Parent;
+    Parent.resize(200, 100);
+    TLogControl Control(&Parent);
+    Control.SetBounds(0, 0, 200, 100);
+    Parent.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Parent));
+    SendWheel(Parent.windowHandle(), {50, 50}, {0, -120});
+    EXPECT_EQ(Parent.Wheels, 1);
+    Control.OnMouseWheelDown = [](TObject*, TShiftState, TPoint, bool& Handled) { Handled = true; };
+    SendWheel(Parent.windowHandle(), {50, 50}, {0, -120});
+    SendWheel(Parent.windowHandle(), {50, 50}, {0, -30});
+    EXPECT_EQ(Parent.Wheels, 1) << "parts of used notches are used";
+}
+
+TEST(Input, HorizontalWheelScrollsLines) {
+    TActive Control;
+    Control.ExtraStyle = WS_HSCROLL;
+    Control.RecreateWnd();
+    Control.LogScroll = true;
+    SendWheel(Control.windowHandle(), Control.At(30, 30), {-120, 0});
+    EXPECT_EQ(Control.Take(), "") << "no bar, nothing to scroll";
+    Control.ShowScrollBar(SB_HORZ, true);
+    SendWheel(Control.windowHandle(), Control.At(30, 30), {-240, 0});
+    SendWheel(Control.windowHandle(), Control.At(30, 30), {120, 0});
+    EXPECT_EQ(Control.Take(), "h1 0; h1 0; h0 0");
+}
+
+// --- keys ---------------------------------------------------------------------------------------------------------
+
+TEST(Input, VirtualKeys) {
+    struct {
+        int Qt;
+        bool Keypad;
+        int Key;
+    } const Cases[] = {
+        {Qt::Key_A, false, 'A'},
+        {Qt::Key_Z, false, 'Z'},
+        {Qt::Key_7, false, '7'},
+        {Qt::Key_7, true, VK_NUMPAD0 + 7},
+        {Qt::Key_Plus, true, VK_ADD},
+        {Qt::Key_Plus, false, VK_OEM_PLUS},
+        {Qt::Key_Minus, true, VK_SUBTRACT},
+        {Qt::Key_Minus, false, VK_OEM_MINUS},
+        {Qt::Key_Asterisk, true, VK_MULTIPLY},
+        {Qt::Key_Asterisk, false, '8'},
+        {Qt::Key_Slash, true, VK_DIVIDE},
+        {Qt::Key_F1, false, VK_F1},
+        {Qt::Key_F2, false, VK_F2},
+        {Qt::Key_F24, false, VK_F24},
+        {Qt::Key_Home, true, VK_HOME},
+        {Qt::Key_Up, true, VK_UP},
+        {Qt::Key_PageDown, false, VK_NEXT},
+        {Qt::Key_Enter, true, VK_RETURN},
+        {Qt::Key_Backtab, false, VK_TAB},
+        {Qt::Key_Escape, false, VK_ESCAPE},
+        {Qt::Key_Space, false, VK_SPACE},
+        {Qt::Key_Delete, false, VK_DELETE},
+        {Qt::Key_Insert, false, VK_INSERT},
+        {Qt::Key_Alt, false, VK_MENU},
+        {Qt::Key_Menu, false, VK_APPS},
+        {Qt::Key_Adiaeresis, false, 0},
+        {Qt::Key_MediaPlay, false, 0},
+        {Qt::Key_unknown, false, 0},
+    };
+    for (const auto& Case : Cases) EXPECT_EQ(VirtualKeyFromQt(Case.Qt, Case.Keypad), Case.Key) << Case.Qt;
+}
+
+TEST(Input, KeysAndCharacters) {
+    TActive Control;
+    Control.LogKeys = true;
+    QWindow* Window = Control.windowHandle();
+    const auto Sent = [&](Qt::Key Key, Qt::KeyboardModifiers Modifiers = {}) {
+        QTest::keyPress(Window, Key, Modifiers);
+        std::string Result = Control.Take();
+        QTest::keyRelease(Window, Key, Modifiers);
+        Control.Take();
+        return Result;
+    };
+    EXPECT_EQ(Sent(Qt::Key_A), "keydown 65; char 97");
+    EXPECT_EQ(Sent(Qt::Key_A, Qt::ShiftModifier), "keydown 16 shift; keydown 65 shift; char 97 shift");
+    EXPECT_EQ(Sent(Qt::Key_Left, Qt::ControlModifier), "keydown 17 ctrl; keydown 37 ctrl");
+    EXPECT_EQ(Sent(Qt::Key_Return), "keydown 13; char 13");
+    EXPECT_EQ(Sent(Qt::Key_Backspace), "keydown 8; char 8");
+    EXPECT_EQ(Sent(Qt::Key_A, Qt::AltModifier), "keydown 18 alt; keydown 65 alt")
+        << "a menu key yields no character";
+    QTest::keyRelease(Window, Qt::Key_Down);
+    EXPECT_EQ(Control.Take(), "keyup 40");
+
+    const auto Text = [&](const char* Utf8, Qt::KeyboardModifiers Modifiers = {}) {
+        QKeyEvent Event(QEvent::KeyPress, Qt::Key_unknown, Modifiers, QString::fromUtf8(Utf8));
+        QApplication::sendEvent(&Control, &Event);
+        return Control.Take();
+    };
+    EXPECT_EQ(Text("\xC3\xA4"), "keydown 231; char 228");
+    EXPECT_EQ(Text("\xF0\x9F\x98\x80"), "keydown 231; char 128512")
+        << "one code point outside the first plane";
+    EXPECT_EQ(Text("\xE2\x82\xAC", Qt::ControlModifier | Qt::AltModifier),
+              "keydown 231 alt+ctrl; char 8364 alt+ctrl")
+        << "AltGr";
+
+    QInputMethodEvent Commit;
+    Commit.setCommitString(QString::fromUtf8("\xE6\xBC\xA2\xE5\xAD\x97"));
+    QApplication::sendEvent(&Control, &Commit);
+    EXPECT_EQ(Control.Take(), "char 28450; char 23383");
+
+    Control.OnKeyDown = [](TObject*, std::uint16_t& Key, TShiftState) { Key = 0; };
+    EXPECT_EQ(Sent(Qt::Key_A), "keydown 65") << "a consumed key yields no character";
+}
+
+TEST(Input, UnhandledKeysGoOnToTheDialog) {
+    QDialog Dialog;
+    Dialog.resize(300, 200);
+    TLogControl Control(&Dialog);
+    Control.SetBounds(0, 0, 200, 100);
+    QPushButton Default(&Dialog);
+    Default.setGeometry(0, 120, 80, 30);
+    Default.setDefault(true);
+    int Clicks = 0;
+    QObject::connect(&Default, &QPushButton::clicked, [&] { ++Clicks; });
+    Dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Dialog));
+    Control.SetFocus();
+    QWindow* Window = Dialog.windowHandle();
+
+    Control.Wanted = {VK_RETURN, VK_ESCAPE};
+    QTest::keyClick(Window, Qt::Key_Return);
+    QTest::keyClick(Window, Qt::Key_Escape);
+    EXPECT_EQ(Clicks, 0);
+    EXPECT_TRUE(Dialog.isVisible());
+    Control.Wanted = {};
+    Control.OnKeyPress = [](TObject*, char32_t& Key) {
+        if (Key == 13 || Key == 27) Key = 0;
+    };
+    QTest::keyClick(Window, Qt::Key_Return);
+    QTest::keyClick(Window, Qt::Key_Escape);
+    EXPECT_EQ(Clicks, 0);
+    EXPECT_TRUE(Dialog.isVisible());
+    Control.OnKeyPress = nullptr;
+    QTest::keyClick(Window, Qt::Key_Return);
+    EXPECT_EQ(Clicks, 1);
+    QTest::keyClick(Window, Qt::Key_Escape);
+    EXPECT_FALSE(Dialog.isVisible());
+}
+
+TEST(Input, TabMovesTheFocusUnlessWanted) {
+    QWidget Window;
+    Window.resize(300, 200);
+    TLogControl Control(&Window);
+    Control.SetTabStop(true);
+    Control.SetBounds(0, 0, 200, 100);
+    Control.LogKeys = true;
+    QLineEdit Other(&Window);
+    Other.setGeometry(0, 120, 100, 30);
+    // A child of the client area, as an in-place editor is.
+    QLineEdit Inner(Control.viewport());
+    Inner.setGeometry(0, 0, 50, 20);
+    Window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+    Control.SetFocus();
+    Control.Wanted = {VK_TAB};
+    QTest::keyPress(Window.windowHandle(), Qt::Key_Tab);
+    QTest::keyPress(Window.windowHandle(), Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(Control.Take(), "keydown 9; char 9; keydown 16 shift; keydown 9 shift; char 9 shift");
+    EXPECT_TRUE(Control.Focused());
+    Inner.setFocus();
+    QTest::keyPress(Window.windowHandle(), Qt::Key_Tab);
+    EXPECT_TRUE(Inner.hasFocus()) << "the editor of a control that wants Tab sees it";
+    Control.SetFocus();
+    Control.Wanted = {};
+    Control.Take();
+    QTest::keyPress(Window.windowHandle(), Qt::Key_Tab);
+    EXPECT_EQ(Control.Take(), "");
+    EXPECT_FALSE(Control.Focused());
+}
+
+TEST(Input, ClipboardKeysBecomeMessagesWhenWanted) {
+    struct TClipboardControl : TActive {
+        bool Wants = true;
+        bool WantsClipboardKeys() const override { return Wants; }
+    } Control;
+    int Triggered = 0;
+    QShortcut Shortcut(QKeySequence::Copy, &Control);
+    QObject::connect(&Shortcut, &QShortcut::activated, [&] { ++Triggered; });
+    Control.LogKeys = true;
+    QWindow* Window = Control.windowHandle();
+    QTest::keyPress(Window, Qt::Key_C, Qt::ControlModifier);
+    QTest::keyPress(Window, Qt::Key_X, Qt::ControlModifier);
+    QTest::keyPress(Window, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Control.Take(), "keydown 17 ctrl; copy; keydown 17 ctrl; cut; keydown 17 ctrl; paste");
+    EXPECT_EQ(Triggered, 0);
+    Control.Wants = false;
+    QTest::keyPress(Window, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(Control.Take(), "keydown 17 ctrl");
+    EXPECT_EQ(Triggered, 1) << "otherwise the program's shortcut works";
+}
+
+// --- focus --------------------------------------------------------------------------------------------------------
+
+TEST(Input, FocusEntersAndLeavesTheControlAsAWhole) {
+    QWidget Window;
+    Window.resize(300, 200);
+    TLogControl Control(&Window);
+    Control.SetBounds(0, 0, 200, 100);
+    Control.LogFocus = true;
+    QLineEdit Inner(Control.viewport());
+    QLineEdit Other(&Window);
+    Other.setGeometry(0, 120, 100, 30);
+    Window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+    Other.setFocus();
+    EXPECT_EQ(Control.Take(), "");
+    Control.SetFocus();
+    EXPECT_EQ(Control.Take(), "setfocus; enter");
+    EXPECT_TRUE(Control.Focused());
+    Inner.setFocus();
+    qApp->processEvents();
+    EXPECT_EQ(Control.Take(), "killfocus") << "its own editor";
+    EXPECT_FALSE(Control.Focused());
+    EXPECT_TRUE(Control.ContainsFocus());
+    Other.setFocus();
+    EXPECT_EQ(Control.Take(), "exit");
+    Inner.setFocus();
+    qApp->processEvents();
+    EXPECT_EQ(Control.Take(), "enter");
+    Control.setFocus();
+    EXPECT_EQ(Control.Take(), "setfocus");
+
+    QWidget Second;
+    Second.show();
+    Second.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Second));
+    EXPECT_EQ(Control.Take(), "killfocus") << "another window is no exit";
+    Window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+    qApp->processEvents();
+    EXPECT_EQ(Control.Take(), "setfocus");
+    Other.setFocus();
+    Control.setFocus();
+    Other.setFocus();
+    qApp->processEvents();
+    EXPECT_EQ(Control.Take(), "killfocus; exit; setfocus; killfocus")
+        << "left before it was told that it entered";
+}
+
+TEST(Input, EnterComesBeforeThePressThatCausedIt) {
+    QWidget Window;
+    Window.resize(300, 200);
+    TLogControl Control(&Window);
+    Control.SetBounds(0, 0, 200, 100);
+    QLineEdit Other(&Window);
+    Other.setGeometry(0, 120, 100, 30);
+    Window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+    Other.setFocus();
+    Control.LogFocus = true;
+    Control.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { Control.Log("down"); };
+    QTest::mouseClick(Window.windowHandle(), Qt::LeftButton, {}, {50, 50});
+    EXPECT_EQ(Control.Take(), "setfocus; enter; down");
+}
+
+// --- timers -------------------------------------------------------------------------------------------------------
+
+TEST(Input, TimersCarryTheirIdentifier) {
+    TLogControl Control;
+    Control.HandleNeeded();
+    Control.LogWindow = true;
+    Control.SetTimer(1, 1);
+    Control.SetTimer(7, 100000);
+    Control.SetTimer(1, 2); // restarts, one timer
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Control.Take().find("timer 1") == 0; }));
+    Control.KillTimer(1);
+    Control.Take();
+    QTest::qWait(10);
+    EXPECT_EQ(Control.Take(), "");
+    EXPECT_FALSE(Control.HasTimer(1));
+    EXPECT_TRUE(Control.HasTimer(7));
+}
