@@ -188,7 +188,7 @@ void TCustomQuillTree::SetRedraw(bool Enable) {
 
 // Nothing while redraw is off: the tree may be half changed.
 void TCustomQuillTree::ProcessMessages() {
-    if (!IsRedrawEnabled() || IsDestroying()) return;
+    if (!GetRedraw() || IsDestroying()) return;
     const TControlGuard Guard(this);
     Update();
     if (!Guard) return;

@@ -104,7 +104,7 @@ constexpr std::chrono::milliseconds FrameTime{8};
 
 // Nobody sees a hidden window slide, and a half changed tree must not be drawn.
 bool TCustomQuillTree::CanSlide() const {
-    return FSmoothExpandCollapse && HandleAllocated() && isVisible() && IsRedrawEnabled();
+    return FSmoothExpandCollapse && HandleAllocated() && isVisible() && GetRedraw();
 }
 
 // Pixels that Count rows from Index take, cut at Limit.
@@ -221,12 +221,12 @@ void TCustomQuillTree::FixupRowHeights(int FromRow) {
 
 // Whether every node's row has the default height, so that no node need be asked.
 bool TCustomQuillTree::HasUniformHeights() const {
-    return IsLoading() || (!FFitToHeight && FItems && FItems->GetStoredHeightCount() == 0);
+    return IsLoading() || (!FFitToHeight && FItems && !FItems->GetHasStoredHeights());
 }
 
 // Whether moving stored heights from row to row could change anything that can be seen or noticed.
 bool TCustomQuillTree::HeightsMatter() const {
-    return (FItems && FItems->GetStoredHeightCount() > 0) || OnRowHeightChanging || OnRowHeightChanged;
+    return (FItems && FItems->GetHasStoredHeights()) || OnRowHeightChanging || OnRowHeightChanged;
 }
 
 int TCustomQuillTree::GetRowHeights(int Row) {

@@ -1,0 +1,250 @@
+// What the tree paints: outlines by geometry, drawing order, colours, and mirrored pictures.
+#include "host/graphics/RecordingCanvas.h"
+#include "tests/tree/TreeTestSupport.h"
+
+#include <QImage>
+
+#include <algorithm>
+
+namespace quill {
+namespace {
+
+constexpr int RowHeight = 20;
+
+// Draws all rows of the structure column on a canvas of their own, cell left at 0.
+class TPaintTree : public TTestTree {
+public:
+    TPaintTree() {
+        SetOptions({});
+        SetFont(GetFont());
+        SetOutlineColor(clRed);
+        SetDefaultRowHeight(RowHeight);
+    }
+    TRecordingCanvas& Draw(TExGridDrawState State = {}) {
+        Canvas.ClearLog();
+        for (int Row = 0; Row < GetRowCount(); ++Row) {
+            bool Continue = true;
+            DrawCell(Canvas, 0, Row, {0, Row * RowHeight, 200, (Row + 1) * RowHeight}, State, Continue);
+        }
+        return Canvas;
+    }
+    // The outline's pixels as runs: "|11:13-21" is a vertical from y 13 to 21 at x 11, "-11:11-19" a horizontal at y.
+    std::string Lines() {
+        Draw();
+        const QImage& Image = Canvas.GetImage();
+        const auto IsLine = [&](int X, int Y) {
+            return X >= 0 && Y >= 0 && X < Image.width() && Y < Image.height() &&
+                   (Image.pixel(X, Y) & 0xFFFFFF) == 0xFF0000;
+        };
+        std::string Out;
+        const int Gap = GetOutlineStyle() == olsExcel ? 1 : 2;
+        const auto Scan = [&](char Kind, int Fixed, int Limit, auto At) {
+            for (int From = 0; From < Limit; ++From) {
+                if (!At(Fixed, From) || At(Fixed, From - Gap)) continue;
+                int To = From;
+                while (At(Fixed, To + Gap)) To += Gap;
+                if (To - From >= 2 * Gap) {
+                    Out += std::string(Out.empty() ? "" : " ") + Kind + std::to_string(Fixed) + ":" +
+                           std::to_string(From) + "-" + std::to_string(To);
+                }
+            }
+        };
+        for (int X = 0; X < 120; ++X) Scan('|', X, Image.height(), [&](int Px, int Py) { return IsLine(Px, Py); });
+        for (int Y = 0; Y < GetRowCount() * RowHeight; ++Y) {
+            Scan('-', Y, 120, [&](int Py, int Px) { return IsLine(Px, Py); });
+        }
+        return Out;
+    }
+    TRecordingCanvas Canvas{200, 200};
+};
+
+constexpr const char* Outline = "A+\n B+\n  C\n D\nE\n";
+
+TEST(TreePaint, StandardLinesAreDottedOnOddPixelsAndJoinAllLevels) {
+    TPaintTree Tree;
+    Tree.SetShowButtons(false);
+    Tree.Build(Outline);
+    // Rows: A 0, B 20, C 40, D 60, E 80; centres 11, 31, 51; middles 11, 31, 51, 71, 91.
+    EXPECT_EQ(Tree.Lines(), "|11:11-91 |31:19-71 |51:39-51 "
+                            "-11:11-19 -31:31-39 -51:51-59 -71:31-39 -91:11-19");
+}
+
+TEST(TreePaint, ExplorerLinesStandUnderTheParentAndSpareTheTopLevel) {
+    TPaintTree Tree;
+    Tree.SetShowButtons(false);
+    Tree.SetOutlineStyle(olsExplorer);
+    Tree.Build(Outline);
+    EXPECT_EQ(Tree.Lines(), "|11:19-71 |31:39-51 -51:31-39 -71:11-19");
+}
+
+TEST(TreePaint, SolidLinesMarkBranchesThatGoOn) {
+    TPaintTree Tree;
+    Tree.SetShowButtons(false);
+    Tree.SetOutlineStyle(olsExcel);
+    Tree.Build(Outline);
+    std::string Marks;
+    for (const std::string& Line : Tree.Draw().GetLines()) {
+        if (Line.starts_with("PatBlt")) Marks += Line;
+    }
+    EXPECT_NE(Marks.find("(19,31)"), std::string::npos) << Marks;
+    EXPECT_EQ(std::count(Marks.begin(), Marks.end(), 'x'), 1) << "only B goes on: " << Marks;
+    EXPECT_EQ(Tree.Lines().find("|51"), std::string::npos);
+}
+
+TEST(TreePaint, ButtonsShowOnlyWhereChildrenCanBeSeen) {
+    TPaintTree Tree;
+    Tree.SetShowlines(false);
+    Tree.Build("Open+\n x\nClosed\n x\nLeaf\nHiding\n x\nForced\n");
+    Tree.Find("Hiding")->getFirstChild()->Hide();
+    Tree.Find("Forced")->SetChildren(true);
+    std::string Frames;
+    for (const std::string& Line : Tree.Draw().GetLines()) {
+        if (Line.starts_with("Rectangle")) Frames += Line.substr(0, Line.find(')') + 1) + ";";
+    }
+    EXPECT_EQ(Frames, "Rectangle (6,5,17,16);Rectangle (6,45,17,56);Rectangle (6,105,17,116);");
+    Tree.SetShowRoot(false);
+    EXPECT_EQ(Tree.Draw().GetLog("Rectangle"), "") << "top-level nodes have no slot";
+}
+
+TEST(TreePaint, StateGlyphsTakeRoomOnlyWhenTheyAreKnown) {
+    TPaintTree Tree;
+    Tree.SetShowButtons(false);
+    Tree.SetShowlines(false);
+    Tree.SetShowLogic(true);
+    Tree.Build("A\n");
+    TFlyNode* Node = Tree.Find("A");
+    const auto TextLeft = [&](int State) {
+        Node->SetStateIndexField(State);
+        const std::string Line = Tree.Draw().GetLog("Text");
+        return Line.substr(6, Line.find(',') - 6);
+    };
+    EXPECT_EQ(TextLeft(-1), "4");
+    EXPECT_EQ(TextLeft(2), "24");
+    EXPECT_EQ(TextLeft(11), "4") << "drawn states above 10 leave no gap";
+    EXPECT_EQ(TextLeft(2), "24");
+    EXPECT_NE(Tree.Draw().GetLog("DrawFrameControl") + Tree.Draw().GetLog("FrameControl"), "");
+    for (int State = 0; State <= 10; ++State) {
+        for (const bool Drawn : {true, false}) {
+            Tree.SetStatesDrawed(Drawn);
+            Node->SetStateIndexField(State);
+            const QImage Before = Tree.Draw().GetImage().copy();
+            Node->SetStateIndexField(-1);
+            EXPECT_NE(Before, Tree.Draw().GetImage()) << State << (Drawn ? " drawn" : " bitmap");
+        }
+    }
+}
+
+TEST(TreePaint, SelectionColoursFollowFocusStyleAndOptions) {
+    TTestTree Tree;
+    Tree.Build("Apple\nPear\n");
+    Tree.SetSelection(Tree.Find("Apple"));
+    const auto Colours = [&](int Row) {
+        TColor Brush = clNone;
+        TColor Font = clNone;
+        bool Changed = false;
+        Tree.GetColor(Tree.GetNodeAtRow(Row), 0, Row, {}, Brush, Font, Changed);
+        return !Changed ? "plain" : Brush == clHighlight ? "focused" : "unfocused";
+    };
+    EXPECT_STREQ(Colours(0), "unfocused");
+    EXPECT_STREQ(Colours(1), "plain");
+    Tree.SetHideSelection(true);
+    EXPECT_STREQ(Colours(0), "plain");
+    TColor Brush = clNone;
+    TColor Font = clNone;
+    bool Changed = false;
+    Tree.SetHideSelection(false);
+    Tree.GetColor(Tree.GetNodeAtRow(0), 0, 0, gdNoUseSelColor, Brush, Font, Changed);
+    EXPECT_FALSE(Changed);
+}
+
+TEST(TreePaint, TextOnlySelectionCoversTheTextAndEightPixels) {
+    TTestTree Tree;
+    Tree.Build("Apple\n");
+    Tree.SetSelection(Tree.Find("Apple"));
+    Tree.SetNodeSelectionStyle(tnsTextOnly);
+    TRecordingCanvas Canvas(200, 40);
+    bool Continue = true;
+    Tree.DrawCell(Canvas, 0, 0, {0, 0, 200, 20}, gdSelected, Continue);
+    Canvas.SetFont(Tree.GetFont());
+    const int Right = 20 + Canvas.TextWidth("Apple") + 8;
+    EXPECT_NE(Canvas.GetLog("FillRect").find("(20,0," + std::to_string(Right) + ",20) clInactiveCaption"),
+              std::string::npos)
+        << Canvas.GetLog("FillRect");
+}
+
+TEST(TreePaint, ASelectedRowIsColouredInOnePiece) {
+    TTestTree Tree;
+    Tree.SetColCount(2);
+    Tree.SetOptions({goRowSelect, goRangeSelect});
+    Tree.Build("Apple\nPear\n");
+    Tree.SetSelection(Tree.Find("Pear"));
+    Tree.HandleNeeded();
+    Tree.Repaint();
+    const QImage Image = Tree.GetSurfaceImage();
+    const int Row = Tree.GetDefaultRowHeight();
+    const auto At = [&](int X, int Y) {
+        return Image.pixel(static_cast<int>(X * Tree.GetScale()), static_cast<int>(Y * Tree.GetScale()));
+    };
+    EXPECT_EQ(At(2, Row + 3), At(190, Row + 3)) << "the outline is coloured like the text";
+    EXPECT_EQ(At(2, Row + 3), At(210, Row + 3));
+    EXPECT_NE(At(2, Row + 3), At(2, 3));
+}
+
+// Everything but glyphs and pictures is the mirror image of the left-to-right painting.
+TEST(TreePaint, RightToLeftIsTheMirrorImage) {
+    for (const TOutlineStyle Style : {olsStandardTree, olsExplorer, olsExcel}) {
+        QImage Images[2];
+        for (const TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
+            TTestTree Tree;
+            Tree.SetScrollBars(ssNone);
+            Tree.SetColCount(3);
+            Tree.SetFixedRows(1);
+            Tree.SetOutlineStyle(Style);
+            Tree.Build("+\n +\n  \n \n");
+            Tree.GetItems()->BeginUpdate();
+            TFlyNode* Top = Tree.GetItems()->Add(nullptr, "");
+            Tree.GetItems()->AddChild(Tree.GetItems()->AddChild(Top, ""), "");
+            Tree.GetItems()->AddChild(Top, "");
+            Tree.GetItems()->EndUpdate();
+            Top->Expand(true);
+            Tree.SetBiDiMode(Mode);
+            Tree.HandleNeeded();
+            Tree.Repaint();
+            Images[Mode] = Tree.GetSurfaceImage();
+        }
+        const QImage Mirrored = Images[bdLeftToRight].mirrored(true, false);
+        int Different = 0;
+        QPoint First;
+        for (int Y = 30; Y < Mirrored.height(); ++Y) {
+            for (int X = 0; X < Mirrored.width(); ++X) {
+                if (Mirrored.pixel(X, Y) == Images[bdRightToLeft].pixel(X, Y)) continue;
+                if (Different++ == 0) First = {X, Y};
+            }
+        }
+        EXPECT_EQ(Different, 0) << "style " << Style << ", first at " << First.x() << "," << First.y();
+        Images[0].save("/tmp/ltr.png");
+        Images[1].save("/tmp/rtl.png");
+    }
+}
+
+TEST(TreePaint, AMillionLevelsPaintWithoutWalkingThemForEveryRow) {
+    TTestTree Tree;
+    TFlyNodes& Items = *Tree.GetItems();
+    Items.BeginUpdate();
+    TFlyNode* Node = nullptr;
+    for (int Level = 0; Level < 1000000; ++Level) {
+        Node = Items.AddChild(Node, "x");
+        if (Node->GetParent()) Node->GetParent()->SetExpandedField(true);
+    }
+    Items.EndUpdate();
+    ASSERT_EQ(Tree.GetRowCount(), 1000000);
+    Tree.HandleNeeded();
+    for (const int Row : {0, 500000, 999990}) {
+        Tree.SetTopRow(Row);
+        Tree.Repaint();
+    }
+    EXPECT_EQ(Tree.GetNodeAtRow(999999), Node);
+}
+
+} // namespace
+} // namespace quill
