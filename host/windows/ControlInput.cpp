@@ -126,7 +126,7 @@ TPoint TCustomControl::TImpl::ClientPos(const QMouseEvent& Event) const {
     const QPoint Origin = DeviceOrigin();
     const QPointF InWindow = Control.viewport()->mapTo(Control.window(), Pos);
     const auto Find = [&](double Window, int DeviceStart) {
-        const int Device = Floor(Window * Scale + 1e-3) - DeviceStart;
+        const int Device = Floor(Window * Scale + 0.5) - DeviceStart;
         return static_cast<int>(std::ceil((Device + 0.5) / Scale)) - 1;
     };
     return {Find(InWindow.x(), Origin.x()), Find(InWindow.y(), Origin.y())};

@@ -138,7 +138,10 @@ std::unique_ptr<TBitmap> TCustomControl::CaptureClient() {
     const TControlGuard Guard(this);
     const QImage Image = GetSurfaceImage();
     auto Result = std::make_unique<TBitmap>();
-    if (Guard) Result->SetImage(Image, FImpl->Scale);
+    if (!Guard || Image.isNull()) return Result;
+    // Without the pixels that round the surface up, so that the bitmap has the client's size.
+    const QRect Client(0, 0, FCanvas->ToDevice(GetClientWidth()), FCanvas->ToDevice(GetClientHeight()));
+    Result->SetImage(Image.copy(Client & Image.rect()), FImpl->Scale);
     return Result;
 }
 
