@@ -352,7 +352,8 @@ void TBitmap::DrawOn(TCanvas& Canvas, const TRect& Rect) {
     const TRepresentations::TRepresentation& Best = Images->Images[Index];
     const bool Keyed = FTransparent && !HasAlpha();
     QSize Size = Canvas.ToDeviceRect(Rect).size();
-    const bool IsWhole = Rect.Width() == GetWidth() && Rect.Height() == GetHeight();
+    const bool IsWhole = std::int64_t{Rect.Left} + GetWidth() == Rect.Right &&
+                         std::int64_t{Rect.Top} + GetHeight() == Rect.Bottom;
     if (Best.Scale == Canvas.GetScale() && IsWhole) Size = Best.Image.size();
     const bool Fits = Size == Best.Image.size();
     if (Size.isEmpty() || (Fits && !Keyed)) {

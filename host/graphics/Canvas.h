@@ -140,6 +140,8 @@ public:
     // extent in Rect, Left and Top kept: the width of the widest line (with DT_WORDBREAK lines are broken at the
     // given width; a word that is wider overflows it) and the height of all lines. With DT_SINGLELINE line breaks
     // are shown as spaces. The base direction is left to right unless DT_RTLREADING says otherwise.
+    // Text that is larger than Rect is clipped to it (unless DT_NOCLIP); one that fits may reach over its edges by
+    // the pixel that letters overhang.
     // Without DT_NOPREFIX a single "&" underlines the next character. Mirrored: Rect is mirrored, glyphs are not.
     virtual int DrawText(std::string_view Text, TRect& Rect, unsigned Flags);
     virtual void TextOut(int X, int Y, std::string_view Text);

@@ -101,6 +101,7 @@ void TCanvas::StraightLine(TPoint From, TPoint To) {
         Side = ToDevice(AddClamped(Across, -(Width / 2)));
         Thickness = ToDevice(AddClamped(Across, Width - Width / 2)) - Side;
     }
+    if (Thickness < 1 || End <= Begin) return; // far outside
     const auto Strip = [&](int A, int B) {
         PenDevice(Horizontal ? QRect(A, Side, B - A, Thickness) : QRect(Side, A, Thickness, B - A));
     };
@@ -129,7 +130,8 @@ void TCanvas::StraightLine(TPoint From, TPoint To) {
 }
 
 void TCanvas::SlantedLine(TPoint From, TPoint To) {
-    const double Half = Hairline() / 2.0;
+    // Without smoothing the painter counts from the middle of the pixels.
+    const double Half = (Hairline() - 1) / 2.0;
     const double Width = FPen.GetWidth() > 1 ? std::max(1.0, FPen.GetWidth() * FScale) : Hairline();
     const TPenMode Mode = FPen.GetMode();
     TColor Color = FPen.GetColor();

@@ -195,13 +195,13 @@ private:
         for (QTextLine Line = Layout.createLine(); Line.isValid(); Line = Layout.createLine())
             Line.setLineWidth(Wraps ? FWidth : WidestLine);
         Layout.endLayout();
-        if ((FFlags & Elide) != 0 && !Wraps && CeilWidth(Layout.lineAt(0).naturalTextWidth()) > FWidth) {
+        if ((FFlags & Elide) != 0 && !Wraps && CeilWidth(Layout.lineAt(0).horizontalAdvance()) > FWidth) {
             Elided(Text, Mark);
             return;
         }
         for (int I = 0; I < Layout.lineCount(); ++I) Take(Layout.lineAt(I), Mark);
         if (!Wraps && (FFlags & RightToLeft) == 0 && FBlock.Lines.back().RunCount == 1)
-            FFace.Glyphs.Learn(FFace.Font, Text, FBlock.Runs.back(), Layout.lineAt(0).naturalTextWidth());
+            FFace.Glyphs.Learn(FFace.Font, Text, FBlock.Runs.back(), Layout.lineAt(0).horizontalAdvance());
     }
 
     // Makes the line from the glyphs that are known of the face, when they suffice.
@@ -263,7 +263,7 @@ private:
             Line.setLineWidth(Room);
             Kept = Line.textLength();
             // A first cluster that is too wide is laid out all the same.
-            if (Line.naturalTextWidth() > Room + 0.01) Kept = 0;
+            if (Line.horizontalAdvance() > Room + 0.01) Kept = 0;
             Fitting.endLayout();
         }
         QTextLayout Layout(Text.left(Kept) + Ellipsis, FFace.Font);
@@ -278,7 +278,7 @@ private:
     void Take(const QTextLine& Line, qsizetype Mark) {
         TLine Result;
         Result.FirstRun = static_cast<int>(FBlock.Runs.size());
-        Result.Width = CeilWidth(Line.naturalTextWidth());
+        Result.Width = CeilWidth(Line.horizontalAdvance());
         const QPointF Origin(Line.x(), Line.y() + Line.ascent());
         for (QGlyphRun& Run : Line.glyphRuns()) {
             QList<QPointF> Positions = Run.positions();

@@ -1,16 +1,578 @@
+// Geometry of the canvas: scale, mirroring, clipping, lines, raster operations and copies, by pixels.
 #include "host/graphics/RecordingCanvas.h"
+#include "tests/graphics/Pictures.h"
 #include "tests/support/QtTest.h"
+
+#include <QPainter>
+#include <QRegion>
+
+#include <functional>
+#include <limits>
+#include <vector>
 
 namespace quill {
 namespace {
 
-TEST(Canvas, FillsItsRectangle) {
-    TRecordingCanvas Canvas(20, 20);
+using testing::Art;
+using testing::InkBounds;
+using testing::Show;
+using testing::TPictureCanvas;
+
+constexpr int Low = std::numeric_limits<int>::min();
+constexpr int High = std::numeric_limits<int>::max();
+
+TEST(Canvas, SnapsAndMirrorsRectangles) {
+    struct TCase {
+        double Scale;
+        bool Mirrored;
+        TRect Rect;
+        const char* Device;
+    };
+    const TCase Cases[] = {
+        {1.0, false, {2, 3, 5, 7}, "(2,3,5,7)"},
+        {1.0, true, {2, 3, 5, 7}, "(35,3,38,7)"},
+        {2.0, false, {2, 3, 5, 7}, "(4,6,10,14)"},
+        {2.0, true, {2, 3, 5, 7}, "(70,6,76,14)"},
+        {1.5, false, {1, 1, 2, 2}, "(2,2,3,3)"},
+        {1.5, false, {2, 2, 3, 3}, "(3,3,5,5)"},
+        {1.0, false, {-5, -5, 3, 3}, "(0,0,3,3)"},
+        {1.0, false, {3, 3, 3, 9}, "empty"},
+        {1.0, false, {5, 5, 3, 9}, "empty"},
+        {1.0, false, {Low, Low, High, High}, "(0,0,40,20)"},
+        {1.5, true, {Low, Low, High, High}, "(0,0,60,30)"},
+        {1.0, false, {High - 1, 0, High, 5}, "empty"},
+    };
+    for (const TCase& Case : Cases) {
+        TPictureCanvas Canvas(40, 20, Case.Scale);
+        Canvas.SetMirrored(Case.Mirrored, 40);
+        Canvas.GetBrush()->SetColor(clRed);
+        Canvas.FillRect(Case.Rect);
+        EXPECT_EQ(Show(InkBounds(Canvas.Image)), Case.Device)
+            << Case.Scale << (Case.Mirrored ? " mirrored" : "");
+    }
+}
+
+TEST(Canvas, NeighboursMeetAtEveryScale) {
+    for (const double Scale : {1.0, 1.1, 1.25, 1.5, 1.75, 2.0, 2.5}) {
+        for (const bool Mirrored : {false, true}) {
+            TPictureCanvas Canvas(60, 20, Scale);
+            Canvas.SetMirrored(Mirrored, 60);
+            // Inverted once each, all pixels are black: nothing was left out and nothing met twice.
+            for (int X = 0; X < 60; X += 3)
+                for (int Y = 0; Y < 20; Y += 5) Canvas.InvertRect({X, Y, X + 3, Y + 5});
+            QImage Black(Canvas.Image.size(), QImage::Format_RGB32);
+            Black.fill(Qt::black);
+            EXPECT_TRUE(Canvas.Image == Black) << Scale;
+        }
+    }
+}
+
+TEST(Canvas, DrawsLinesWithoutTheirLastPoint) {
+    struct TCase {
+        const char* Name;
+        std::function<void(TCanvas&)> Draw;
+        double Scale;
+        const char* Picture;
+    };
+    const auto Line = [](int X1, int Y1, int X2, int Y2) {
+        return [=](TCanvas& Canvas) {
+            Canvas.MoveTo(X1, Y1);
+            Canvas.LineTo(X2, Y2);
+        };
+    };
+    const TCase Cases[] = {
+        {"right", Line(1, 1, 4, 1), 1.0, "......\n.###..\n......\n......\n"},
+        {"left", Line(4, 1, 1, 1), 1.0, "......\n..###.\n......\n......\n"},
+        {"down", Line(1, 1, 1, 3), 1.0, "......\n.#....\n.#....\n......\n"},
+        {"up", Line(1, 3, 1, 1), 1.0, "......\n......\n.#....\n.#....\n"},
+        {"slanted", Line(0, 0, 3, 3), 1.0, "#.....\n.#....\n..#...\n......\n"},
+        {"nothing", Line(2, 2, 2, 2), 1.0, "......\n......\n......\n......\n"},
+        {"clipped", Line(Low, 2, High, 2), 1.0, "......\n......\n######\n......\n"},
+        {"width 3",
+         [&](TCanvas& Canvas) {
+             Canvas.GetPen()->SetWidth(3);
+             Line(1, 2, 4, 2)(Canvas);
+         },
+         1.0, "......\n.###..\n.###..\n.###..\n"},
+        {"width 2",
+         [&](TCanvas& Canvas) {
+             Canvas.GetPen()->SetWidth(2);
+             Line(3, 0, 3, 3)(Canvas);
+         },
+         1.0, "..##..\n..##..\n..##..\n......\n"},
+        {"mirrored column",
+         [&](TCanvas& Canvas) {
+             Canvas.SetMirrored(true, 6);
+             Line(2, 0, 2, 3)(Canvas);
+         },
+         1.0, "....#.\n....#.\n....#.\n......\n"},
+        {"mirrored row",
+         [&](TCanvas& Canvas) {
+             Canvas.SetMirrored(true, 6);
+             Line(1, 1, 4, 1)(Canvas);
+         },
+         1.0, "......\n...###\n......\n......\n"},
+        {"dots",
+         [&](TCanvas& Canvas) {
+             Canvas.GetPen()->SetStyle(psDot);
+             Line(0, 0, 6, 0)(Canvas);
+             Line(5, 3, -1, 3)(Canvas);
+         },
+         1.0, "###...\n......\n......\n...###\n"},
+        {"hairline at 1.5", Line(1, 1, 3, 1), 1.5,
+         ".........\n.........\n..###....\n.........\n.........\n.........\n"},
+        {"hairline at 2", Line(1, 0, 3, 0), 2.0,
+         "..####......\n..####......\n............\n............\n............\n............\n............\n."
+         "......."
+         "....\n"},
+        {"rectangle",
+         [](TCanvas& Canvas) {
+             Canvas.GetBrush()->SetStyle(bsClear);
+             Canvas.Rectangle({1, 0, 5, 4});
+         },
+         1.0, ".####.\n.#..#.\n.#..#.\n.####.\n"},
+        {"inverted rectangle",
+         [](TCanvas& Canvas) {
+             Canvas.GetBrush()->SetStyle(bsClear);
+             Canvas.GetPen()->SetMode(pmNot);
+             Canvas.Rectangle({1, 0, 5, 4});
+         },
+         1.0, ".####.\n.#..#.\n.#..#.\n.####.\n"},
+        {"pixels",
+         [](TCanvas& Canvas) {
+             const TPoint Points[] = {{0, 0}, {2, 1}, {9, 9}, {-1, 0}, {5, 3}};
+             Canvas.SetPixels(Points, clRed);
+         },
+         1.0, "#.....\n..#...\n......\n.....#\n"},
+    };
+    for (const TCase& Case : Cases) {
+        TPictureCanvas Canvas(6, 4, Case.Scale);
+        Case.Draw(Canvas);
+        EXPECT_EQ(Art(Canvas.Image), Case.Picture) << Case.Name;
+    }
+}
+
+TEST(Canvas, CombinesColoursExactly) {
+    struct TCase {
+        const char* Name;
+        std::function<void(TCanvas&)> Draw;
+        TColor Expected;
+    };
+    const auto Pen = [](TPenMode Mode) {
+        return [Mode](TCanvas& Canvas) {
+            Canvas.GetPen()->SetMode(Mode);
+            Canvas.GetPen()->SetColor(0x0F0F0F);
+            Canvas.MoveTo(0, 0);
+            Canvas.LineTo(1, 0);
+        };
+    };
+    const auto Pattern = [](unsigned Rop) {
+        return [Rop](TCanvas& Canvas) {
+            Canvas.GetBrush()->SetColor(0x0F0F0F);
+            Canvas.PatBlt(0, 0, 1, 1, Rop);
+        };
+    };
+    const TCase Cases[] = {
+        {"not", Pen(pmNot), 0xEDCBA9},
+        {"xor", Pen(pmXor), 0x1D3B59},
+        {"notxor", Pen(pmNotXor), 0xE2C4A6},
+        {"black", Pen(pmBlack), 0x000000},
+        {"white", Pen(pmWhite), 0xFFFFFF},
+        {"copy", Pen(pmCopy), 0x0F0F0F},
+        {"PATCOPY", Pattern(PATCOPY), 0x0F0F0F},
+        {"PATINVERT", Pattern(PATINVERT), 0x1D3B59},
+        {"DSTINVERT", Pattern(DSTINVERT), 0xEDCBA9},
+        {"BLACKNESS", Pattern(BLACKNESS), 0x000000},
+        {"WHITENESS", Pattern(WHITENESS), 0xFFFFFF},
+        {"clear brush",
+         [](TCanvas& Canvas) {
+             Canvas.GetBrush()->SetStyle(bsClear);
+             Canvas.FillRect({0, 0, 1, 1});
+             Canvas.PatBlt(0, 0, 1, 1, PATCOPY);
+         },
+         0x123456},
+    };
+    for (const TCase& Case : Cases) {
+        TPictureCanvas Canvas(1, 1);
+        Canvas.SetPixel(0, 0, 0x123456);
+        Case.Draw(Canvas);
+        EXPECT_EQ(Canvas.GetPixel(0, 0), Case.Expected) << Case.Name;
+        EXPECT_EQ(qAlpha(Canvas.Image.pixel(0, 0)), 255) << Case.Name;
+    }
+}
+
+TEST(Canvas, InvertsColoursOfTransparentPicturesAndKeepsTheirAlpha) {
+    auto Bitmap = TBitmap::CreateTransparent(3, 1);
+    TCanvas& Canvas = *Bitmap->GetCanvas();
     Canvas.GetBrush()->SetColor(clRed);
-    Canvas.FillRect({2, 2, 5, 5});
-    EXPECT_EQ(Canvas.GetPixel(4, 4), clRed);
-    EXPECT_EQ(Canvas.GetPixel(5, 5), clWhite);
-    EXPECT_EQ(Canvas.GetLog(), "FillRect (2,2,5,5) clRed\n");
+    Canvas.FillRect({0, 0, 1, 1});
+    Canvas.InvertRect({0, 0, 2, 1});
+    const QImage& Image = Bitmap->GetImage(1.0);
+    EXPECT_EQ(Image.pixel(0, 0), qRgba(0, 255, 255, 255));
+    EXPECT_EQ(qAlpha(Image.pixel(1, 0)), 0);
+}
+
+TEST(Canvas, FocusRectVanishesWhenDrawnTwice) {
+    for (const double Scale : {1.0, 1.5, 2.0}) {
+        for (const TRect& Rect : {TRect{1, 1, 17, 9}, TRect{1, 1, 2, 9}, TRect{1, 1, 9, 2}, TRect{3, 3, 5, 5},
+                                  TRect{-4, -3, 40, 40}, TRect{Low, Low, High, High}}) {
+            TPictureCanvas Canvas(20, 12, Scale);
+            const QImage Before = Canvas.Image.copy();
+            Canvas.DrawFocusRect(Rect);
+            const QImage Once = Canvas.Image.copy();
+            Canvas.DrawFocusRect(Rect);
+            EXPECT_TRUE(Canvas.Image == Before) << Scale;
+            if (Rect == TRect{1, 1, 17, 9}) {
+                EXPECT_NE(Art(Once), Art(Before)) << Scale;
+            }
+        }
+    }
+    TPictureCanvas Canvas(9, 5);
+    Canvas.DrawFocusRect({1, 0, 8, 5});
+    EXPECT_EQ(Art(Canvas.Image), ".#.#.#.#.\n.........\n.#.....#.\n.........\n.#.#.#.#.\n");
+}
+
+TEST(Canvas, ClipsNest) {
+    TPictureCanvas Canvas(8, 3);
+    Canvas.GetBrush()->SetColor(clRed);
+    Canvas.IntersectClip({1, 0, 7, 2});
+    Canvas.IntersectClip({3, 0, 9, 9});
+    EXPECT_EQ(Canvas.GetClipRect(), (TRect{3, 0, 7, 2}));
+    EXPECT_TRUE(Canvas.RectVisible({6, 1, 20, 20}));
+    EXPECT_FALSE(Canvas.RectVisible({7, 0, 20, 20}));
+    EXPECT_FALSE(Canvas.RectVisible({4, 1, 4, 2}));
+    Canvas.FillRect({0, 0, 5, 9});
+    Canvas.RestoreClip();
+    Canvas.FillRect({6, 0, 8, 1});
+    Canvas.RestoreClip();
+    Canvas.RestoreClip(); // one too many does no harm
+    Canvas.FillRect({0, 2, 1, 3});
+    EXPECT_EQ(Art(Canvas.Image), "...##.#.\n...##...\n#.......\n");
+
+    TPictureCanvas Mirrored(8, 1);
+    Mirrored.SetMirrored(true, 8);
+    Mirrored.IntersectClip({1, 0, 3, 1});
+    EXPECT_EQ(Mirrored.GetClipRect(), (TRect{1, 0, 3, 1}));
+    Mirrored.InvertRect({0, 0, 8, 1});
+    EXPECT_EQ(Art(Mirrored.Image), ".....##.\n");
+
+    TPictureCanvas Empty(4, 1);
+    Empty.IntersectClip({2, 0, 2, 1});
+    Empty.InvertRect({0, 0, 4, 1});
+    EXPECT_EQ(Empty.GetClipRect(), TRect());
+    EXPECT_EQ(Art(Empty.Image), "....\n");
+}
+
+TEST(Canvas, EveryOperationStaysInsideTheClipRegion) {
+    const QRegion Region = QRegion(0, 0, 6, 20) + QRegion(14, 4, 6, 9);
+    TBitmap Folder;
+    ASSERT_TRUE(Folder.LoadFromResourceName("FOPEN"));
+    TPictureCanvas Other(20, 20, 1.0, 0xFF00FF00);
+    const TRect All{-5, -5, 25, 25};
+    const std::vector<std::pair<const char*, std::function<void(TCanvas&)>>> Operations = {
+        {"FillRect", [&](TCanvas& C) { C.FillRect(All); }},
+        {"FrameRect",
+         [&](TCanvas& C) {
+             C.FrameRect({0, 0, 20, 20});
+         }},
+        {"InvertRect", [&](TCanvas& C) { C.InvertRect(All); }},
+        {"Ellipse",
+         [&](TCanvas& C) {
+             C.Ellipse({0, 0, 20, 20});
+         }},
+        {"Polygon",
+         [&](TCanvas& C) {
+             const TPoint Points[] = {{0, 0}, {20, 5}, {3, 20}};
+             C.Polygon(Points);
+         }},
+        {"LineTo",
+         [&](TCanvas& C) {
+             C.MoveTo(0, 0);
+             C.LineTo(20, 17);
+         }},
+        {"DrawFocusRect",
+         [&](TCanvas& C) {
+             C.DrawFocusRect({2, 2, 18, 18});
+         }},
+        {"DrawEdge",
+         [&](TCanvas& C) {
+             C.DrawEdge({0, 0, 20, 20}, BDR_RAISEDINNER, BF_RECT);
+         }},
+        {"DrawFrameControl",
+         [&](TCanvas& C) {
+             C.DrawFrameControl({0, 0, 20, 20}, DFC_BUTTON, DFCS_CHECKED);
+         }},
+        {"DrawText",
+         [&](TCanvas& C) {
+             TRect Rect{0, 0, 20, 20};
+             C.DrawText("Wide text", Rect, DT_NOCLIP);
+         }},
+        {"Draw", [&](TCanvas& C) { C.Draw(2, 2, &Folder); }},
+        {"StretchDraw",
+         [&](TCanvas& C) {
+             C.StretchDraw({0, 0, 20, 20}, &Folder);
+         }},
+        {"BitBlt", [&](TCanvas& C) { C.BitBlt(0, 0, 20, 20, Other, 0, 0, SRCCOPY); }},
+        {"AlphaBlend", [&](TCanvas& C) { C.AlphaBlend(0, 0, 20, 20, Other, 0, 0, 128); }},
+        {"CopyRect",
+         [&](TCanvas& C) {
+             C.CopyRect({0, 0, 20, 20}, Other, {0, 0, 7, 7});
+         }},
+    };
+    for (const auto& [Name, Draw] : Operations) {
+        TPictureCanvas Canvas(20, 20);
+        Canvas.SetDeviceClip(Region);
+        Canvas.GetBrush()->SetColor(clRed);
+        Draw(Canvas);
+        Canvas.EndPainting();
+        EXPECT_FALSE(InkBounds(Canvas.Image).isEmpty()) << Name;
+        for (int Y = 0; Y < 20; ++Y)
+            for (int X = 0; X < 20; ++X)
+                if (!Region.contains(QPoint(X, Y))) {
+                    ASSERT_EQ(Canvas.Image.pixel(X, Y), 0xFFFFFFFF) << Name << " at " << X << "," << Y;
+                }
+    }
+}
+
+TEST(Canvas, SurvivesExtremeArguments) {
+    TPictureCanvas Canvas(20, 20, 1.5);
+    TBitmap Folder;
+    Folder.LoadFromResourceName("FOPEN");
+    for (const bool Mirrored : {false, true}) {
+        Canvas.SetMirrored(Mirrored, Mirrored ? High : 20);
+        for (const TRect& Rect :
+             {TRect{Low, Low, High, High}, TRect{High, High, Low, Low}, TRect{0, 0, 0, 0},
+              TRect{Low, 5, Low + 1, 6}, TRect{High - 1, 5, High, 6}, TRect{-1, -1, High, 1}}) {
+            TRect InOut = Rect;
+            Canvas.FillRect(Rect);
+            Canvas.FrameRect(Rect);
+            Canvas.Rectangle(Rect);
+            Canvas.Ellipse(Rect);
+            Canvas.DrawFocusRect(Rect);
+            Canvas.InvertRect(Rect);
+            Canvas.DrawText("Text", InOut, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS);
+            Canvas.DrawText("Text of words", InOut, DT_RIGHT | DT_WORDBREAK | DT_NOCLIP);
+            Canvas.DrawText("Text of words", InOut, DT_WORDBREAK | DT_CALCRECT);
+            Canvas.TextOut(Rect.Left, Rect.Bottom, "Text");
+            Canvas.DrawEdge(Rect, BDR_RAISEDOUTER | BDR_SUNKENINNER, BF_RECT);
+            Canvas.DrawFrameControl(Rect, DFC_BUTTON, DFCS_BUTTONRADIO);
+            Canvas.StretchDraw(Rect, &Folder);
+            Canvas.Draw(Rect.Left, Rect.Top, &Folder);
+            Canvas.CopyRect(Rect, Canvas, {0, 0, 5, 5});
+            Canvas.CopyRect({0, 0, 5, 5}, Canvas, Rect);
+            Canvas.BitBlt(Rect.Left, Rect.Top, High, Low, Canvas, Rect.Right, Rect.Bottom, SRCCOPY);
+            Canvas.BitBlt(0, 0, High, High, Canvas, Rect.Left, Rect.Top, SRCINVERT);
+            Canvas.AlphaBlend(Rect.Left, Rect.Top, High, High, Canvas, Rect.Right, 0, 999);
+            Canvas.PatBlt(Rect.Left, Rect.Top, High, High, PATCOPY);
+            Canvas.SetPixel(Rect.Left, Rect.Top, clRed);
+            Canvas.GetPixel(Rect.Right, Rect.Top);
+            Canvas.IntersectClip(Rect);
+            Canvas.RectVisible(Rect);
+            Canvas.GetClipRect();
+            Canvas.RestoreClip();
+            for (const TPenStyle Style : {psSolid, psDot, psClear}) {
+                Canvas.GetPen()->SetStyle(Style);
+                Canvas.GetPen()->SetWidth(Style == psDot ? 2 : 1);
+                Canvas.MoveTo(Rect.Left, Rect.Top);
+                Canvas.LineTo(Rect.Right, Rect.Top);
+                Canvas.LineTo(Rect.Right, Rect.Bottom);
+                Canvas.LineTo(Rect.Left, Rect.Top);
+            }
+            const TPoint Corners[] = {{Rect.Left, Rect.Top}, {Rect.Right, 3}, {7, Rect.Bottom}};
+            Canvas.Polygon(Corners);
+        }
+    }
+    Canvas.SetMirrored(false, 0);
+    Canvas.GetBrush()->SetColor(clRed);
+    Canvas.FillRect({0, 0, 20, 20});
+    EXPECT_EQ(Canvas.GetPixel(19, 19), clRed) << "the canvas draws as before";
+}
+
+TEST(Canvas, WithoutSurfaceOnlyMeasures) {
+    TCanvas Canvas;
+    TBitmap Folder;
+    Folder.LoadFromResourceName("FOPEN");
+    TPictureCanvas Other(4, 4);
+    TRect Rect{0, 0, 10, 10};
+    Canvas.FillRect(Rect);
+    Canvas.MoveTo(1, 1);
+    Canvas.LineTo(3, 3);
+    Canvas.Draw(0, 0, &Folder);
+    Canvas.Draw(0, 0, nullptr);
+    Canvas.BitBlt(0, 0, 4, 4, Other, 0, 0, SRCCOPY);
+    Other.BitBlt(0, 0, 4, 4, Canvas, 0, 0, SRCCOPY);
+    EXPECT_EQ(Canvas.GetPixel(0, 0), clNone);
+    EXPECT_EQ(Canvas.GetPenPos(), (TPoint{3, 3}));
+    EXPECT_FALSE(Canvas.RectVisible(Rect));
+    EXPECT_EQ(Canvas.GetPainter(), nullptr);
+    EXPECT_GT(Canvas.TextWidth("Text"), 0);
+    EXPECT_EQ(Canvas.DrawText("Text", Rect, DT_SINGLELINE), Canvas.TextHeight("Text"));
+
+    QImage Unsupported(4, 4, QImage::Format_RGB888);
+    Canvas.Bind(&Unsupported, 1.0);
+    Canvas.FillRect(Rect);
+    EXPECT_EQ(Canvas.GetSurface(), nullptr);
+}
+
+// Fills a picture with a different colour for every pixel.
+void PaintGradient(QImage& Image) {
+    for (int Y = 0; Y < Image.height(); ++Y)
+        for (int X = 0; X < Image.width(); ++X)
+            Image.setPixel(X, Y, qRgb(X * 3 % 256, Y * 5 % 256, (X + Y) % 256));
+}
+
+TEST(Canvas, MovesItsOwnPixelsInEveryDirection) {
+    for (const int DX : {-7, 0, 7}) {
+        for (const int DY : {-5, 0, 5}) {
+            for (const bool Region : {false, true}) {
+                TPictureCanvas Canvas(40, 30);
+                PaintGradient(Canvas.Image);
+                const QImage Before = Canvas.Image.copy();
+                if (Region) Canvas.SetDeviceClip(QRegion(0, 0, 40, 14) + QRegion(0, 14, 39, 16));
+                Canvas.BitBlt(10 + DX, 8 + DY, 20, 12, Canvas, 10, 8, SRCCOPY);
+                const QRect Target(10 + DX, 8 + DY, 20, 12);
+                EXPECT_TRUE(Canvas.Image.copy(Target) == Before.copy(10, 8, 20, 12)) << DX << "," << DY;
+                EXPECT_EQ(Canvas.Image.pixel(Target.left() - 1, Target.top()),
+                          Before.pixel(Target.left() - 1, Target.top()));
+            }
+        }
+    }
+}
+
+TEST(Canvas, CopiesAreClippedToBothSurfacesAndNeverStretched) {
+    TPictureCanvas Source(6, 3, 1.0, 0xFF0000FF);
+    struct TCase {
+        int X, Y, Width, Height, SrcX, SrcY;
+        const char* Ink;
+    };
+    for (const TCase& Case : {TCase{1, 1, 4, 2, 0, 0, "(1,1,5,3)"}, TCase{1, 1, 40, 20, 0, 0, "(1,1,7,4)"},
+                              TCase{1, 1, 4, 2, 4, 0, "(1,1,3,3)"}, TCase{3, 2, 6, 3, -2, -1, "(5,3,9,5)"},
+                              TCase{-2, -1, 6, 3, 0, 0, "(0,0,4,2)"}, TCase{7, 4, 6, 3, 0, 0, "(7,4,10,6)"},
+                              TCase{1, 1, -4, 2, 0, 0, "empty"}, TCase{1, 1, 4, 2, 6, 0, "empty"}}) {
+        TPictureCanvas Canvas(10, 6);
+        Canvas.BitBlt(Case.X, Case.Y, Case.Width, Case.Height, Source, Case.SrcX, Case.SrcY, SRCCOPY);
+        EXPECT_EQ(Show(InkBounds(Canvas.Image)), Case.Ink);
+    }
+}
+
+TEST(Canvas, SnapshotsComeBackUnchangedAtEveryScale) {
+    for (const double Scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+        TPictureCanvas Canvas(60, 40, Scale);
+        PaintGradient(Canvas.Image);
+        const QImage Before = Canvas.Image.copy();
+        for (int Left = 0; Left < 6; ++Left) {
+            const auto Snapshot = TBitmap::CreateCompatible(Canvas, 31, 17);
+            Snapshot->GetCanvas()->BitBlt(0, 0, 31, 17, Canvas, Left, Left + 1, SRCCOPY);
+            Canvas.InvertRect({Left, Left + 1, Left + 31, Left + 18});
+            Canvas.BitBlt(Left, Left + 1, 31, 17, *Snapshot->GetCanvas(), 0, 0, SRCCOPY);
+            EXPECT_TRUE(Canvas.Image == Before) << Scale << " at " << Left;
+        }
+    }
+}
+
+TEST(Canvas, CombinesAndBlendsCopies) {
+    TPictureCanvas Source(4, 1);
+    Source.GetBrush()->SetColor(0x0F0F0F);
+    Source.FillRect({0, 0, 4, 1});
+    TPictureCanvas Canvas(4, 1);
+    Canvas.GetBrush()->SetColor(0x123456);
+    Canvas.FillRect({0, 0, 4, 1});
+    Canvas.BitBlt(0, 0, 2, 1, Source, 0, 0, SRCINVERT);
+    EXPECT_EQ(Canvas.GetPixel(0, 0), 0x1D3B59u);
+    Canvas.BitBlt(0, 0, 2, 1, Source, 0, 0, SRCINVERT);
+    EXPECT_EQ(Canvas.GetPixel(1, 0), 0x123456u);
+    Canvas.AlphaBlend(0, 0, 1, 1, Source, 0, 0, 0);
+    EXPECT_EQ(Canvas.GetPixel(0, 0), 0x123456u);
+    Canvas.AlphaBlend(0, 0, 1, 1, Source, 0, 0, 255);
+    EXPECT_EQ(Canvas.GetPixel(0, 0), 0x0F0F0Fu);
+    Canvas.GetBrush()->SetColor(clWhite);
+    Canvas.FillRect({0, 0, 4, 1});
+    Canvas.AlphaBlend(1, 0, 1, 1, Source, 0, 0, 128);
+    EXPECT_NEAR(static_cast<double>(Canvas.GetPixel(1, 0) & 0xFF), 135.0, 2.0);
+    // Between scales the picture is stretched to the same size in units.
+    TPictureCanvas Fine(4, 1, 2.0);
+    Fine.BitBlt(1, 0, 2, 1, Source, 0, 0, SRCCOPY);
+    EXPECT_EQ(Show(InkBounds(Fine.Image)), "(2,0,6,2)");
+    EXPECT_EQ(Fine.GetPixel(2, 0), 0x0F0F0Fu);
+}
+
+TEST(Canvas, PainterAndDirectPixelsAgree) {
+    TPictureCanvas Canvas(10, 10);
+    Canvas.GetBrush()->SetColor(clRed);
+    Canvas.FillRect({0, 0, 10, 10});
+    Canvas.GetPainter()->fillRect(2, 2, 2, 2, Qt::blue);
+    Canvas.IntersectClip({0, 0, 5, 5});
+    Canvas.GetPainter()->fillRect(4, 4, 6, 6, Qt::blue);
+    Canvas.InvertRect({2, 2, 3, 3});
+    Canvas.RestoreClip();
+    EXPECT_EQ(Canvas.GetPixel(2, 2), clYellow);
+    EXPECT_EQ(Canvas.GetPixel(3, 3), clBlue);
+    EXPECT_EQ(Canvas.GetPixel(4, 4), clBlue);
+    EXPECT_EQ(Canvas.GetPixel(6, 6), clRed);
+}
+
+TEST(Canvas, TellsWhenDrawingBegins) {
+    TPictureCanvas Canvas(4, 4);
+    int Count = 0;
+    Canvas.OnOpen = [&] { ++Count; };
+    Canvas.GetPixel(0, 0);
+    Canvas.TextWidth("a");
+    Canvas.MoveTo(1, 1);
+    EXPECT_EQ(Count, 0);
+    Canvas.FillRect({0, 0, 1, 1});
+    Canvas.FillRect({0, 0, 1, 1});
+    EXPECT_EQ(Count, 1);
+    Canvas.EndPainting();
+    Canvas.InvertRect({0, 0, 1, 1});
+    EXPECT_EQ(Count, 2);
+}
+
+TEST(RecordingCanvas, LogsWhatTheCallerAskedFor) {
+    TRecordingCanvas Canvas(100, 50);
+    TBitmap Bitmap;
+    Bitmap.SetSize(3, 4);
+    TRect Cell{4, 0, 80, 16};
+    const TPoint Points[] = {{1, 1}, {3, 1}, {5, 1}};
+    Canvas.SetMirrored(true, 100);
+    Canvas.GetBrush()->SetColor(clWindow);
+    Canvas.FillRect({0, 0, 80, 16});
+    Canvas.GetPen()->SetColor(clSilver);
+    Canvas.MoveTo(0, 16);
+    Canvas.LineTo(81, 16);
+    Canvas.SetBkMode(TRANSPARENT);
+    Canvas.DrawText("Apple", Cell, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+    Canvas.DrawText("Apple", Cell, DT_CALCRECT);
+    Canvas.SetPixels(Points, clGray);
+    Canvas.DrawFrameControl({1, 1, 14, 14}, DFC_BUTTON, DFCS_CHECKED | DFCS_FLAT);
+    Canvas.DrawEdge({0, 0, 9, 9}, BDR_RAISEDINNER, BF_RECT);
+    Canvas.Draw(5, 6, &Bitmap);
+    Canvas.SetMirrored(false, 0);
+    Canvas.IntersectClip({0, 0, 5, 5});
+    Canvas.RestoreClip();
+    Canvas.BitBlt(0, 0, 5, 5, Canvas, 1, 2, SRCCOPY);
+    Canvas.DrawFocusRect({0, 0, 5, 5});
+    Canvas.GetPen()->SetWidth(2);
+    Canvas.GetPen()->SetMode(pmNot);
+    Canvas.GetBrush()->SetStyle(bsClear);
+    Canvas.Rectangle({0, 0, 5, 5});
+    EXPECT_EQ(Canvas.GetLog(),
+              "Mirror 100\n"
+              "FillRect (0,0,80,16) clWindow\n"
+              "Line (0,16)-(81,16) clSilver\n"
+              "Text (4,0,80,16) \"Apple\" left vcenter singleline ellipsis noprefix, clWindowText\n"
+              "Pixels 3 (1,1)..(5,1) clGray\n"
+              "Check (1,1,14,14) checked flat\n"
+              "Edge (0,0,9,9) raisedinner\n"
+              "Draw (5,6) 3x4\n"
+              "Mirror off\n"
+              "Clip (0,0,5,5)\n"
+              "Unclip\n"
+              "BitBlt (0,0) 5x5 from itself (1,2) copy\n"
+              "FocusRect (0,0,5,5)\n"
+              "Rectangle (0,0,5,5) clSilver width 2 not fill clear\n");
+    EXPECT_EQ(Canvas.GetLog("Line"), "Line (0,16)-(81,16) clSilver\n");
+    // It draws as well: the mirrored line ends at its first column.
+    EXPECT_EQ(Canvas.GetPixel(99, 16), clSilver);
 }
 
 } // namespace

@@ -1,0 +1,313 @@
+// Bitmaps with their representations and sharing, resources, and image lists.
+#include "host/base/Errors.h"
+#include "host/graphics/ImageLists.h"
+#include "tests/graphics/Pictures.h"
+#include "tests/support/QtTest.h"
+
+#include <QFile>
+
+#include <optional>
+
+namespace quill {
+namespace {
+
+using testing::Art;
+using testing::InkBounds;
+using testing::Show;
+using testing::TPictureCanvas;
+using testing::TTempFolder;
+
+QImage Solid(int Width, int Height, QRgb Color) {
+    QImage Image(Width, Height, QImage::Format_ARGB32);
+    Image.fill(Color);
+    return Image;
+}
+
+// A bitmap of one colour, with a red pixel at the bottom left and, when Fine, a blue representation for scale 2.
+TBitmap Sample(bool Fine = false) {
+    TBitmap Bitmap;
+    Bitmap.SetSize(4, 4);
+    Bitmap.GetCanvas()->GetBrush()->SetColor(clGreen);
+    Bitmap.GetCanvas()->FillRect({0, 0, 4, 4});
+    Bitmap.GetCanvas()->SetPixel(0, 3, clRed);
+    if (Fine) Bitmap.AddImage(Solid(8, 8, 0xFF0000FF), 2.0);
+    return Bitmap;
+}
+
+TEST(Bitmap, CopiesShareUntilOneIsDrawnOn) {
+    TBitmap A = Sample();
+    TBitmap B(A);
+    TBitmap C;
+    C = B;
+    EXPECT_EQ(&A.GetImage(1.0), &C.GetImage(1.0)) << "one record for all";
+    B.GetCanvas()->SetPixel(1, 1, clWhite);
+    A.GetCanvas()->SetPixel(2, 2, clBlack);
+    // Also while their canvases are open.
+    TBitmap D(B);
+    B.GetCanvas()->SetPixel(0, 0, clBlue);
+    D.GetCanvas()->SetPixel(3, 3, clYellow);
+    const auto Pixels = [](TBitmap& Bitmap) {
+        std::string Result;
+        for (int I = 0; I < 4; ++I) {
+            const TColor Color = Bitmap.GetCanvas()->GetPixel(I, I);
+            Result += Color == clGreen   ? 'g'
+                      : Color == clWhite ? 'w'
+                      : Color == clBlack ? 'k'
+                      : Color == clBlue  ? 'b'
+                                         : 'y';
+        }
+        return Result;
+    };
+    EXPECT_EQ(Pixels(A), "ggkg");
+    EXPECT_EQ(Pixels(B), "bwgg");
+    EXPECT_EQ(Pixels(C), "gggg");
+    EXPECT_EQ(Pixels(D), "gwgy");
+    B = A;
+    EXPECT_EQ(Pixels(B), "ggkg") << "the canvas follows an assignment";
+    B = TBitmap();
+    EXPECT_TRUE(B.GetEmpty());
+    EXPECT_EQ(B.GetCanvas()->GetPixel(0, 0), clNone);
+}
+
+TEST(Bitmap, DrawsTheRepresentationOfTheScale) {
+    TBitmap Bitmap = Sample(true);
+    TPictureCanvas Coarse(10, 10);
+    Coarse.Draw(1, 1, &Bitmap);
+    EXPECT_EQ(Coarse.GetPixel(2, 2), clGreen);
+    EXPECT_EQ(Show(InkBounds(Coarse.Image)), "(1,1,5,5)");
+    for (const double Scale : {1.5, 2.0, 3.0}) {
+        TPictureCanvas Fine(10, 10, Scale);
+        Fine.Draw(1, 1, &Bitmap);
+        EXPECT_EQ(Fine.GetPixel(2, 2), clBlue);
+        EXPECT_EQ(InkBounds(Fine.Image), Fine.ToDeviceRect({1, 1, 5, 5}));
+    }
+    // Drawing on it keeps the finest one alone, in the same size.
+    Bitmap.GetCanvas()->SetPixel(0, 0, clWhite);
+    EXPECT_EQ(Bitmap.GetWidth(), 4);
+    Coarse.Draw(1, 1, &Bitmap);
+    EXPECT_EQ(Coarse.GetPixel(3, 3), clBlue);
+}
+
+TEST(Bitmap, IsDrawnSharpWhereSizesMatch) {
+    TBitmap Bitmap = Sample();
+    TPictureCanvas Canvas(20, 20);
+    Canvas.StretchDraw({2, 2, 6, 6}, &Bitmap);
+    EXPECT_TRUE(Canvas.Image.copy(2, 2, 4, 4) == Bitmap.GetImage(1.0));
+    Canvas.StretchDraw({8, 8, 16, 16}, &Bitmap);
+    EXPECT_EQ(Canvas.GetPixel(12, 9), clGreen);
+    EXPECT_EQ(Show(InkBounds(Canvas.Image)), "(2,2,16,16)");
+    // Mirrored, it is moved but not flipped: the red corner stays at the left.
+    TPictureCanvas Mirrored(20, 20);
+    Mirrored.SetMirrored(true, 20);
+    Mirrored.Draw(2, 2, &Bitmap);
+    Mirrored.SetMirrored(false, 20);
+    EXPECT_EQ(Mirrored.GetPixel(14, 5), clRed);
+    // At fractional scales a snapshot of that scale is not blurred.
+    TPictureCanvas Fraction(20, 20, 1.5);
+    const auto Snapshot = TBitmap::CreateCompatible(Fraction, 5, 5);
+    for (int I = 0; I < 5; ++I) Snapshot->GetCanvas()->SetPixel(I, I, clRed);
+    for (int Left = 0; Left < 4; ++Left) Fraction.Draw(Left, 1, Snapshot.get());
+    for (int Y = 0; Y < 30; ++Y)
+        for (int X = 0; X < 30; ++X) {
+            const QRgb Pixel = Fraction.Image.pixel(X, Y);
+            EXPECT_TRUE(Pixel == 0xFFFFFFFF || Pixel == 0xFFFF0000);
+        }
+}
+
+TEST(Bitmap, LeavesOutItsTransparentColour) {
+    TBitmap Bitmap = Sample();
+    Bitmap.SetTransparent(true);
+    EXPECT_EQ(Bitmap.GetTransparentColor(), clRed);
+    const auto Paint = [](TBitmap& Source) {
+        TPictureCanvas Canvas(4, 4);
+        Canvas.Draw(0, 0, &Source);
+        return Art(Canvas.Image);
+    };
+    EXPECT_EQ(Paint(Bitmap), "####\n####\n####\n.###\n");
+    Bitmap.GetCanvas()->SetPixel(2, 0, clRed);
+    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n") << "drawing renews what was prepared";
+    Bitmap.SetTransparentColor(clGreen);
+    EXPECT_EQ(Paint(Bitmap), "..#.\n....\n....\n#...\n");
+    Bitmap.SetTransparentColor(clDefault);
+    EXPECT_EQ(Bitmap.GetTransparentMode(), tmAuto);
+    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n");
+    Bitmap.SetTransparent(false);
+    EXPECT_EQ(Paint(Bitmap), "####\n####\n####\n####\n");
+    Bitmap.MakeTransparent(clRed);
+    EXPECT_TRUE(Bitmap.HasAlpha());
+    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n");
+    Bitmap.SetTransparent(true);
+    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n") << "alpha alone decides";
+}
+
+TEST(Bitmap, KeepsPixelsWhenResized) {
+    TBitmap Bitmap = Sample();
+    Bitmap.SetSize(6, 5);
+    TCanvas& Canvas = *Bitmap.GetCanvas();
+    EXPECT_EQ(Canvas.GetPixel(0, 3), clRed);
+    EXPECT_EQ(Canvas.GetPixel(5, 4), clWhite);
+    Bitmap.SetSize(2, 2);
+    EXPECT_EQ(Canvas.GetPixel(1, 1), clGreen);
+    EXPECT_EQ(Canvas.GetPixel(2, 2), clNone);
+    Bitmap.SetSize(-1, 0);
+    EXPECT_TRUE(Bitmap.GetEmpty());
+    Bitmap.SetWidth(3);
+    EXPECT_TRUE(Bitmap.GetEmpty());
+    Bitmap.SetHeight(3);
+    Bitmap.GetCanvas()->InvertRect({0, 0, 1, 1});
+    EXPECT_EQ(Bitmap.GetCanvas()->GetPixel(0, 0), clBlack);
+    EXPECT_EQ(Bitmap.GetCanvas()->GetPixel(2, 2), clWhite);
+}
+
+TEST(Bitmap, LoadsAndSavesFiles) {
+    const TTempFolder Folder;
+    TBitmap Bitmap = Sample();
+    Bitmap.SaveToFile(Folder.File("p.png"));
+    Solid(8, 8, 0xFF0000FF).save(QString::fromStdString(Folder.File("p@2x.png")));
+    TBitmap Loaded;
+    Loaded.LoadFromFile(Folder.File("p.png"));
+    EXPECT_EQ(Loaded.GetWidth(), 4);
+    EXPECT_TRUE(Loaded.GetImage(1.0) == Bitmap.GetImage(1.0));
+    EXPECT_EQ(Loaded.GetImage(2.0).width(), 8);
+    EXPECT_THROW(Loaded.LoadFromFile(Folder.File("missing.png")), EFOpenError);
+    QFile Text(QString::fromStdString(Folder.File("text.png")));
+    ASSERT_TRUE(Text.open(QIODevice::WriteOnly));
+    Text.write("no picture");
+    Text.close();
+    EXPECT_THROW(Loaded.LoadFromFile(Folder.File("text.png")), EReadError);
+    EXPECT_THROW(Bitmap.SaveToFile(Folder.File("missing/p.png")), EFCreateError);
+    EXPECT_EQ(Loaded.GetWidth(), 4) << "a failed load changes nothing";
+}
+
+TEST(Bitmap, ResourcesHaveBothRepresentations) {
+    struct TCase {
+        const char* Name;
+        int Side;
+    };
+    for (const TCase& Case :
+         {TCase{"EXPANDED", 15}, TCase{"COLLAPSED", 15}, TCase{"FOPEN", 16}, TCase{"FCLOSED", 16},
+          TCase{"EMPTY", 15}, TCase{"CHECKED", 15}, TCase{"UNCHECKED", 15}, TCase{"GRAYED", 15},
+          TCase{"OPTIONED", 15}, TCase{"UNOPTIONED", 15}, TCase{"GRAYEDUNCHECKED", 15},
+          TCase{"GRAYEDOPTIONED", 15}, TCase{"GRAYEDUNOPTIONED", 15}, TCase{"DOUBLECHECKED", 15},
+          TCase{"GRAYEDDOUBLECHECKED", 15}, TCase{"DCIMG", 9}, TCase{"GDCIMG", 9}}) {
+        TBitmap Bitmap;
+        ASSERT_TRUE(Bitmap.LoadFromResourceName(Case.Name)) << Case.Name;
+        EXPECT_EQ(Bitmap.GetWidth(), Case.Side) << Case.Name;
+        EXPECT_EQ(Bitmap.GetHeight(), Case.Side) << Case.Name;
+        EXPECT_EQ(Bitmap.GetImage(2.0).size(), QSize(2 * Case.Side, 2 * Case.Side)) << Case.Name;
+        // Qt's own ratio must not shrink what is drawn.
+        Bitmap.SetTransparentColor(clBlack);
+        Bitmap.SetTransparent(true);
+        TPictureCanvas Fine(20, 20, 2.0, 0xFF00FF00);
+        Fine.Draw(0, 0, &Bitmap);
+        EXPECT_EQ(InkBounds(Fine.Image, 0xFF00FF00), QRect(0, 0, 2 * Case.Side, 2 * Case.Side)) << Case.Name;
+    }
+    TBitmap None = Sample();
+    EXPECT_FALSE(None.LoadFromResourceName("NOSUCH"));
+    EXPECT_EQ(None.GetWidth(), 4);
+}
+
+TEST(ImageList, CutsWidePicturesAndMasks) {
+    TCustomImageList List(nullptr, 4, 4);
+    EXPECT_FALSE(List.HandleAllocated());
+    EXPECT_EQ(List.Add(TBitmap()), -1);
+    EXPECT_EQ(List.Add(Sample(true)), 0);
+    EXPECT_TRUE(List.HandleAllocated());
+    TBitmap Wide = Sample();
+    Wide.SetSize(9, 4);
+    EXPECT_EQ(List.Add(Wide), 1);
+    EXPECT_EQ(List.GetCount(), 3);
+    EXPECT_EQ(List.AddMasked(Sample(), clRed), 3);
+    TBitmap Mask;
+    Mask.SetSize(4, 4);
+    Mask.GetCanvas()->GetBrush()->SetColor(clBlack);
+    Mask.GetCanvas()->FillRect({0, 0, 4, 2});
+    EXPECT_EQ(List.Add(Sample(), &Mask), 4);
+    TBitmap Small;
+    Small.SetSize(2, 2);
+    Small.GetCanvas()->InvertRect({0, 0, 2, 2});
+    EXPECT_EQ(List.Add(Small), 5);
+    EXPECT_EQ(List.AddMasked(Sample(), clDefault), 6);
+
+    const auto Paint = [&](int Index, int Overlay = -1) {
+        TPictureCanvas Canvas(4, 4);
+        List.Draw(Canvas, 0, 0, Index, Overlay);
+        return Art(Canvas.Image);
+    };
+    EXPECT_EQ(Paint(1), "####\n####\n####\n####\n");
+    EXPECT_EQ(Paint(2), "....\n....\n....\n....\n");
+    EXPECT_EQ(Paint(3), "####\n####\n####\n.###\n");
+    EXPECT_EQ(Paint(4), "####\n####\n....\n....\n");
+    EXPECT_EQ(Paint(5), "##..\n##..\n....\n....\n");
+    EXPECT_EQ(Paint(6), Paint(3));
+    EXPECT_EQ(Paint(5, 3), Paint(3));
+    EXPECT_EQ(Paint(99), Paint(2));
+
+    TBitmap Bitmap;
+    EXPECT_TRUE(List.GetBitmap(0, Bitmap));
+    EXPECT_EQ(Bitmap.GetImage(2.0).width(), 8);
+    EXPECT_FALSE(List.GetBitmap(7, Bitmap));
+    EXPECT_TRUE(Bitmap.GetEmpty());
+    List.Delete(0);
+    EXPECT_EQ(Paint(2), "####\n####\n####\n.###\n");
+    EXPECT_THROW(List.Delete(6), EListError);
+    EXPECT_THROW(List.Replace(-1, Sample()), EListError);
+    List.Replace(0, Small);
+    EXPECT_EQ(Paint(0), "##..\n##..\n....\n....\n");
+    List.SetSize(8, 8);
+    EXPECT_EQ(List.GetCount(), 0);
+}
+
+TEST(ImageList, TellsItsLinks) {
+    int Changes = 0;
+    const auto Count = [&](TObject*) { ++Changes; };
+    auto List = std::make_unique<TCustomImageList>(nullptr, 4, 4);
+    TChangeLink Link;
+    Link.OnChange = Count;
+    List->OnChange = Count;
+    List->RegisterChanges(&Link);
+    List->RegisterChanges(&Link);
+    List->Add(Sample());
+    EXPECT_EQ(Changes, 2);
+    List->BeginUpdate();
+    List->Add(Sample());
+    List->Clear();
+    EXPECT_EQ(Changes, 2);
+    List->EndUpdate();
+    EXPECT_EQ(Changes, 4);
+    {
+        TChangeLink Short;
+        Short.OnChange = Count;
+        List->RegisterChanges(&Short);
+    }
+    List->Add(Sample());
+    EXPECT_EQ(Changes, 6);
+    EXPECT_EQ(Link.GetSender(), List.get());
+    TCustomImageList Other;
+    Other.RegisterChanges(&Link);
+    EXPECT_EQ(Link.GetSender(), &Other);
+    List->RegisterChanges(&Link);
+    List.reset();
+    EXPECT_EQ(Link.GetSender(), nullptr);
+}
+
+TEST(ImageList, SurvivesHandlersThatDestroy) {
+    auto List = std::make_unique<TCustomImageList>(nullptr, 4, 4);
+    std::optional<TChangeLink> First(std::in_place), Second(std::in_place);
+    List->RegisterChanges(&*First);
+    List->RegisterChanges(&*Second);
+    First->OnChange = [&](TObject*) { Second.reset(); };
+    List->Add(Sample());
+    EXPECT_FALSE(Second.has_value());
+    TChangeLink Third;
+    int Calls = 0;
+    Third.OnChange = [&](TObject*) { ++Calls; };
+    List->RegisterChanges(&Third);
+    First->OnChange = [&](TObject*) { List.reset(); };
+    List->Clear();
+    EXPECT_EQ(Calls, 0);
+    EXPECT_EQ(Third.GetSender(), nullptr);
+}
+
+} // namespace
+} // namespace quill

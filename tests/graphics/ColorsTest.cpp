@@ -1,0 +1,203 @@
+// System colours, tools and the drawn controls, on light and dark palettes.
+#include "host/graphics/Colors.h"
+#include "host/base/Errors.h"
+#include "tests/graphics/Pictures.h"
+#include "tests/support/QtTest.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyle>
+#include <QStyleFactory>
+
+#include <cmath>
+#include <map>
+
+namespace quill {
+namespace {
+
+using testing::InkBounds;
+using testing::TPictureCanvas;
+
+double Luminance(TColor Color) {
+    double Result = 0.0;
+    const double Weights[] = {0.2126, 0.7152, 0.0722};
+    for (int I = 0; I < 3; ++I) {
+        const double V = (Color >> (8 * I) & 0xFF) / 255.0;
+        Result += Weights[I] * (V <= 0.04045 ? V / 12.92 : std::pow((V + 0.055) / 1.055, 2.4));
+    }
+    return Result;
+}
+
+double Contrast(TColor A, TColor B) {
+    const double LA = Luminance(A) + 0.05;
+    const double LB = Luminance(B) + 0.05;
+    return std::max(LA, LB) / std::min(LA, LB);
+}
+
+// The palettes of the styles that come with the toolkit, and dark ones as programs make them.
+std::map<std::string, QPalette> Palettes() {
+    std::map<std::string, QPalette> Result;
+    for (const char* Name : {"Fusion", "Windows"})
+        if (const std::unique_ptr<QStyle> Style{QStyleFactory::create(Name)})
+            Result[Name] = Style->standardPalette();
+    Result["dark"] = QPalette(QColor(0x35, 0x35, 0x35), QColor(0x28, 0x28, 0x28));
+    QPalette Custom(QColor(0x31, 0x36, 0x3B));
+    Custom.setColor(QPalette::Base, QColor(0x1B, 0x1E, 0x20));
+    Custom.setColor(QPalette::Text, QColor(0xFC, 0xFC, 0xFC));
+    Custom.setColor(QPalette::Highlight, QColor(0x3D, 0xAE, 0xE9));
+    Custom.setColor(QPalette::HighlightedText, QColor(0xFC, 0xFC, 0xFC));
+    Result["custom dark"] = Custom;
+    return Result;
+}
+
+TEST(Colors, InactiveSelectionCanBeSeenAndReadOnEveryPalette) {
+    for (const auto& [Name, Palette] : Palettes()) {
+        const auto Color = [P = Palette](TColor System) { return ColorToRGB(System, P); };
+        EXPECT_GE(Contrast(Color(clInactiveCaption), Color(clHighlightText)), 4.4) << Name;
+        EXPECT_GE(Contrast(Color(clInactiveCaption), Color(clWindow)), 1.5) << Name;
+        EXPECT_NE(Color(clInactiveCaption), Color(clHighlight)) << Name;
+    }
+}
+
+TEST(Colors, EdgesCanBeToldFromTheFace) {
+    for (const auto& [Name, Palette] : Palettes()) {
+        const auto Color = [P = Palette](TColor System) { return Luminance(ColorToRGB(System, P)); };
+        EXPECT_LT(Color(cl3DDkShadow), Color(clBtnShadow)) << Name;
+        EXPECT_LT(Color(clBtnShadow), Color(clBtnFace)) << Name;
+        EXPECT_GT(Color(clBtnHighlight), Color(clBtnFace)) << Name;
+        EXPECT_EQ(IsDarkPalette(Palette), Name.find("dark") != std::string::npos);
+    }
+}
+
+TEST(Colors, ChecksAreVisibleOnEveryPaletteAtEveryScale) {
+    for (const auto& [Name, Palette] : Palettes()) {
+        for (const double Scale : {1.0, 1.5, 2.0}) {
+            const auto Paint = [&, P = Palette](unsigned State, int Side) {
+                TPictureCanvas Canvas(20, 20, Scale);
+                Canvas.SetPalette(P);
+                Canvas.GetBrush()->SetColor(clWindow);
+                Canvas.FillRect({0, 0, 20, 20});
+                Canvas.DrawFrameControl({3, 3, 3 + Side, 3 + Side}, DFC_BUTTON, State);
+                return Canvas.Image;
+            };
+            const TColor Window = ColorToRGB(clWindow, Palette);
+            const QRgb Ground = qRgb(static_cast<int>(Window & 0xFF), static_cast<int>(Window >> 8 & 0xFF),
+                                     static_cast<int>(Window >> 16 & 0xFF));
+            for (const int Side : {11, 13, 15}) {
+                const int Edge = static_cast<int>(std::floor(3 * Scale + 0.5));
+                const int Length = static_cast<int>(std::floor((3 + Side) * Scale + 0.5)) - Edge;
+                for (const unsigned Look : {0u, DFCS_FLAT}) {
+                    const QImage Empty = Paint(Look, Side);
+                    EXPECT_EQ(InkBounds(Empty, Ground), QRect(Edge, Edge, Length, Length)) << Name << Side;
+                    // All four sides, and the inside as it was.
+                    const int Middle = Edge + Length / 2;
+                    for (const QPoint P :
+                         {QPoint(Edge, Middle), QPoint(Middle, Edge), QPoint(Edge + Length - 1, Middle),
+                          QPoint(Middle, Edge + Length - 1)})
+                        EXPECT_GE(std::abs(qGray(Empty.pixel(P)) - qGray(Ground)), 20)
+                            << Name << " " << Scale;
+                    EXPECT_EQ(Empty.pixel(Middle, Middle), Ground) << Name;
+                    for (const unsigned Kind : {DFCS_BUTTONCHECK, DFCS_BUTTONRADIO}) {
+                        const QImage Checked = Paint(Look | Kind | DFCS_CHECKED, Side);
+                        const QImage Unchecked = Paint(Look | Kind, Side);
+                        const QImage Inactive = Paint(Look | Kind | DFCS_CHECKED | DFCS_INACTIVE, Side);
+                        int Dark = 0;
+                        for (int Y = 0; Y < Checked.height(); ++Y)
+                            for (int X = 0; X < Checked.width(); ++X)
+                                Dark +=
+                                    std::abs(qGray(Checked.pixel(X, Y)) - qGray(Unchecked.pixel(X, Y))) > 120;
+                        EXPECT_GE(Dark, static_cast<int>(9 * Scale * Scale))
+                            << Name << " " << Scale << " " << Kind;
+                        EXPECT_FALSE(Inactive == Checked) << Name;
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(Colors, EdgesFollowTheirFlags) {
+    TPictureCanvas Canvas(5, 4);
+    QPalette Palette(QColor(0xC0, 0xC0, 0xC0));
+    Palette.setColor(QPalette::Light, Qt::white);
+    Palette.setColor(QPalette::Dark, QColor(0x80, 0x80, 0x80));
+    Canvas.SetPalette(Palette);
+    Canvas.GetBrush()->SetColor(clBtnFace);
+    const auto Dump = [&] {
+        std::string Result;
+        for (int Y = 0; Y < 4; ++Y) {
+            for (int X = 0; X < 5; ++X) {
+                const TColor Color = Canvas.GetPixel(X, Y);
+                Result += Color == ColorToRGB(clBtnFace, Palette)        ? '.'
+                          : Color == ColorToRGB(clBtnHighlight, Palette) ? 'L'
+                          : Color == ColorToRGB(clBtnShadow, Palette)    ? 'D'
+                                                                         : '?';
+            }
+            Result += '\n';
+        }
+        return Result;
+    };
+    const auto Draw = [&](bool Mirrored, unsigned Edge, unsigned Flags) {
+        Canvas.SetMirrored(false, 5);
+        Canvas.FillRect({0, 0, 5, 4});
+        Canvas.SetMirrored(Mirrored, 5);
+        Canvas.DrawEdge({0, 0, 5, 4}, Edge, Flags);
+        Canvas.SetMirrored(false, 5);
+        return Dump();
+    };
+    EXPECT_EQ(Draw(false, BDR_RAISEDINNER, BF_RECT), "LLLLD\nL...D\nL...D\nDDDDD\n");
+    EXPECT_EQ(Draw(false, BDR_SUNKENOUTER, BF_RECT), "DDDDL\nD...L\nD...L\nLLLLL\n");
+    EXPECT_EQ(Draw(false, BDR_RAISEDINNER, BF_BOTTOM | BF_RIGHT), "....D\n....D\n....D\nDDDDD\n");
+    EXPECT_EQ(Draw(true, BDR_RAISEDINNER, BF_RIGHT), "L....\nL....\nL....\nL....\n") << "a mirrored side";
+}
+
+TEST(Colors, NamesReadBack) {
+    for (const TColor Color :
+         {clBlack, clWhite, clBtnFace, clHighlight, clInfoBk, clNone, clDefault, TColor{0x123456}})
+        EXPECT_EQ(StringToColor(ColorToString(Color)), Color);
+    EXPECT_EQ(ColorToString(0x123456), "$00123456");
+    EXPECT_EQ(StringToColor("CLBTNFACE"), clBtnFace);
+    EXPECT_EQ(StringToColor("255"), 255u);
+    EXPECT_THROW(StringToColor("clNoSuch"), EConvertError);
+    EXPECT_THROW(StringToColor(""), EConvertError);
+}
+
+TEST(Tools, SizeAndHeightFollowTheInch) {
+    TFont Font;
+    Font.SetSize(12);
+    EXPECT_EQ(Font.GetHeight(), -16);
+    Font.SetHeight(-11);
+    EXPECT_EQ(Font.GetSize(), 8);
+    Font.SetHeight(16);
+    EXPECT_EQ(Font.GetSize(), -12);
+}
+
+TEST(Tools, NotifyOnlyChanges) {
+    int Changes = 0;
+    const auto Count = [&](TObject*) { ++Changes; };
+    TFont Font;
+    TBrush Brush;
+    TPen Pen;
+    Font.OnChange = Brush.OnChange = Pen.OnChange = Count;
+    Font.SetName("Serif");
+    Font.SetName("Serif");
+    Font.SetStyle({fsBold});
+    Brush.SetStyle(bsClear);
+    Brush.SetColor(Brush.GetColor()); // makes it solid again
+    Pen.SetWidth(3);
+    Pen.SetWidth(-1);
+    EXPECT_EQ(Changes, 5);
+    EXPECT_EQ(Brush.GetStyle(), bsSolid);
+    EXPECT_EQ(Pen.GetWidth(), 3);
+    TFont Copy;
+    Copy.OnChange = Count;
+    Copy.Assign(&Font);
+    Copy.Assign(&Font);
+    EXPECT_EQ(Changes, 6);
+    EXPECT_TRUE(Copy.SameShape(Font));
+    EXPECT_THROW(Font.Assign(&Pen), EConvertError);
+    EXPECT_THROW(Font.Assign(nullptr), EConvertError);
+}
+
+} // namespace
+} // namespace quill

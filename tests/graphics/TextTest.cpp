@@ -1,0 +1,405 @@
+// Text drawing and measuring, and the cache behind them.
+#include "host/graphics/TextShaping.h"
+#include "tests/graphics/Pictures.h"
+#include "tests/support/QtTest.h"
+
+#include <QApplication>
+#include <QFont>
+
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quill {
+namespace {
+
+using testing::InkBounds;
+using testing::TPictureCanvas;
+
+constexpr unsigned Cell = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX;
+
+const char* const Texts[] = {
+    "a",
+    "Apple",
+    "A longer text, with commas (and more).",
+    "fi ffl -> AVATAR To.",
+    "\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82, \xCE\xBA\xCF\x8C\xCF\x83\xCE\xBC\xCE\xBF",
+    "e\xCC\x81 combining",
+    "\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D mixed \xD8\xB3\xD9\x84\xD8\xA7\xD9\x85",
+    "\xE6\x97\xA5\xE6\x9C\xAC",
+    "trailing spaces   ",
+    "   ",
+    ""};
+
+TEST(Text, FitsWhereItWasMeasured) {
+    for (const double Scale : {1.0, 1.25, 1.5, 2.0}) {
+        for (const char* Text : Texts) {
+            for (const int Left : {3, 4, 5}) {
+                TPictureCanvas Exact(400, 40, Scale);
+                TRect Rect{Left, 5, Left, 5};
+                const int Height = Exact.DrawText(Text, Rect, Cell | DT_CALCRECT);
+                EXPECT_EQ(Rect.Left, Left);
+                EXPECT_EQ(Rect.Top, 5);
+                EXPECT_EQ(Rect.Height(), Height);
+                EXPECT_EQ(Rect.Width(), Exact.TextWidth(Text));
+                EXPECT_EQ(Rect.Height(), Exact.TextHeight(Text));
+                EXPECT_EQ(Exact.DrawText(Text, Rect, Cell | DT_END_ELLIPSIS), Height);
+                // In as much room as it likes it looks the same.
+                TPictureCanvas Wide(400, 40, Scale);
+                Rect.Right = 390;
+                Wide.DrawText(Text, Rect, Cell | DT_END_ELLIPSIS);
+                EXPECT_TRUE(Exact.Image == Wide.Image) << Text << " at " << Scale;
+            }
+        }
+    }
+}
+
+TEST(Text, StaysInsideItsRectangle) {
+    for (const double Scale : {1.0, 1.5}) {
+        for (const unsigned Align : {DT_LEFT, DT_CENTER, DT_RIGHT}) {
+            for (const unsigned Fit : {0u, DT_END_ELLIPSIS}) {
+                for (const bool Mirrored : {false, true}) {
+                    TPictureCanvas Canvas(120, 30, Scale);
+                    Canvas.SetMirrored(Mirrored, 120);
+                    TRect Rect{20, 8, 61, 18};
+                    Canvas.DrawText("A text far too long for this", Rect, Cell | Align | Fit);
+                    EXPECT_EQ(Rect, (TRect{20, 8, 61, 18}));
+                    const QRect Ink = InkBounds(Canvas.Image);
+                    ASSERT_FALSE(Ink.isEmpty());
+                    EXPECT_TRUE(Canvas.ToDeviceRect(Rect).contains(Ink));
+                }
+            }
+        }
+    }
+    TPictureCanvas Canvas(120, 30);
+    TRect Rect{20, 8, 30, 12};
+    Canvas.DrawText("A text far too long", Rect, Cell | DT_NOCLIP);
+    EXPECT_GT(InkBounds(Canvas.Image).right(), 40);
+}
+
+TEST(Text, IsAlignedInItsRectangle) {
+    struct TCase {
+        unsigned Flags;
+        bool Mirrored;
+        char Place; // of the ink: left, middle, right
+    };
+    for (const TCase& Case :
+         {TCase{DT_LEFT, false, 'l'}, TCase{DT_CENTER, false, 'm'}, TCase{DT_RIGHT, false, 'r'},
+          TCase{DT_LEFT, true, 'r'}, TCase{DT_CENTER, true, 'm'}, TCase{DT_RIGHT, true, 'l'},
+          TCase{DT_LEFT | DT_RTLREADING, false, 'l'}, TCase{DT_RIGHT | DT_RTLREADING, false, 'r'}}) {
+        TPictureCanvas Canvas(200, 20);
+        Canvas.SetMirrored(Case.Mirrored, 200);
+        TRect Rect{0, 0, 200, 20};
+        Canvas.DrawText("mmm", Rect, Cell | Case.Flags);
+        const QRect Ink = InkBounds(Canvas.Image);
+        const int Middle = Ink.center().x();
+        EXPECT_EQ(Middle < 60 ? 'l' : Middle > 140 ? 'r' : 'm', Case.Place) << Case.Flags;
+    }
+    const auto TopOf = [](unsigned Flags, int Height) {
+        TPictureCanvas Canvas(50, 60);
+        TRect Rect{0, 0, 50, Height};
+        Canvas.DrawText("H", Rect, DT_SINGLELINE | DT_NOCLIP | Flags);
+        return InkBounds(Canvas.Image).top();
+    };
+    TCanvas Measure;
+    const int Line = Measure.TextHeight("H");
+    EXPECT_EQ(TopOf(DT_VCENTER, Line + 20), TopOf(DT_TOP, Line) + 10);
+    EXPECT_EQ(TopOf(DT_BOTTOM, Line + 20), TopOf(DT_TOP, Line) + 20);
+}
+
+TEST(Text, EndsInAnEllipsisOnlyWhenItDoesNotFit) {
+    TPictureCanvas Canvas(300, 20);
+    const std::string Text = "Several words in a row";
+    const int Full = Canvas.TextWidth(Text);
+    const auto Paint = [&](int Width, unsigned Flags) {
+        TPictureCanvas Result(300, 20);
+        TRect Rect{0, 0, Width, 20};
+        Result.DrawText(Text, Rect, Cell | Flags);
+        return Result.Image;
+    };
+    EXPECT_TRUE(Paint(Full, DT_END_ELLIPSIS) == Paint(Full, 0));
+    int Before = Full + 1;
+    for (int Width = Full - 1; Width > 0; --Width) {
+        const QRect Ink = InkBounds(Paint(Width, DT_END_ELLIPSIS));
+        EXPECT_LE(Ink.right(), Width);
+        EXPECT_LE(Ink.right(), Before);
+        Before = Ink.right();
+    }
+    EXPECT_FALSE(Paint(Full - 1, DT_END_ELLIPSIS) == Paint(Full - 1, 0));
+}
+
+TEST(Text, BreaksIntoLines) {
+    TCanvas Canvas;
+    const int Line = Canvas.TextHeight("X");
+    const int Word = Canvas.TextWidth("mmmm");
+    struct TCase {
+        const char* Text;
+        int Width; // in words
+        unsigned Flags;
+        int Lines;
+    };
+    const TCase Cases[] = {
+        {"", 1, 0, 1},
+        {"a", 1, 0, 1},
+        {"a\n", 1, 0, 1},
+        {"a\nb", 1, 0, 2},
+        {"a\rb", 1, 0, 2},
+        {"a\r\nb", 1, 0, 2},
+        {"a\n\nb", 1, 0, 3},
+        {"\n\n", 1, 0, 2},
+        {"a\nb\nc", 1, DT_SINGLELINE, 1},
+        {"mmmm mmmm mmmm", 9, DT_WORDBREAK, 1},
+        {"mmmm mmmm mmmm", 1, DT_WORDBREAK, 3},
+        {"mmmm mmmm mmmm", 1, 0, 1},
+        {"mmmm mmmm\nmmmm", 1, DT_WORDBREAK, 3},
+        {"mmmm mmmm mmmm", 1, DT_WORDBREAK | DT_SINGLELINE, 1},
+        {"mmmmmmmmmmmm", 1, DT_WORDBREAK, 1},
+        {"mmmm mmmm", 0, DT_WORDBREAK, 2},
+    };
+    for (const TCase& Case : Cases) {
+        TRect Rect{7, 9, 7 + Case.Width * (Word + 1), 10};
+        EXPECT_EQ(Canvas.DrawText(Case.Text, Rect, Case.Flags | DT_CALCRECT | DT_NOPREFIX), Case.Lines * Line)
+            << Case.Text;
+        EXPECT_EQ(Rect.Height(), Case.Lines * Line) << Case.Text;
+    }
+    // A word that is wider than the rectangle stays whole, and the measured width grows to it.
+    TRect Narrow{0, 0, 10, 0};
+    Canvas.DrawText("mm mmmm mm", Narrow, DT_WORDBREAK | DT_CALCRECT);
+    EXPECT_EQ(Narrow.Width(), Word);
+    // A single line shows line breaks as spaces, a pair as one.
+    EXPECT_EQ(Canvas.TextWidth("a\r\nb"), Canvas.TextWidth("a b"));
+    EXPECT_EQ(Canvas.TextWidth("a\tb\x01"), Canvas.TextWidth("a b "));
+}
+
+TEST(Text, WrapsAlikeWhenMeasuredAndDrawn) {
+    for (const double Scale : {1.0, 1.25, 1.5}) {
+        for (int Width = 30; Width < 120; Width += 7) {
+            TPictureCanvas Canvas(200, 400, Scale);
+            const char* const Text =
+                "Several words of different lengths, wrapped at many widths\nand a second line";
+            TRect Measured{11, 0, 11 + Width, 0};
+            const int Height = Canvas.DrawText(Text, Measured, DT_WORDBREAK | DT_CALCRECT);
+            TRect Rect{11, 0, 11 + Width, 400};
+            EXPECT_EQ(Canvas.DrawText(Text, Rect, DT_WORDBREAK), Height);
+            EXPECT_LE(InkBounds(Canvas.Image).bottom(), Canvas.ToDevice(Height));
+        }
+    }
+}
+
+TEST(Text, ShowsMalformedBytesAsReplacementCharacters) {
+    TCanvas Canvas;
+    EXPECT_EQ(Canvas.TextWidth("a\xFF"), Canvas.TextWidth("a\xEF\xBF\xBD"));
+    EXPECT_EQ(Canvas.TextWidth("\xC3"), Canvas.TextWidth("\xEF\xBF\xBD"));
+    EXPECT_GT(Canvas.TextWidth(std::string_view("a\0b", 3)), Canvas.TextWidth("ab"));
+}
+
+TEST(Text, UnderlinesTheCharacterAfterAPrefix) {
+    TCanvas Measure;
+    const auto Width = [&](const char* Text, unsigned Flags) {
+        TRect Rect;
+        Measure.DrawText(Text, Rect, Flags | DT_CALCRECT | DT_SINGLELINE);
+        return Rect.Width();
+    };
+    EXPECT_EQ(Width("&File", 0), Width("File", 0));
+    EXPECT_EQ(Width("a && b", 0), Width("a & b", DT_NOPREFIX));
+    EXPECT_EQ(Width("a&", 0), Width("a", 0));
+    EXPECT_GT(Width("&File", DT_NOPREFIX), Width("File", 0));
+    const auto Paint = [](const char* Text) {
+        TPictureCanvas Canvas(100, 30);
+        TRect Rect{0, 0, 100, 30};
+        Canvas.DrawText(Text, Rect, DT_SINGLELINE);
+        return Canvas.Image;
+    };
+    EXPECT_TRUE(Paint("File") == Paint("File"));
+    EXPECT_GT(InkBounds(Paint("File&n")).bottom(), InkBounds(Paint("Filen")).bottom());
+}
+
+TEST(Text, StylesChangeTheirOwnThing) {
+    TPictureCanvas Canvas(200, 40);
+    const int Plain = Canvas.TextWidth("nun");
+    const auto Ink = [&](TFontStyles Style) {
+        TPictureCanvas Picture(200, 40);
+        Picture.GetFont()->SetStyle(Style);
+        Picture.TextOut(2, 2, "nun");
+        return Picture.Image;
+    };
+    Canvas.GetFont()->SetStyle({fsBold});
+    EXPECT_GT(Canvas.TextWidth("nun"), Plain);
+    Canvas.GetFont()->SetStyle({fsUnderline, fsStrikeOut});
+    EXPECT_EQ(Canvas.TextWidth("nun"), Plain);
+    for (const TFontStyle Style : {fsBold, fsItalic, fsUnderline, fsStrikeOut})
+        EXPECT_FALSE(Ink({}) == Ink(Style)) << Style;
+    // The lines run under the whole text.
+    const QRect Underlined = InkBounds(Ink({fsUnderline}));
+    EXPECT_EQ(Underlined.left(), 2);
+    EXPECT_EQ(Underlined.width(), Plain);
+}
+
+TEST(Text, HeightsAreThoseOfTheFont) {
+    TCanvas Canvas;
+    for (const int Height : {12, 20, 33, 60}) {
+        Canvas.GetFont()->SetHeight(Height);
+        EXPECT_NEAR(Canvas.TextHeight("Ag"), Height, 2) << "a positive height is that of the line";
+        Canvas.GetFont()->SetHeight(-Height);
+        EXPECT_GT(Canvas.TextHeight("Ag"), Height);
+        const TTextMetrics Metrics = Canvas.GetTextMetrics();
+        EXPECT_EQ(Metrics.Height, Canvas.TextHeight("Ag"));
+        EXPECT_EQ(Metrics.Ascent + Metrics.Descent, Metrics.Height);
+        EXPECT_GT(Metrics.AveCharWidth, 0);
+    }
+    Canvas.GetFont()->SetHeight(0);
+    EXPECT_GT(Canvas.TextHeight("Ag"), 0);
+    Canvas.GetFont()->SetHeight(std::numeric_limits<int>::min());
+    EXPECT_GT(Canvas.TextHeight("Ag"), 0);
+}
+
+TEST(Text, FollowsTheApplicationsFont) {
+    TCanvas Canvas;
+    const int Before = Canvas.TextWidth("mmmmiiii");
+    const QFont Old = QApplication::font();
+    QFont Bold(Old);
+    Bold.setStretch(QFont::UltraExpanded);
+    Bold.setFamily("DejaVu Sans Mono");
+    QApplication::setFont(Bold);
+    const int Changed = Canvas.TextWidth("mmmmiiii");
+    QApplication::setFont(Old);
+    EXPECT_NE(Changed, Before);
+    EXPECT_EQ(Canvas.TextWidth("mmmmiiii"), Before);
+}
+
+TEST(Text, FillsItsBackgroundWhenOpaque) {
+    TPictureCanvas Canvas(200, 40, 1.0, 0xFF000000);
+    Canvas.GetBrush()->SetColor(clYellow);
+    Canvas.GetFont()->SetColor(clYellow);
+    EXPECT_EQ(Canvas.SetBkMode(OPAQUE), TRANSPARENT);
+    Canvas.TextOut(5, 6, "nun");
+    const TSize Extent = Canvas.TextExtent("nun");
+    EXPECT_EQ(InkBounds(Canvas.Image, 0xFF000000), QRect(5, 6, Extent.cx, Extent.cy));
+    EXPECT_EQ(Canvas.GetPenPos(), (TPoint{5 + Extent.cx, 6}));
+    TPictureCanvas Clear(200, 40, 1.0, 0xFF000000);
+    Clear.SetBkMode(OPAQUE);
+    Clear.GetBrush()->SetStyle(bsClear);
+    Clear.GetFont()->SetColor(clYellow);
+    Clear.TextOut(5, 6, "nun");
+    EXPECT_EQ(Clear.GetPixel(5, 6), clBlack);
+    // Mirrored, the text ends where the mapped point is.
+    TPictureCanvas Mirrored(200, 40);
+    Mirrored.SetMirrored(true, 200);
+    Mirrored.GetBrush()->SetColor(clYellow);
+    Mirrored.SetBkMode(OPAQUE);
+    Mirrored.TextOut(10, 0, "nun");
+    EXPECT_EQ(InkBounds(Mirrored.Image), QRect(190 - Extent.cx, 0, Extent.cx, Extent.cy));
+}
+
+TEST(Text, ReadsFromRightToLeftWhenAsked) {
+    const auto Paint = [](unsigned Flags, int TextFlags) {
+        TPictureCanvas Canvas(200, 40);
+        Canvas.SetTextFlags(TextFlags);
+        if (TextFlags != 0) {
+            Canvas.TextOut(0, 0, "Hello.");
+        } else {
+            TRect Rect{0, 0, 200, 40};
+            Canvas.DrawText("Hello.", Rect, DT_SINGLELINE | Flags);
+        }
+        return Canvas.Image;
+    };
+    EXPECT_FALSE(Paint(DT_RTLREADING, 0) == Paint(0, 0)) << "the full stop goes to the left";
+    EXPECT_TRUE(Paint(0, ETO_RTLREADING) == Paint(DT_RTLREADING, 0));
+}
+
+TEST(Text, LooksTheSameWhetherShapedOrPlaced) {
+    std::mt19937 Random(20240611);
+    // Letters with kerning and ligatures, in random words.
+    const std::string Letters = "aefilotvwyAFLPTVWY.,- ";
+    std::vector<std::string> Words;
+    for (int I = 0; I < 60; ++I) {
+        std::string Word;
+        for (int J = 0; J < 12; ++J) Word += Letters[Random() % Letters.size()];
+        Words.push_back(Word);
+    }
+    Words.push_back("office waffle flight fjord");
+    for (const double Scale : {1.0, 1.5}) {
+        const auto Paint = [&](const std::string& Text, bool Elided) {
+            TPictureCanvas Canvas(300, 30, Scale);
+            TRect Rect{0, 0, Elided ? 40 : 300, 30};
+            Canvas.DrawText(Text, Rect, Cell | (Elided ? DT_END_ELLIPSIS : 0));
+            return Canvas.Image;
+        };
+        const auto Measure = [&](const std::string& Text) {
+            TPictureCanvas Canvas(1, 1, Scale);
+            return Canvas.TextWidth(Text);
+        };
+        std::vector<QImage> Shaped;
+        std::vector<int> Widths;
+        for (const std::string& Word : Words) {
+            text::ClearCache();
+            Shaped.push_back(Paint(Word, false));
+            Widths.push_back(Measure(Word));
+        }
+        text::ClearCache();
+        // Teaches every pair, then asks for the same texts, which are not in the cache under these names.
+        for (const std::string& Word : Words) Paint(Word + "!", false);
+        for (const std::string& Word : Words) Paint(Word.substr(0, 11), false);
+        const std::uint64_t Before = text::CacheFigures().Placed;
+        for (std::size_t I = 0; I < Words.size(); ++I) {
+            EXPECT_TRUE(Paint(Words[I], false) == Shaped[I]) << Words[I] << " at " << Scale;
+            EXPECT_EQ(Measure(Words[I]), Widths[I]) << Words[I];
+            EXPECT_LE(InkBounds(Paint(Words[I], true)).right(), static_cast<int>(40 * Scale)) << Words[I];
+        }
+        EXPECT_GT(text::CacheFigures().Placed, Before + Words.size() / 2) << "the table was used at all";
+    }
+}
+
+TEST(Text, OfAnyLengthIsDrawnAndMeasured) {
+    TPictureCanvas Canvas(300, 100);
+    const std::size_t Megabyte = std::size_t{1} << 20;
+    const std::string Words = [&] {
+        std::string Result;
+        while (Result.size() < Megabyte) Result += "some words and ";
+        return Result;
+    }();
+    const TSize Whole = Canvas.TextExtent(Words);
+    const TSize Tenth = Canvas.TextExtent(std::string_view(Words).substr(0, Words.size() / 10));
+    EXPECT_NEAR(static_cast<double>(Whole.cx) / Tenth.cx, 10.0, 0.5);
+    EXPECT_EQ(Whole.cy, Tenth.cy);
+    TRect Rect{0, 0, 300, 100};
+    Canvas.DrawText(Words, Rect, DT_SINGLELINE | DT_END_ELLIPSIS);
+    EXPECT_FALSE(InkBounds(Canvas.Image).isEmpty());
+    TRect Wrapped{0, 0, 300, 0};
+    EXPECT_GT(Canvas.DrawText(Words, Wrapped, DT_WORDBREAK | DT_CALCRECT), 100000);
+    EXPECT_LE(Wrapped.Width(), 300);
+    std::string Lines;
+    for (int I = 0; I < 100000; ++I) Lines += "line\n";
+    TRect All;
+    EXPECT_EQ(Canvas.DrawText(Lines, All, DT_CALCRECT), 100000 * Canvas.TextHeight("line"));
+    EXPECT_EQ(All.Width(), Canvas.TextWidth("line"));
+    // A cut inside a character is none.
+    std::string Euros;
+    while (Euros.size() < Megabyte) Euros += "\xE2\x82\xAC";
+    EXPECT_GT(Canvas.TextWidth(Euros), 1000);
+    EXPECT_GT(Canvas.TextWidth(std::string(Megabyte, '\xFF')), 1000);
+}
+
+TEST(Text, CacheIsBounded) {
+    text::ClearCache();
+    TCanvas Canvas;
+    for (int I = 0; I < 30000; ++I) Canvas.TextWidth("Text number " + std::to_string(I));
+    text::TCacheFigures Figures = text::CacheFigures();
+    EXPECT_LE(Figures.Entries, 8192u);
+    EXPECT_LE(Figures.Bytes, std::size_t{8} << 20);
+    const std::uint64_t Hits = Figures.Hits;
+    Canvas.TextWidth("Text number 29999");
+    EXPECT_EQ(text::CacheFigures().Hits, Hits + 1);
+    for (int I = 0; I < 1000; ++I) Canvas.TextWidth(std::to_string(I) + std::string(4000, 'x'));
+    EXPECT_LE(text::CacheFigures().Bytes, std::size_t{8} << 20);
+    for (int I = 1; I < 600; ++I) {
+        Canvas.GetFont()->SetHeight(-I);
+        Canvas.TextWidth("x");
+    }
+    Canvas.GetFont()->SetHeight(-12);
+    EXPECT_GT(Canvas.TextWidth("x"), 0);
+}
+
+} // namespace
+} // namespace quill
