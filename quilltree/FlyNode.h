@@ -127,8 +127,9 @@ public:
     std::string_view GetCellView(int Index) const;
     // Stores a cell and nothing else (no repaint); a negative Index is ignored.
     void StoreCell(int Index, std::string_view Value);
-    // Replaces text and cells in one step, and nothing else. For mass loading.
-    void StoreTexts(std::string_view Text, std::span<const std::string_view> Cells);
+    // Replaces text and cells in one step, and nothing else; WithCells False leaves no list of cells. For mass
+    // loading.
+    void StoreTexts(std::string_view Text, std::span<const std::string_view> Cells, bool WithCells = true);
     // Takes the list of cells away.
     void FreeCells();
 
@@ -252,6 +253,10 @@ protected:
     void SlotMoved(int From, int To) override;
     void SlotsSorted() override;
     void SlotReplaced(TTreeSlot* Old, TTreeSlot* New) override;
+    const char* StreamListName() const override { return "CellsText"; }
+    bool GetStreamList(std::vector<std::string_view>& Cells) const override;
+    void SetStreamList(std::span<const std::string_view> Cells) override;
+    void PropertyAbsent(const TPropertyInfo& Property) override;
 
 private:
     friend class TFlyNodes;

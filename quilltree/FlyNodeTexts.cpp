@@ -110,8 +110,8 @@ void TFlyNode::StoreCell(int Index, std::string_view Value) {
     List.Put(Index, Text);
 }
 
-void TFlyNode::StoreTexts(std::string_view Text, std::span<const std::string_view> Cells) {
-    Texts().Assign(Text, true, Cells);
+void TFlyNode::StoreTexts(std::string_view Text, std::span<const std::string_view> Cells, bool WithCells) {
+    Texts().Assign(Text, WithCells, Cells);
     if (!HasFlag(FlagListCells)) return;
     SetFlag(FlagListCells, false);
     NodeExtras().Cells.reset();

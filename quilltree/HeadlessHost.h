@@ -11,7 +11,7 @@
 namespace quill {
 
 // Owns a container and keeps its rows as the control would: a row count, a current row, a top row, a structure
-// column 0, and the events as functions. It shows nothing.
+// column (0 at first), and the events as functions. It shows nothing.
 class THeadlessHost : public INodeHost, public TPersistent {
 public:
     THeadlessHost();
@@ -41,6 +41,8 @@ public:
     // Numbers all nodes in document order when switched on.
     void SetEnumerateNodes(bool Value);
     void SetRangeSelect(bool Value) { FRangeSelect = Value; }
+    // The structure column, which is also its data column (columns are never moved here).
+    void SetStructureCol(int Value) { FStructureCol = Value; }
 
     // --- INodeHost --------------------------------------------------------------------------------------------
     TCustomQuillTree* GetTreeControl() override { return nullptr; }
@@ -72,12 +74,12 @@ public:
     void RowSized(int, int, int) override {}
     std::string GetNodeCells(TFlyNode* Node, int DataCol) override;
     void SetNodeCells(TFlyNode* Node, int DataCol, const std::string& S) override;
-    int GetStructureDataColumn() const override { return 0; }
+    int GetStructureDataColumn() const override { return FStructureCol; }
     TSortType GetSortType() const override { return FSortType; }
     bool HasCompare() const override { return OnCompare != nullptr; }
     int Compare(TFlyNode* Node1, TFlyNode* Node2) override;
-    int GetStructureCol() const override { return 0; }
-    int GetColCount() const override { return 1; }
+    int GetStructureCol() const override { return FStructureCol; }
+    int GetColCount() const override { return FStructureCol + 1; }
     int GetRowCount() const override { return FRowCount; }
     int GetFixedRows() const override { return FFixedRows; }
     int GetFixedCols() const override { return 0; }
@@ -128,6 +130,7 @@ private:
     bool FEnumerateNodes = false;
     bool FRangeSelect = false;
     TSortType FSortType = stNone;
+    int FStructureCol = 0;
     int FFixedRows = 0;
     int FRowCount = 0;
     int FVisibleRowCount = 20;

@@ -74,8 +74,8 @@ public:
     // By data column; the structure column's data column stands for the node's text.
     virtual std::string GetNodeCells(TFlyNode* Node, int DataCol) = 0;
     virtual void SetNodeCells(TFlyNode* Node, int DataCol, const std::string& S) = 0;
-    // Whether SetNodeCells only stores and repaints, so that loading may store whole records at once. A host that
-    // does more with each cell answers false.
+    // Whether GetNodeCells and SetNodeCells do no more than read, store and repaint, so that loading and saving may
+    // take whole records at once. A host that does more with each cell answers false.
     virtual bool StoresPlainTexts() const { return true; }
     // The data column of the structure column, -1 when there is none. Lets the model read texts without copies.
     virtual int GetStructureDataColumn() const = 0;

@@ -1,6 +1,7 @@
 #include "treecoll/Treecoll.h"
 
 #include "host/base/Errors.h"
+#include "host/base/Reflection.h"
 #include "host/base/Texts.h"
 #include "treecoll/NodePool.h"
 
@@ -426,6 +427,29 @@ void TTreeCollection::CopyItems(const TTreeCollection& Source) {
         if (!To) throw EInvalidOperation("The class " + From->ClassName() + " is not registered");
         To->SetCaption(From->GetCaption());
         Slot = From->FirstSlot();
+    }
+}
+
+const TClassInfo* TTreeCollection::GetClassInfo() const {
+    static const TPropertyInfo Properties[] = {
+        {.Name = "Caption",
+         .Kind = TPropertyKind::String,
+         .GetString =
+             [](const TPersistent& O) { return static_cast<const TTreeCollection&>(O).GetCaption(); },
+         .SetString = [](TPersistent& O,
+                         const std::string& S) { static_cast<TTreeCollection&>(O).SetCaption(S); }}};
+    static const TClassInfo Info{"TTreeCollection", nullptr, Properties};
+    return &Info;
+}
+
+bool TTreeCollection::GetStreamList(std::vector<std::string_view>&) const { return false; }
+void TTreeCollection::SetStreamList(std::span<const std::string_view>) {}
+
+void TTreeCollection::PropertyAbsent(const TPropertyInfo& Property) {
+    if (Property.SetOrdinal && Property.Default && Property.GetOrdinal(*this) != *Property.Default) {
+        Property.SetOrdinal(*this, *Property.Default);
+    } else if (Property.SetString && Property.GetString && !Property.GetString(*this).empty()) {
+        Property.SetString(*this, {});
     }
 }
 

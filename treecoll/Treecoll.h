@@ -18,6 +18,7 @@
 namespace quill {
 
 class TStream;
+struct TPropertyInfo;
 class TTreeCollection;
 
 using TChildList = TCountedList<TTreeSlot::ChildList>;
@@ -68,6 +69,8 @@ public:
     static void operator delete(void* Memory, std::size_t Size, std::align_val_t Alignment) noexcept;
 
     std::string ClassName() const override { return "TTreeCollection"; }
+    // Publishes Caption.
+    const TClassInfo* GetClassInfo() const override;
 
     // --- overridable operations -------------------------------------------------------------------------------
     // Copies the caption and the items of another collection (deep); existing items go first.
@@ -204,6 +207,13 @@ protected:
     virtual void SlotReplaced(TTreeSlot* Old, TTreeSlot* New);
     // Fires OnCollectionChange after a reported change; TFlyNodes has its own rules.
     virtual void CollectionChanged();
+    // What streams carry besides plain properties: a list of texts, kept as they are, in place of the published
+    // string property of that name. Null: none.
+    virtual const char* StreamListName() const { return nullptr; }
+    virtual bool GetStreamList(std::vector<std::string_view>& Texts) const;
+    virtual void SetStreamList(std::span<const std::string_view> Texts);
+    // A stream that was read does not name Property; the object takes the declared default.
+    virtual void PropertyAbsent(const TPropertyInfo& Property);
     // Reports a change of the child list, now or at the end of the bracket.
     void ItemsChanged();
 
@@ -222,6 +232,8 @@ protected:
 private:
     friend class TLifeWatch;
     friend class TBirthWatch;
+    friend class TTreePropertyAccess;
+    friend class TTreeItemReader;
 
     TChildList& Items();
     void Link(TTreeCollection* AOwner);

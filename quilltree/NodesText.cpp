@@ -1,0 +1,353 @@
+#include "quilltree/NodesText.h"
+
+#include "host/base/Errors.h"
+#include "host/base/Numbers.h"
+#include "host/base/Streams.h"
+#include "host/base/Strings.h"
+#include "host/base/Texts.h"
+#include "quilltree/FlyNodes.h"
+
+#include <deque>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+#include <vector>
+
+namespace quill {
+
+namespace {
+
+constexpr std::string_view HeaderText = "SaveOptions:";
+constexpr std::uint32_t AllOptions = 0x7F;
+
+// Whether the node's texts may be read and stored directly: neither its class nor its control does more with them.
+bool HasPlainTexts(const TFlyNode& Node, const INodeHost* Host) {
+    return typeid(Node) == typeid(TFlyNode) && (!Host || Host->StoresPlainTexts());
+}
+
+// --- saving -----------------------------------------------------------------------------------------------------------
+
+// Collects the many small writes of one save.
+class TBufferedOutput : public TStream {
+public:
+    explicit TBufferedOutput(TStream& Target) : FTarget(Target) { FBuffer.reserve(Capacity); }
+
+    std::int64_t Write(const void* Buffer, std::int64_t Count) override {
+        if (FBuffer.size() + static_cast<std::size_t>(Count) > Capacity) Flush();
+        if (static_cast<std::size_t>(Count) > Capacity) {
+            FTarget.WriteBuffer(Buffer, Count);
+        } else {
+            FBuffer.append(static_cast<const char*>(Buffer), static_cast<std::size_t>(Count));
+        }
+        return Count;
+    }
+    void Flush() {
+        FTarget.WriteBuffer(FBuffer.data(), static_cast<std::int64_t>(FBuffer.size()));
+        FBuffer.clear();
+    }
+    std::int64_t Read(void*, std::int64_t) override { return 0; }
+    std::int64_t Seek(std::int64_t, TSeekOrigin) override { return 0; }
+
+private:
+    static constexpr std::size_t Capacity = std::size_t{256} * 1024;
+    TStream& FTarget;
+    std::string FBuffer;
+};
+
+class TNodesWriter {
+public:
+    TNodesWriter(TStream& Stream, TSaveNodesOptions Options, INodeHost* Host)
+        : FStream(Stream), FOptions(Options), FHost(Host),
+          FStructureCol(Host ? Host->GetStructureDataColumn() : -1) {}
+
+    void WriteHeader() {
+        FLine.assign(HeaderText);
+        AppendInt(FLine, static_cast<int>(FOptions.Bits() & AllOptions));
+        WriteLine();
+    }
+
+    void WriteNode(TFlyNode& Node, int Level) {
+        FLine.assign(static_cast<std::size_t>(Level), '\t');
+        FRecordStart = FLine.size();
+        PutNumber(tsnIncludeImageIndex, Node.GetImageIndex());
+        PutNumber(tsnIncludeSelectedIndex, Node.GetSelectedIndex());
+        PutNumber(tsnIncludeStateIndex, Node.GetStateIndex());
+        PutNumber(tsnIncludeExpands, Node.GetExpanded() ? 1 : 0);
+        PutNumber(tsnIncludeHiddens, Node.GetHidden() ? 1 : 0);
+        PutNumber(tsnIncludeUniqueTags, Node.GetUniqueTag());
+        if (!FOptions.Contains(tsnIncludeCells) || !Node.HasCells()) {
+            PutText(Node.GetTextView(), true);
+        } else {
+            PutCells(Node);
+        }
+        WriteLine();
+    }
+
+private:
+    void PutNumber(TSaveNodesOption Option, int Value) {
+        if (!FOptions.Contains(Option)) return;
+        Separate();
+        AppendInt(FLine, Value);
+    }
+    void PutText(std::string_view Text, bool IsLast) {
+        const bool IsOnly = IsLast && FLine.size() == FRecordStart;
+        Separate();
+        AppendCommaTextItem(FLine, Text, IsOnly);
+    }
+    void Separate() {
+        if (FSeparate) FLine += ',';
+        FSeparate = true;
+    }
+    void PutCells(TFlyNode& Node) {
+        const bool Plain = HasPlainTexts(Node, FHost);
+        const int Count = Node.GetCellCount();
+        for (int i = 0; i < Count; ++i) {
+            if (!Plain) {
+                PutText(Node.GetCell(i), Count == 1);
+            } else if (i == FStructureCol || (!FHost && i == 0 && Node.GetCellView(0).empty())) {
+                // Without a control the text goes where loading looks for it, unless a cell stands there.
+                PutText(Node.GetTextView(), Count == 1);
+            } else {
+                PutText(Node.GetCellView(i), Count == 1);
+            }
+        }
+    }
+    void WriteLine() {
+        FLine += "\r\n";
+        FStream.WriteBuffer(FLine.data(), static_cast<std::int64_t>(FLine.size()));
+        FSeparate = false;
+    }
+
+    TStream& FStream;
+    TSaveNodesOptions FOptions;
+    INodeHost* FHost;
+    int FStructureCol;
+    std::string FLine;
+    std::size_t FRecordStart = 0;
+    bool FSeparate = false;
+};
+
+// --- loading ------------------------------------------------------------------------------------------------------------
+
+// Reads the records of one text; the container is inside its bracket. Nodes are made by the container's factory, and
+// may be deleted by handlers at any time.
+class TNodesReader {
+public:
+    TNodesReader(TFlyNodes& Nodes, std::string_view Text)
+        : FNodes(Nodes), FNodesWatch(&Nodes), FHost(Nodes.GetHost()),
+          FStructureCol(FHost ? FHost->GetStructureCol() : 0), FText(Text) {}
+
+    void Read() {
+        std::string_view Line;
+        std::size_t Pos = 0;
+        if (NextTextLine(FText, Pos, Line) && Line.find(HeaderText) != std::string_view::npos) {
+            ReadHeader(Line);
+            FTextPos = Pos;
+            FHeaderLines = 1;
+        }
+        for (; FNodesWatch && NextTextLine(FText, FTextPos, Line); ++FLineNo) {
+            if (Line.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+                throw EConvertError(Place() + "the line is too long");
+            }
+            ReadRecord(Line);
+        }
+    }
+
+private:
+    std::string Place() const { return "line " + std::to_string(FLineNo + FHeaderLines + 1) + ": "; }
+
+    void ReadHeader(std::string_view Line) {
+        Line.remove_prefix(std::min(Line.size(), HeaderText.size()));
+        try {
+            const int Mask = Line.empty() ? 0 : StrToInt(Line);
+            FOptions = TSaveNodesOptions::FromBits(static_cast<std::uint32_t>(Mask) & AllOptions);
+        } catch (const EConvertError& Error) {
+            throw EConvertError(Place() + Error.GetMessage());
+        }
+    }
+
+    void ReadRecord(std::string_view Line) {
+        std::size_t Blanks = 0;
+        while (Blanks < Line.size() && (Line[Blanks] == '\t' || Line[Blanks] == ' ')) ++Blanks;
+        SplitRecord(Line.substr(Blanks));
+        TFlyNode* const Node = PlaceNode(static_cast<int>(Blanks));
+        if (!Node) return;
+        FNext = 0;
+        int Value = 0;
+        if (TakeNumber(tsnIncludeImageIndex, Value)) Node->SetImageIndex(Value);
+        if (TakeNumber(tsnIncludeSelectedIndex, Value)) Node->SetSelectedIndex(Value);
+        if (TakeNumber(tsnIncludeStateIndex, Value)) Node->SetStateIndex(Value);
+        if (FGone.IsGone(Node)) return;
+        if (TakeNumber(tsnIncludeExpands, Value) && Value != 0) Node->SetExpandedField(true);
+        if (TakeNumber(tsnIncludeHiddens, Value) && Value != 0) Node->SetHiddenField(true);
+        if (TakeNumber(tsnIncludeUniqueTags, Value)) Node->SetUniqueTag(Value);
+        StoreTexts(*Node);
+    }
+
+    void SplitRecord(std::string_view Record) {
+        FItems.clear();
+        std::size_t BuffersUsed = 0;
+        std::string_view Item;
+        for (std::size_t Pos = 0;;) {
+            if (FBuffers.size() == BuffersUsed) FBuffers.emplace_back();
+            std::string& Buffer = FBuffers[BuffersUsed];
+            if (!NextCommaTextItem(Record, Pos, Buffer, Item)) return;
+            if (Item.data() == Buffer.data()) ++BuffersUsed;
+            FItems.push_back(Item);
+        }
+    }
+
+    // Makes the node for a line of this level; null when a handler deleted it at once, or its parent before.
+    TFlyNode* PlaceNode(int Level) {
+        const int PrevLevel = static_cast<int>(FPath.size()) - 1;
+        if (PrevLevel < 0) Level = 0; // the level of the first line does not matter
+        if (Level > PrevLevel + 1) {
+            const std::string First(FItems.empty() ? std::string_view() : FItems.front());
+            throw EQuillTreeError(FormatText(
+                sInvalidLevelEx, {std::to_string(Level), First + "(Line:" + std::to_string(FLineNo) + ")"}));
+        }
+        FPath.resize(static_cast<std::size_t>(Level));
+        TFlyNode* const Parent = FPath.empty() ? nullptr : FPath.back();
+        TFlyNode* Node = nullptr;
+        if (FPath.empty() || (Parent && !FGone.IsGone(Parent))) {
+            const TBirthWatch Birth;
+            Node = FNodes.CreateNode(Parent ? static_cast<TTreeCollection*>(Parent) : &FNodes);
+            if (Birth.Died()) Node = nullptr;
+        }
+        FPath.push_back(Node);
+        return Node;
+    }
+
+    // Takes the next item when the option is on; false when it is off. Raises what the toolkit raises for an item
+    // that is missing or no number, with the place in front.
+    bool TakeNumber(TSaveNodesOption Option, int& Value) {
+        if (!FOptions.Contains(Option)) return false;
+        if (FNext >= FItems.size()) {
+            throw EStringListError(Place() + FormatText(SListIndexError, {"0"}) + ", where a number belongs");
+        }
+        const std::string_view Item = FItems[FNext++];
+        if (TryDecimal(Item, Value)) return true;
+        try {
+            Value = StrToInt(Item);
+        } catch (const EConvertError& Error) {
+            throw EConvertError(Place() + Error.GetMessage());
+        }
+        return true;
+    }
+
+    // The items that are left: the one at the structure column is the text, the others are cells.
+    void StoreTexts(TFlyNode& Node) {
+        const int Count = static_cast<int>(FItems.size() - FNext);
+        if (Count == 0) return;
+        const auto Items = std::span<std::string_view>(FItems).subspan(FNext);
+        if (!HasPlainTexts(Node, FHost)) {
+            for (int i = 0; i < Count; ++i) {
+                const std::string Item(Items[static_cast<std::size_t>(i)]);
+                if (i == FStructureCol) {
+                    Node.SetText(Item);
+                } else {
+                    Node.SetCell(i, Item);
+                }
+                if (FGone.IsGone(&Node)) return;
+            }
+            return;
+        }
+        std::string_view Text;
+        int CellCount = Count;
+        if (FStructureCol >= 0 && FStructureCol < Count) {
+            std::string_view& Own = Items[static_cast<std::size_t>(FStructureCol)];
+            Text = Own;
+            Own = {};
+            if (FStructureCol == Count - 1) --CellCount;
+        }
+        Node.StoreTexts(Text, Items.first(static_cast<std::size_t>(CellCount)), CellCount > 0);
+    }
+
+    TFlyNodes& FNodes;
+    TWatch<TFlyNodes> FNodesWatch;
+    TGoneWatch FGone;
+    INodeHost* FHost;
+    int FStructureCol;
+    std::string_view FText;
+    std::size_t FTextPos = 0;
+    int FLineNo = 0; // the header is not counted
+    int FHeaderLines = 0;
+    TSaveNodesOptions FOptions = tsnIncludeCells;
+    // The last node of each level down to that of the line before.
+    std::vector<TFlyNode*> FPath;
+    std::vector<std::string_view> FItems;
+    std::deque<std::string> FBuffers;
+    std::size_t FNext = 0;
+};
+
+// What SetText and SetData would have done for every single node: a tree that sorts by comparison is in order.
+void SortLoaded(TFlyNodes& Nodes) {
+    INodeHost* const Host = Nodes.GetHost();
+    if (!Host || !Host->HasCompare() || Host->GetSortType() == stNone) return;
+    const TGoneWatch Gone;
+    for (TFlyNode* Node = Nodes.FirstExisting(); Node; Node = Node->GetNextExisting()) {
+        if (Node->GetCount() > 1) Node->AlphaSort();
+        if (Gone.IsGone(&Nodes) || Gone.IsGone(Node)) return;
+    }
+}
+
+} // namespace
+
+void TFlyNodes::SaveNodesToStream(TStream& Stream, TSaveNodesOptions Options) {
+    const TGoneWatch Gone;
+    TFlyNode* Node = GetFirstNode();
+    if (!Node) return;
+    TNodesWriter Writer(Stream, Options, FHost);
+    Writer.WriteHeader();
+    // The depth is counted along the way: asking each node for it would cost its depth.
+    for (int Level = 0; Node;) {
+        Writer.WriteNode(*Node, Level);
+        TFlyNode* const Written = Node;
+        if (Node->GetCount() > 0) {
+            Node = Node->getFirstChild();
+            ++Level;
+        } else {
+            while (Node && !Node->NextSlot()) {
+                Node = Node->GetParent();
+                --Level;
+            }
+            if (Node) Node = Node->GetNextSibling();
+        }
+        // Making a node of a placeholder may run a handler that deletes what is being saved.
+        if (Gone.IsGone(this) || Gone.IsGone(Written)) return;
+    }
+}
+
+void TFlyNodes::SaveNodesToFile(const std::string& FileName, TSaveNodesOptions Options) {
+    TFileStream File(FileName, fmCreate);
+    TBufferedOutput Output(File);
+    SaveNodesToStream(Output, Options);
+    Output.Flush();
+}
+
+void TFlyNodes::LoadNodesFromStream(TStream& Stream) {
+    const TWatch<TFlyNodes> Self(this);
+    const TUpdateBracket Bracket(this);
+    if (Self) Clear();
+    if (!Self) return;
+    const std::string Text = Stream.ReadRest();
+    TNodesReader(*this, Text).Read();
+    if (Self) SortLoaded(*this);
+    if (Self && FHost) FHost->RefreshRowHeights();
+}
+
+void TFlyNodes::LoadNodesFromFile(const std::string& FileName) {
+    TFileStream File(FileName, fmOpenRead);
+    const auto Named = [&FileName](const Exception& Error) {
+        return "\"" + FileName + "\", " + Error.GetMessage();
+    };
+    try {
+        LoadNodesFromStream(File);
+    } catch (const EConvertError& Error) {
+        throw EConvertError(Named(Error));
+    } catch (const EStringListError& Error) {
+        throw EStringListError(Named(Error));
+    }
+}
+
+} // namespace quill
