@@ -29,7 +29,7 @@ void TCustomExGrid::SetOptions(TGridOptions Value) {
         if (!Guard) return;
     }
     FOptions = Value;
-    if (HasOption(goRowSelect) && !WasRowSelect && !IsGridEmpty()) {
+    if (HasOption(goRowSelect) && !WasRowSelect) {
         // Whole rows from now on.
         FCurrent.X = FFixedCols;
         FAnchor.X = FColCount - 1;

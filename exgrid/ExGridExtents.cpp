@@ -304,8 +304,10 @@ void TCustomExGrid::KeepCellsInside() {
     };
     FTopLeft.X = std::clamp(FTopLeft.X, FFixedCols, std::max(FFixedCols, FColCount - 1));
     FTopLeft.Y = std::clamp(FTopLeft.Y, FFixedRows, std::max(FFixedRows, FRowCount - 1));
+    const TGridRect OldSelection = GetSelection();
     Cut(FAnchor);
     Cut(FOpposite);
+    if (GetSelection() != OldSelection) InvalidateRect(GetSelection());
     const TGridCoord Wanted{Fit(FCurrent.X, FColCount, FFixedCols), Fit(FCurrent.Y, FRowCount, FFixedRows)};
     if (Wanted == FCurrent) return;
     if (HasState(csLoading)) {

@@ -121,18 +121,21 @@ bool TCustomExGrid::AxisToScreen(const TExGridAxisDI& Axis, int Min, int Max, bo
         if (Max < Axis.FirstGridCell) return false;
         Min = Axis.FirstGridCell;
     }
+    int Last = 0;
     if (Max > Axis.LastFullVisibleCell) {
         // One more than the last whole cell, when that one is partly in view.
         Max = Axis.LastFullVisibleCell;
         if (Max < Axis.GridCellCount - 1) ++Max;
-        if (LinePos(Axis, Max) == 0) --Max;
+        if (!CellStart(Axis, Max, Last)) --Max;
         Max = std::min(Max, Axis.GridCellCount - 1);
     }
     int Start = 0;
     if (!CellStart(Axis, Min, Start) || Start >= Axis.GridExtent) return false;
-    // A last cell that begins at 0 or out of view counts as the first one.
-    std::int64_t End = LinePos(Axis, Max);
-    End = End == 0 ? std::int64_t{Start} + Axis.GetExtent(Min) : End + Axis.GetExtent(Max);
+    // A range whose last cell is out of view is taken for its first cell.
+    const bool ScrolledOut = Max >= Axis.FixedCellCount && Max < Axis.FirstGridCell;
+    const bool LastShown = !ScrolledOut && CellStart(Axis, Max, Last);
+    std::int64_t End =
+        LastShown ? std::int64_t{Last} + Axis.GetExtent(Max) : std::int64_t{Start} + Axis.GetExtent(Min);
     if (End > Axis.GridExtent || Extend) End = Axis.GridExtent;
     if (IncludeLine) End += Axis.EffectiveLineWidth;
     ScreenMin = Start;

@@ -103,6 +103,8 @@ void TCustomExGrid::DrawCells(TCanvas& ACanvas, int ACol, int ARow, int StartX, 
     // A handler may add columns or rows; this pass ends with those that were there.
     const int ColEnd = FColCount;
     const int RowEnd = FRowCount;
+    // Room that hidden fixed columns leave belongs to no cell.
+    const bool FixedOnly = ACol < FFixedCols && StopX <= DI.Horz.FixedBoundary;
     TExGridDrawState State;
     std::int64_t Top = StartY;
     for (int CurRow = ARow; Top < StopY && CurRow < std::min(RowEnd, FRowCount); ++CurRow) {
@@ -111,6 +113,12 @@ void TCustomExGrid::DrawCells(TCanvas& ACanvas, int ACol, int ARow, int StartX, 
         bool ContinueRow = true;
         for (int CurCol = ACol; Left < StopX && ContinueRow && CurCol <= std::min(ColEnd, FColCount);
              ++CurCol) {
+            if (FixedOnly && CurCol >= FFixedCols) {
+                ACanvas.GetBrush()->SetColor(Color);
+                ACanvas.FillRect(
+                    {Narrow(Left), Narrow(Top), StopX, Narrow(Bottom + DI.Vert.EffectiveLineWidth)});
+                break;
+            }
             const bool Filler = CurCol == std::min(ColEnd, FColCount);
             const std::int64_t Right = Left + (Filler ? StopX : GetColWidths(CurCol));
             if (Right == Left) continue;
@@ -164,39 +172,42 @@ void TCustomExGrid::DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& 
     FireEvent(OnDrawCell, this, ACanvas, ACol, ARow, R, State);
 }
 
-// Both lines of thick ones take their colour from HorzLine; required so. A geometric pen is centred on its line, so
-// the gaps between the cells are filled first: every pixel of them is a pixel of the line. At a fractional scale a
-// hairline may leave a device pixel of its gap, which gets the background.
+// Both lines of thick ones take their colour from HorzLine; required so. A geometric pen is centred on its line, which
+// therefore runs along the middle of the gap between two cells: it fills the gap and touches neither.
 void TCustomExGrid::DrawLines(TCanvas& ACanvas, int, int, const TRect& Rect, bool VertLine, bool HorzLine,
                               TColor Color) {
     const TColor HorzColor = HorzLine ? Color : GetColor();
     const bool Thick = FGridLineWidth >= 2;
     const TColor VertColor = Thick ? HorzColor : VertLine ? Color : GetColor();
-    const double Scale = ACanvas.GetScale();
-    if (Thick || Scale != std::floor(Scale)) {
-        const int VertGap = HasOption(goFixedVertLine) || HasOption(goVertLine) ? FGridLineWidth : 0;
-        const int HorzGap = HasOption(goFixedHorzLine) || HasOption(goHorzLine) ? FGridLineWidth : 0;
+    const int Width = Thick ? FGridLineWidth : 1;
+    const int VertGap = HasOption(goFixedVertLine) || HasOption(goVertLine) ? Width : 0;
+    const int HorzGap = HasOption(goFixedHorzLine) || HasOption(goHorzLine) ? Width : 0;
+    if (!Thick && ACanvas.GetScale() != std::floor(ACanvas.GetScale())) {
+        // A hairline may be a device pixel narrower than its gap; the rest is background.
         TBrush* Brush = ACanvas.GetBrush();
         const TColor OldColor = Brush->GetColor();
         const TBrushStyle OldStyle = Brush->GetStyle();
-        Brush->SetColor(Thick ? HorzColor : GetColor());
-        if (HorzGap > 0)
-            ACanvas.FillRect({Rect.Left, Rect.Bottom, Rect.Right + VertGap, Rect.Bottom + HorzGap});
-        if (VertGap > 0) ACanvas.FillRect({Rect.Right, Rect.Top, Rect.Right + VertGap, Rect.Bottom});
+        Brush->SetColor(GetColor());
+        ACanvas.FillRect({Rect.Left, Rect.Bottom, Rect.Right + VertGap, Rect.Bottom + HorzGap});
+        ACanvas.FillRect({Rect.Right, Rect.Top, Rect.Right + VertGap, Rect.Bottom});
         Brush->SetColor(OldColor);
         Brush->SetStyle(OldStyle);
     }
+    // The mirrored mapping takes points to the pixel after the one that a picture would have, hence the step.
+    const bool Mirrored = UseRightToLeftAlignment();
+    const int Step = Mirrored ? 1 : 0;
+    const int X = Rect.Right + (Mirrored ? Width - Width / 2 : Width / 2);
+    const int Y = Rect.Bottom + Width / 2;
     TPen* Pen = ACanvas.GetPen();
-    Pen->SetWidth(Thick ? FGridLineWidth : 1);
+    Pen->SetWidth(Width);
     Pen->SetStyle(psSolid);
     Pen->SetMode(pmCopy);
     Pen->SetColor(HorzColor);
-    ACanvas.MoveTo(Rect.Left, Rect.Bottom);
-    ACanvas.LineTo(Rect.Right + 1, Rect.Bottom);
+    ACanvas.MoveTo(Rect.Left + Step, Y);
+    ACanvas.LineTo(Rect.Right + Step + std::max(1, VertGap), Y);
     Pen->SetColor(VertColor);
-    const int X = UseRightToLeftAlignment() ? Rect.Right + 1 : Rect.Right;
     ACanvas.MoveTo(X, Rect.Top);
-    ACanvas.LineTo(X, Rect.Bottom + 1);
+    ACanvas.LineTo(X, Rect.Bottom + std::max(1, HorzGap));
 }
 
 void TCustomExGrid::GetDrawColor(int, int, TColor&, TColor&, bool&) {}
@@ -243,12 +254,21 @@ void TCustomExGrid::InvalidateGrid() { Invalidate(); }
 
 void TCustomExGrid::InvalidateRect(const TGridRect& GridRect) {
     if (!HandleAllocated()) return;
+    // A range from fixed cells to scrolled out ones shows all of the fixed cells.
+    TGridRect Cells = GridRect;
+    if (Cells.Left < FFixedCols && Cells.Right < FTopLeft.X)
+        Cells.Right = std::min(Cells.Right, FFixedCols - 1);
+    if (Cells.Top < FFixedRows && Cells.Bottom < FTopLeft.Y)
+        Cells.Bottom = std::min(Cells.Bottom, FFixedRows - 1);
     TRect R;
-    GridRectToScreenRect(GridRect, R, true, false, false);
+    GridRectToScreenRect(Cells, R, true, false, false);
     if (R.IsEmpty()) return;
     // Columns without width: see DrawCells.
-    if (const int Shift = GetPaintShift(); Shift > 0) {
-        (UseRightToLeftAlignment() ? R.Right : R.Left) += UseRightToLeftAlignment() ? Shift : -Shift;
+    const int Shift = GetPaintShift();
+    if (UseRightToLeftAlignment()) {
+        R.Right += Shift;
+    } else {
+        R.Left -= Shift;
     }
     InvalidatePixels(R);
 }

@@ -1,0 +1,359 @@
+#include "tests/exgrid/GridTestSupport.h"
+
+#include "host/graphics/RecordingCanvas.h"
+
+#include <sstream>
+#include <vector>
+
+namespace quill::testing {
+namespace {
+
+// Names each cell that it is asked to draw on the canvas, so that cells, lines and fills stand in one log.
+class TNamingGrid : public TTestGrid {
+public:
+    using TTestGrid::TTestGrid;
+    int StopAfter = 1000;
+    void DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
+                  bool& ContinueRow) override {
+        ACanvas.TextOut(Rect.Left, Rect.Top,
+                        Show(TGridCoord{ACol, ARow}) + Show(State) + " " + Show(Rect));
+        if (ACol >= StopAfter) ContinueRow = false;
+        TTestGrid::DrawCell(ACanvas, ACol, ARow, Rect, State, ContinueRow);
+    }
+    // The cells in the order of drawing: "0,0x 0,0,75,24".
+    std::string Cells(int Width = 400, int Height = 300) {
+        TRecordingCanvas Canvas(Width, Height);
+        DrawOn(Canvas, true);
+        std::istringstream Log(Canvas.GetLog("TextOut"));
+        std::string Result;
+        for (std::string Line; std::getline(Log, Line);) {
+            const std::size_t Begin = Line.find('"') + 1;
+            Result += Line.substr(Begin, Line.find('"', Begin) - Begin) + "\n";
+        }
+        return Result;
+    }
+};
+
+TEST(GridPainting, RegionsAreDrawnInOrderWithAFillerCellPerRow) {
+    TNamingGrid Grid(200, 100, 3, 3);
+    Grid.SetFixedCols(1);
+    EXPECT_EQ(Grid.Cells(), "0,0x 0,0,75,24\n"
+                            "1,0x 76,0,151,24\n2,0x 152,0,227,24\n"
+                            "0,1x 0,25,75,49\n0,2x 0,50,75,74\n"
+                            "1,1s 76,25,151,49\n2,1 152,25,227,49\n"
+                            "1,2 76,50,151,74\n2,2 152,50,227,74\n");
+    // Columns that end before the right edge are followed by column ColCount.
+    Grid.SetClientSize(300, 60);
+    EXPECT_EQ(Grid.Cells(), "0,0x 0,0,75,24\n"
+                            "1,0x 76,0,151,24\n2,0x 152,0,227,24\n3,0x 228,0,528,24\n"
+                            "0,1x 0,25,75,49\n0,2x 0,50,75,74\n"
+                            "1,1s 76,25,151,49\n2,1 152,25,227,49\n3,1 228,25,528,49\n"
+                            "1,2 76,50,151,74\n2,2 152,50,227,74\n3,2 228,50,528,74\n");
+    // Scrolled, without fixed columns and with a hidden one: no call for it and no room, not even for its line.
+    Grid.SetFixedCols(0);
+    Grid.SetColCount(4);
+    Grid.SetColWidths(2, 0);
+    Grid.MoveTopLeft(1, 2);
+    Grid.SetClientSize(150, 60);
+    EXPECT_EQ(Grid.Cells(), "1,0x 0,0,75,24\n3,0x 76,0,151,24\n1,2 0,25,75,49\n3,2 76,25,151,49\n");
+}
+
+TEST(GridPainting, StatesFollowSelectionAndFocus) {
+    TNamingGrid Grid(228, 75, 3, 3);
+    Grid.HasFocus = true;
+    Grid.FocusCell(0, 1, true, {}, swNone);
+    Grid.FocusCell(1, 2, false, ssShift, swNone);
+    EXPECT_EQ(Grid.Cells(), "0,0x 0,0,75,24\n1,0x 76,0,151,24\n2,0x 152,0,227,24\n"
+                            "0,1s 0,25,75,49\n1,1s 76,25,151,49\n2,1 152,25,227,49\n"
+                            "0,2s 0,50,75,74\n1,2sf 76,50,151,74\n2,2 152,50,227,74\n");
+    Grid.HasFocus = false;
+    EXPECT_EQ(Grid.Cells().find('f'), std::string::npos);
+    Grid.ClearSelection();
+    EXPECT_EQ(Grid.Cells().find('s'), std::string::npos);
+}
+
+TEST(GridPainting, ARowCanBeEnded) {
+    TNamingGrid Grid(228, 50, 3, 2);
+    Grid.StopAfter = 1;
+    EXPECT_EQ(Grid.Cells(), "0,0x 0,0,75,24\n1,0x 76,0,151,24\n0,1s 0,25,75,49\n1,1 76,25,151,49\n");
+}
+
+TEST(GridPainting, CellsOutsideTheClipAreOfferedWithTheLastState) {
+    TNamingGrid Grid(228, 75, 3, 3);
+    Grid.Focus(1, 1);
+    TRecordingCanvas Canvas(228, 75);
+    Canvas.IntersectClip({80, 30, 100, 40}); // within cell 1,1
+    Canvas.ClearLog();
+    Grid.DrawOn(Canvas, true);
+    const std::string Log = Canvas.GetLog();
+    EXPECT_NE(Log.find("\"1,1s 76,25,151,49\""), std::string::npos) << Log;
+    EXPECT_NE(Log.find("\"2,2s 152,50,227,74\""), std::string::npos) << Log; // state of 1,1
+    EXPECT_NE(Log.find("\"0,1 0,25,75,49\""), std::string::npos) << Log;     // nothing was visible before
+    // Lines only where something is visible.
+    EXPECT_EQ(Canvas.GetLog("Line"), "Line (76,49)-(152,49) clSilver\nLine (151,25)-(151,50) clSilver\n");
+}
+
+TEST(GridPainting, LinesHaveTheirColours) {
+    TNamingGrid Grid(151, 50, 2, 2);
+    Grid.SetFixedCols(1);
+    const auto Lines = [&](TGridOptions Options, int Width, bool Buttons) {
+        Grid.SetOptions(Options);
+        Grid.SetGridLineWidth(Width);
+        Grid.SetFixedColAsButton(Buttons);
+        Grid.SetFixedRowAsButton(Buttons);
+        TRecordingCanvas Canvas(400, 300);
+        Grid.DrawOn(Canvas, true);
+        // Only the two cells of the second row: a fixed and a scrollable one.
+        std::istringstream Log(Canvas.GetLog("Line"));
+        std::vector<std::string> All;
+        for (std::string Line; std::getline(Log, Line);) All.push_back(Line.substr(Line.rfind(')') + 2));
+        std::string Result;
+        for (std::size_t I = All.size() - 4; I < All.size(); ++I) Result += All[I] + "; ";
+        return Result;
+    };
+    const TGridOptions All{goFixedVertLine, goFixedHorzLine, goVertLine, goHorzLine};
+    // Horizontal and vertical line of the fixed cell, then of the scrollable one.
+    EXPECT_EQ(Lines(All, 1, true), "clBlack; clBlack; clSilver; clSilver; ");
+    EXPECT_EQ(Lines(All, 1, false), "clSilver; clSilver; clSilver; clSilver; ");
+    EXPECT_EQ(Lines(All - goVertLine, 1, true), "clBlack; clBlack; clSilver; clWindow; ");
+    EXPECT_EQ(Lines(All - goFixedHorzLine, 1, true), "clWindow; clBlack; clSilver; clSilver; ");
+    EXPECT_EQ(Lines(All - goHorzLine, 1, false), "clWindow; clSilver; clWindow; clSilver; ");
+    // Thick lines take both colours from the horizontal one.
+    EXPECT_EQ(Lines(All - goVertLine, 3, true), "clBlack width 3; clBlack width 3; clSilver width 3; clSilver width 3; ");
+    EXPECT_EQ(Lines(All - goHorzLine, 3, true), "clBlack width 3; clBlack width 3; clWindow width 3; clWindow width 3; ");
+}
+
+TEST(GridPainting, WithoutLinesNoneAreDrawn) {
+    TNamingGrid Grid(228, 50, 3, 2);
+    Grid.SetOptions({});
+    TRecordingCanvas Canvas(400, 300);
+    Grid.DrawOn(Canvas, true);
+    EXPECT_EQ(Canvas.GetLog("Line"), "");
+}
+
+TEST(GridPainting, TheFocusFrameSurroundsASelectionOfRows) {
+    TNamingGrid Grid(400, 200, 3, 5);
+    Grid.HasFocus = true;
+    const auto Frames = [&](TGridOptions Options) {
+        Grid.SetOptions(Options);
+        TRecordingCanvas Canvas(400, 200);
+        Grid.DrawOn(Canvas, true);
+        return Canvas.GetLog("FocusRect");
+    };
+    const TGridOptions Rows = Grid.GetOptions() + TGridOptions{goRowSelect, goDrawFocusSelected};
+    Grid.SetOptions(Rows);
+    Grid.FocusCell(0, 2, true, {}, swNone);
+    Grid.FocusCell(0, 3, false, ssShift, swNone);
+    EXPECT_EQ(Frames(Rows), "FocusRect (0,50,227,99)\n");
+    EXPECT_EQ(Frames(Rows - goDrawFocusSelected), "");
+    Grid.HasFocus = false;
+    EXPECT_EQ(Frames(Rows), "");
+    Grid.HasFocus = true;
+    Grid.SetDesigning(true);
+    EXPECT_EQ(Frames(Rows), "");
+    Grid.SetDesigning(false);
+    Grid.SetRowCount(1); // no scrollable row
+    EXPECT_EQ(Frames(Rows), "");
+}
+
+TEST(GridPainting, TheAreaBelowTheRowsIsFilledAndAnEmptyGridHasOnlyThat) {
+    class TFills : public TNamingGrid {
+    public:
+        using TNamingGrid::TNamingGrid;
+        std::string Fills;
+        void FillNotCellArea(const TRect& Rect) override {
+            EXPECT_EQ(GetCanvas()->GetBrush()->GetColor(), GetColor());
+            Fills += Show(Rect) + ";";
+        }
+    } Grid(300, 200, 3, 3);
+    Grid.Fills.clear();
+    Grid.Cells();
+    EXPECT_EQ(Grid.Fills, "0,75,300,200;");
+    Grid.SetRowCount(1);
+    Grid.Update();
+    Grid.Fills.clear();
+    EXPECT_EQ(Grid.Cells(), "0,0xs 0,0,75,24\n1,0x 76,0,151,24\n2,0x 152,0,227,24\n3,0x 228,0,528,24\n");
+    EXPECT_EQ(Grid.Fills, "0,25,300,200;");
+    Grid.Fills.clear();
+    TRecordingCanvas Canvas(300, 200);
+    Grid.DrawOn(Canvas, false);
+    EXPECT_EQ(Grid.Fills + Canvas.GetLog(), "");
+}
+
+TEST(GridPainting, DesignTimeFillsTheCells) {
+    TNamingGrid Grid(76, 75, 1, 3);
+    Grid.SetDesigning(true);
+    Grid.Focus(0, 2);
+    const auto Fill = [&] {
+        TRecordingCanvas Canvas(76, 75);
+        Grid.DrawOn(Canvas, true);
+        return Canvas.GetLog("FillRect");
+    };
+    EXPECT_EQ(Fill(), "FillRect (0,0,75,24) clBtnFace\nFillRect (0,25,75,49) clWindow\n"
+                      "FillRect (0,50,75,74) clInactiveCaption\n");
+    Grid.HasFocus = true; // selected and focused: marked only with an option that says so
+    EXPECT_NE(Fill().find("(0,50,75,74) clWindow"), std::string::npos);
+    Grid.SetOptions(Grid.GetOptions() + goDrawFocusSelected);
+    EXPECT_NE(Fill().find("(0,50,75,74) clHighlight"), std::string::npos);
+}
+
+TEST(GridPainting, HandlersDrawUnmirrored) {
+    TTestGrid Grid(228, 50, 3, 2);
+    Grid.SetBiDiMode(bdRightToLeft);
+    std::string Cells;
+    Grid.OnDrawCell = [&](TObject* Sender, TCanvas& Canvas, int Col, int Row, TRect R, TExGridDrawState State) {
+        EXPECT_EQ(Sender, &Grid);
+        EXPECT_EQ(Canvas.GetCanvasOrientation(), coLeftToRight);
+        Cells += Show(TGridCoord{Col, Row}) + Show(State) + " " + Show(R) + "\n";
+    };
+    Grid.Invalidate();
+    Grid.Update();
+    EXPECT_EQ(Cells, "0,0x 153,0,228,24\n1,0x 77,0,152,24\n2,0x 1,0,76,24\n"
+                     "0,1s 153,25,228,49\n1,1 77,25,152,49\n2,1 1,25,76,49\n");
+    EXPECT_EQ(Grid.GetCanvas()->GetCanvasOrientation(), coLeftToRight);
+}
+
+TEST(GridPainting, TextIsPlacedVertically) {
+    TTestGrid Grid(200, 100, 1, 2);
+    TRecordingCanvas Canvas(200, 100);
+    Canvas.SetFont(Grid.GetFont());
+    const int Line = Canvas.TextHeight("Xg");
+    const unsigned Flags = DT_WORDBREAK | DT_NOPREFIX;
+    const auto Draw = [&](int Mode, TRect R) {
+        Canvas.ClearLog();
+        Grid.DrawRTLText(Canvas, "word", R, Flags, Mode);
+        const std::string Log = Canvas.GetLog("Text");
+        return Log.substr(0, Log.find(" \"")) + " -> " + Show(R);
+    };
+    const int Half = (80 - Line) / 2;
+    const auto Expect = [&](int Top) {
+        return "Text (10," + std::to_string(Top) + ",110,90) -> 10,10,110,90";
+    };
+    EXPECT_EQ(Draw(0, {10, 10, 110, 90}), Expect(10));
+    EXPECT_EQ(Draw(4, {10, 10, 110, 90}), Expect(10 + Half));
+    EXPECT_EQ(Draw(8, {10, 10, 110, 90}), Expect(90 - Line));
+    EXPECT_EQ(Draw(4, {10, 10, 110, 12}), "Text (10,10,110,12) -> 10,10,110,12"); // never above the top
+    EXPECT_EQ(Draw(3, {10, 10, 110, 90}), " -> 10,10,110,90");
+    // Measuring gives the extent from the left edge on, mirrored or not.
+    for (const TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
+        Grid.SetBiDiMode(Mode);
+        TRect R{10, 20, 110, 21};
+        Grid.DrawRTLText(Canvas, "word", R, Flags | DT_CALCRECT, 0);
+        EXPECT_EQ(R.Left, 10);
+        EXPECT_EQ(R.Bottom, 20 + Line);
+    }
+    // Mirrored text goes to the other side of the client, and the caller's rectangle stays as it was.
+    TRect R{10, 20, 110, 40};
+    Canvas.ClearLog();
+    Grid.DrawRTLText(Canvas, "word", R, DT_SINGLELINE | DT_NOPREFIX, 0);
+    EXPECT_EQ(Canvas.GetLog("Text").substr(0, 20), "Text (90,20,190,40) ");
+    EXPECT_EQ(Show(R), "10,20,110,40");
+}
+
+TEST(GridPainting, DragPicturesAreBlendedWhereThatIsPossible) {
+    TTestGrid Grid(100, 60, 1, 2);
+    Grid.GetCanvas()->GetBrush()->SetColor(clWhite);
+    Grid.GetCanvas()->FillRect({0, 0, 100, 60});
+    TRecordingCanvas Picture(20, 20);
+    Picture.GetBrush()->SetColor(clBlack);
+    Picture.FillRect({0, 0, 20, 20});
+    Grid.DrawDragImg(10, 10, 20, 20, Picture, true);
+    const TColor Blended = Grid.GetCanvas()->GetPixel(15, 15) & 0xFF;
+    EXPECT_NEAR(static_cast<double>(Blended), 255.0 * (255 - 160) / 255, 2);
+    const TAlphaBlendFunc Old = AlphaBlend;
+    AlphaBlend = nullptr;
+    Grid.DrawDragImg(40, 10, 20, 20, Picture, true);
+    AlphaBlend = Old;
+    EXPECT_EQ(Grid.GetCanvas()->GetPixel(45, 15), clBlack);
+    EXPECT_EQ(Grid.GetCanvas()->GetPixel(65, 15), clWhite);
+}
+
+TEST(GridPainting, RequestsToPaintCoverTheirCells) {
+    TTestGrid Grid(400, 300, 10, 50);
+    Grid.SetFixedCols(1);
+    Grid.Focus(2, 3);
+    const auto Invalid = [&](auto Request) {
+        Grid.Update();
+        Request();
+        return Grid.Invalid();
+    };
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(1, 2); }), "76,50,152,75");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(-1, 0); }), "none");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(10, 0); }), "none");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(0, 50); }), "none");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCol(2); }), "152,0,228,300");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateRow(2); }), "0,50,400,75");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateRect({1, 1, 2, 2}); }), "76,25,228,75");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateNonFixed(); }), "76,25,400,300");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateGrid(); }), "0,0,400,300");
+    // An editor covers the current cell.
+    Grid.SetOptions(Grid.GetOptions() + goEditing);
+    Grid.SetEditorMode(true);
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(2, 3); }), "none");
+    Grid.SetEditorMode(false);
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(2, 3); }), "152,75,228,100");
+    // Scrolled far down a column's request no longer reaches the rows; the row's own does.
+    Grid.MoveTopLeft(5, 30);
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCol(6); }), "152,0,228,25");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateVisibleRow(31); }), "0,50,400,75");
+    // To the client's right edge, where the filler is.
+    Grid.SetColCount(2);
+    Grid.MoveTopLeft(1, 30);
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateRow(30); }), "0,25,152,50");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateFullRow(30); }), "0,25,400,50");
+    Grid.SetBiDiMode(bdRightToLeft);
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(1, 30); }), "248,25,324,50");
+    EXPECT_EQ(Invalid([&] { Grid.InvalidateNonFixed(); }), "0,25,324,300");
+}
+
+TEST(GridPainting, OnlyCellsThatChangeTheirSelectionAreRequested) {
+    TTestGrid Grid(400, 300, 5, 10);
+    struct TCase {
+        TGridRect Old;
+        TGridRect New;
+        const char* Invalid;
+    };
+    const TCase Cases[] = {
+        {{1, 2, 2, 3}, {1, 2, 2, 5}, "76,100,228,150"}, // two rows more
+        {{1, 2, 2, 5}, {1, 2, 2, 3}, "76,100,228,150"},
+        {{1, 2, 2, 3}, {0, 2, 2, 3}, "0,50,76,100"},
+        {{1, 2, 2, 3}, {1, 2, 2, 3}, "none"},
+        {{-1, -1, -1, -1}, {1, 2, 2, 3}, "76,50,228,100"},
+        {{0, 1, 0, 1}, {2, 3, 2, 3}, "0,25,228,100"},
+    };
+    for (const TCase& Case : Cases) {
+        Grid.MoveColRow(Case.New.Left, Case.New.Top, true, false);
+        Grid.MoveAnchor({Case.New.Left, Case.New.Top});
+        Grid.MoveColRow(Case.New.Right, Case.New.Bottom, false, false);
+        ASSERT_EQ(Show(Grid.GetSelection()), Show(Case.New));
+        Grid.Update();
+        Grid.SelectionMoved(Case.Old);
+        EXPECT_EQ(Grid.Invalid(), Case.Invalid) << Show(Case.Old) << " to " << Show(Case.New);
+    }
+}
+
+TEST(GridPainting, PropertiesRequestAPaintOnlyWhenTheyChange) {
+    TTestGrid Grid(400, 300, 5, 10);
+    const auto Asks = [&](auto Change) {
+        Grid.Update();
+        Change();
+        return Grid.Invalid() == "0,0,400,300";
+    };
+    for (int Round = 0; Round < 2; ++Round) {
+        const bool First = Round == 0;
+        EXPECT_EQ(Asks([&] { Grid.SetFixedColor(clRed); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetLineColor(clRed); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetFixedLineColor(clRed); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetFixedRowAsButton(false); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetFixedColAsButton(false); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetGridLineWidth(2); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetColWidths(1, 10); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetRowHeights(1, 10); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetColAlignMent(1, taCenter); }), First);
+        EXPECT_EQ(Asks([&] { Grid.SetOptions({goHorzLine}); }), First);
+    }
+    EXPECT_FALSE(Asks([&] { Grid.SetGridLineWidth(-1); }));
+}
+
+} // namespace
+} // namespace quill::testing
