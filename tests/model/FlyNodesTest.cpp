@@ -1,0 +1,372 @@
+// Structure, adding, removing, brackets and lookup.
+#include "ModelTestTools.h"
+
+#include "host/base/Errors.h"
+#include "host/base/Strings.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace quill {
+namespace {
+
+class FlyNodes : public testing::Test {
+protected:
+    TFlyNode* At(std::string_view Text) { return Find(Nodes, Text); }
+    THeadlessHost Host;
+    TFlyNodes& Nodes = *Host.GetItems();
+};
+
+TEST_F(FlyNodes, EveryWayOfAddingPutsTheNodeWhereItSays) {
+    struct TCase {
+        const char* What;
+        std::function<TFlyNode*(TFlyNode* Sibling)> Work;
+        const char* Expected;
+    };
+    int Mark = 0;
+    const TCase Cases[] = {
+        {"Add", [&](TFlyNode* S) { return Nodes.Add(S, "x"); }, "a [b [e], c, x], d"},
+        {"Add null", [&](TFlyNode*) { return Nodes.Add(nullptr, "x"); }, "a [b [e], c], d, x"},
+        {"AddObject", [&](TFlyNode* S) { return Nodes.AddObject(S, "x", &Mark); }, "a [b [e], c, x], d"},
+        {"AddFirst goes below the sibling", [&](TFlyNode* S) { return Nodes.AddFirst(S, "x"); },
+         "a [b [x, e], c], d"},
+        {"AddFirst null", [&](TFlyNode*) { return Nodes.AddFirst(nullptr, "x"); }, "x, a [b [e], c], d"},
+        {"AddObjectFirst goes beside it", [&](TFlyNode* S) { return Nodes.AddObjectFirst(S, "x", &Mark); },
+         "a [x, b [e], c], d"},
+        {"AddChild", [&](TFlyNode* S) { return Nodes.AddChild(S, "x"); }, "a [b [e, x], c], d"},
+        {"AddChildObject", [&](TFlyNode* S) { return Nodes.AddChildObject(S, "x", &Mark); },
+         "a [b [e, x], c], d"},
+        {"AddChildFirst", [&](TFlyNode* S) { return Nodes.AddChildFirst(S, "x"); }, "a [b [x, e], c], d"},
+        {"AddChildObjectFirst", [&](TFlyNode* S) { return Nodes.AddChildObjectFirst(S, "x", &Mark); },
+         "a [b [x, e], c], d"},
+        {"Insert", [&](TFlyNode* S) { return Nodes.Insert(S, "x"); }, "a [x, b [e], c], d"},
+        {"Insert null", [&](TFlyNode*) { return Nodes.Insert(nullptr, "x"); }, "x, a [b [e], c], d"},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        Nodes.Clear();
+        Plant(Nodes, "a[b[e] c] d");
+        const TFlyNode* const New = Case.Work(At("b"));
+        ASSERT_NE(New, nullptr);
+        EXPECT_EQ(New->GetText(), "x");
+        EXPECT_EQ(DumpItems(Nodes), Case.Expected);
+        EXPECT_NO_THROW(Nodes.CheckInvariants());
+    }
+}
+
+TEST_F(FlyNodes, RowsFollowEverySingleChangeOutsideABracket) {
+    Plant(Nodes, "a[b[c d]+ e]+ f");
+    EXPECT_EQ(Dump(Nodes), "a(+) [b(+) [c, d], e], f | a b c d e f");
+    Nodes.AddChild(At("b"), "g");
+    EXPECT_EQ(Dump(Nodes), "a(+) [b(+) [c, d, g], e], f | a b c d g e f");
+    Nodes.Insert(At("e"), "h");
+    EXPECT_EQ(Dump(Nodes), "a(+) [b(+) [c, d, g], h, e], f | a b c d g h e f");
+    Nodes.AddChildFirst(At("a"), "i");
+    EXPECT_EQ(Dump(Nodes), "a(+) [i, b(+) [c, d, g], h, e], f | a i b c d g h e f");
+    At("b")->Hide();
+    EXPECT_EQ(Dump(Nodes), "a(+) [i, b(+)(h) [c, d, g], h, e], f | a i h e f");
+    Nodes.AddChild(At("b"), "j");
+    At("b")->Show(false);
+    EXPECT_EQ(Dump(Nodes), "a(+) [i, b(+) [c, d, g, j], h, e], f | a i b c d g j h e f");
+    At("b")->SetIndex(3);
+    EXPECT_EQ(Dump(Nodes), "a(+) [i, h, e, b(+) [c, d, g, j]], f | a i h e b c d g j f");
+    At("a")->SetIndex(1);
+    EXPECT_EQ(Dump(Nodes), "f, a(+) [i, h, e, b(+) [c, d, g, j]] | f a i h e b c d g j");
+    At("b")->Delete();
+    EXPECT_EQ(Dump(Nodes), "f, a(+) [i, h, e] | f a i h e");
+    At("a")->DeleteChildren();
+    EXPECT_EQ(Dump(Nodes), "f, a | f a");
+    EXPECT_EQ(Host.GetRowCount(), 2);
+}
+
+TEST_F(FlyNodes, AddingToAParentWithASelectedChildMovesTheSelectionUp) {
+    Plant(Nodes, "a[b c]+");
+    At("b")->SetSelected(true);
+    Nodes.AddChild(At("a"), "d");
+    EXPECT_EQ(Dump(Nodes), "a(+)(sel) [b, c, d] | a b c d");
+    // Beside the rows of another parent nothing is touched.
+    At("c")->SetSelected(true);
+    Nodes.Add(nullptr, "e");
+    EXPECT_EQ(Dump(Nodes), "a(+)(sel) [b, c(sel), d], e | a b c d e");
+}
+
+TEST_F(FlyNodes, ABracketRebuildsOnceAtItsEnd) {
+    Plant(Nodes, "a[b]+");
+    int Refreshes = 0;
+    int Changes = 0;
+    Host.OnRefresh = [&] { ++Refreshes; };
+    Nodes.OnCollectionChange = [&](TObject* Sender) {
+        EXPECT_EQ(Sender, &Nodes);
+        ++Changes;
+    };
+    Nodes.BeginUpdate();
+    Nodes.BeginUpdate();
+    for (int i = 0; i < 1000; ++i) Nodes.AddChild(At("a"), std::to_string(i));
+    Nodes.EndUpdate();
+    EXPECT_EQ(DumpRows(Nodes), "a b");
+    EXPECT_EQ(Refreshes, 0);
+    EXPECT_EQ(Changes, 0);
+    EXPECT_NO_THROW(Nodes.CheckInvariants());
+    Nodes.EndUpdate();
+    EXPECT_EQ(Nodes.RowList.GetCount(), 1002);
+    EXPECT_EQ(Refreshes, 1);
+    EXPECT_EQ(Changes, 1);
+    EXPECT_THROW(Nodes.EndUpdate(), EInvalidOperation);
+    Nodes.AddedNode(nullptr);
+    EXPECT_EQ(Changes, 1) << "outside a bracket AddedNode has no effect";
+}
+
+TEST_F(FlyNodes, NavigationGoesInDocumentOrderBothWays) {
+    Plant(Nodes, "a[b[c d] e] f[g]");
+    std::string Forward;
+    TFlyNode* Last = nullptr;
+    for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) {
+        Forward += Node->GetText() + std::to_string(Node->GetLevel()) +
+                   std::to_string(Node->GetAbsoluteIndex()) + " ";
+        Last = Node;
+    }
+    EXPECT_EQ(Forward, "a00 b11 c22 d23 e14 f05 g16 ");
+    EXPECT_EQ(Last, Nodes.GetLastNode());
+    std::string Backward;
+    for (TFlyNode* Node = Last; Node; Node = Node->GetPrev()) Backward += Node->GetText();
+    EXPECT_EQ(Backward, "gfedcba");
+    EXPECT_EQ(At("b")->GetNextSibling(), At("e"));
+    EXPECT_EQ(At("b")->getPrevSibling(), nullptr);
+    EXPECT_EQ(At("a")->GetLastChild(), At("e"));
+    EXPECT_EQ(At("a")->IndexOf(At("e")), 1);
+    EXPECT_EQ(At("a")->IndexOf(At("d")), -1);
+    EXPECT_TRUE(At("d")->HasAsParent(At("a")));
+    EXPECT_TRUE(At("d")->HasAsParent(nullptr));
+    EXPECT_FALSE(At("d")->HasAsParent(At("d")));
+    EXPECT_FALSE(At("d")->HasAsParent(At("e")));
+}
+
+TEST_F(FlyNodes, IndexErrorsHaveTheirTexts) {
+    Plant(Nodes, "a[b]");
+    const auto Message = [](const auto& Work) -> std::string {
+        try {
+            Work();
+        } catch (const EQuillTreeError& Error) {
+            return "tree: " + Error.GetMessage();
+        } catch (const EListError& Error) {
+            return "list: " + Error.GetMessage();
+        }
+        return "none";
+    };
+    EXPECT_EQ(Message([&] { At("a")->GetItem(1); }), "tree: GetItem:List index out of bounds (%d)");
+    EXPECT_EQ(Message([&] { At("a")->GetItem(-1); }), "list: List index out of bounds (-1)");
+    EXPECT_EQ(Message([&] { Nodes.GetNodeFromIndex(-1); }), "tree: Invalid index");
+    EXPECT_EQ(Message([&] { Nodes.GetNodeFromIndex(1); }), "list: List index out of bounds (1)");
+    EXPECT_EQ(Message([&] { At("b")->SetIndex(1); }), "tree: GetItem:List index out of bounds (%d)");
+    EXPECT_EQ(Message([&] { At("a")->SetIndex(-1); }), "tree: Invalid index");
+    EXPECT_EQ(Dump(Nodes), "a [b] | a");
+}
+
+TEST_F(FlyNodes, DeletingTheOnlyChildClosesItsParent) {
+    Plant(Nodes, "a[b c]+ d");
+    At("b")->Delete();
+    EXPECT_TRUE(At("a")->GetExpanded());
+    At("c")->Delete();
+    EXPECT_FALSE(At("a")->GetExpanded());
+    EXPECT_FALSE(At("a")->GetChildren());
+    EXPECT_EQ(Dump(Nodes), "a, d | a d");
+}
+
+TEST_F(FlyNodes, DeletingTheCurrentRowMovesItToTheFirst) {
+    Plant(Nodes, "a b c");
+    Host.SetRow(2);
+    At("b")->Delete();
+    EXPECT_EQ(Host.GetRow(), 2);
+    Nodes.Add(nullptr, "d");
+    Nodes.BeginUpdate();
+    At("d")->Delete();
+    Nodes.EndUpdate();
+    EXPECT_EQ(Host.GetRow(), 2) << "not inside a bracket";
+    Nodes.Add(nullptr, "e");
+    At("e")->Delete();
+    EXPECT_EQ(Host.GetRow(), 0);
+}
+
+TEST_F(FlyNodes, DeletionIsToldParentFirstAndOnceForEachNode) {
+    Plant(Nodes, "a[b[c]+ d]+ e");
+    std::string Told;
+    Host.OnDeletion = [&](TFlyNode* Node) { Told += Node->GetText(); };
+    At("a")->Delete();
+    EXPECT_EQ(Told, "adbc");
+    Nodes.Clear();
+    EXPECT_EQ(Told, "adbce");
+    EXPECT_EQ(Dump(Nodes), " | ");
+}
+
+TEST_F(FlyNodes, TagsAreGivenInOrderAndTheHighestComesBack) {
+    Plant(Nodes, "a[b] c");
+    At("b")->SetUniqueTag(7);
+    EXPECT_EQ(At("b")->GetUniqueTag(), -1);
+    EXPECT_EQ(Nodes.GetNodeOnUniqueTag(-1), At("a"));
+    Host.SetEnumerateNodes(true);
+    EXPECT_EQ(At("b")->GetUniqueTag(), 1);
+    EXPECT_EQ(Nodes.Add(nullptr, "d")->GetUniqueTag(), 3);
+    At("d")->Delete();
+    EXPECT_EQ(Nodes.Add(nullptr, "e")->GetUniqueTag(), 3);
+    At("b")->Delete();
+    EXPECT_EQ(Nodes.Add(nullptr, "f")->GetUniqueTag(), 4) << "only the highest tag is given back";
+    EXPECT_EQ(Nodes.GetNodeOnUniqueTag(4), At("f"));
+    EXPECT_EQ(Nodes.GetNodeOnUniqueTag(1), nullptr);
+    Nodes.Clear();
+    EXPECT_EQ(Nodes.Add(nullptr, "g")->GetUniqueTag(), 0);
+}
+
+TEST_F(FlyNodes, PathTextsLeadBackToTheirNode) {
+    Plant(Nodes, "a[b[c] d] e");
+    const std::string Path = Nodes.GetItemText(At("c"));
+    EXPECT_EQ(Path, "a\r\nb\r\nc\r\n");
+    EXPECT_EQ(Nodes.SetItemText(Path), At("c"));
+    EXPECT_EQ(Nodes.SetItemText("a\nd"), At("d"));
+    EXPECT_EQ(Nodes.SetItemText("a\nB"), nullptr);
+    EXPECT_EQ(Nodes.SetItemText(""), nullptr);
+    EXPECT_EQ(Nodes.GetItemText(nullptr), "");
+}
+
+TEST_F(FlyNodes, SelectedNodesAreFoundAmongTheRows) {
+    Plant(Nodes, "a[b c]+ d e[f]");
+    for (const char* Name : {"b", "d", "e"}) At(Name)->SetSelected(true);
+    At("f")->SetSelectedField(true); // without a row
+    std::string Found;
+    for (TFlyNode* Node = Nodes.GetFirstSelectedNode(); Node; Node = Nodes.GetNextSelectedNode(Node)) {
+        Found += Node->GetText();
+    }
+    for (TFlyNode* Node = Nodes.GetLastSelectedNode(); Node; Node = Nodes.GetPrevSelectedNode(Node)) {
+        Found += Node->GetText();
+    }
+    EXPECT_EQ(Found, "bdeedb");
+    EXPECT_EQ(Nodes.GetNextSelectedNode(At("f")), At("b")) << "a node without a row starts again";
+    EXPECT_EQ(Nodes.GetPrevSelectedNode(At("f")), nullptr);
+    int First = 0;
+    int Last = 0;
+    EXPECT_TRUE(Nodes.ClearSelectedRows(First, Last));
+    EXPECT_EQ(First, 1);
+    EXPECT_EQ(Last, 4);
+    EXPECT_FALSE(Nodes.ClearSelectedRows(First, Last));
+    Nodes.SelectRows(-3, 1, true);
+    EXPECT_EQ(Dump(Nodes), "a(+)(sel) [b(sel), c], d, e [f(sel)] | a b c d e");
+}
+
+TEST_F(FlyNodes, AssignCopiesEverythingAnotherContainerHas) {
+    THeadlessHost OtherHost;
+    TFlyNodes& Other = *OtherHost.GetItems();
+    OtherHost.SetEnumerateNodes(true);
+    Plant(Other, "a[b c] d");
+    TFlyNode* const B = Find(Other, "b");
+    B->SetCell(1, "x\ny");
+    B->SetCell(2, "");
+    B->SetImageIndex(-1);
+    B->SetStateIndexField(3);
+    Find(Other, "d")->SetHidden(true);
+    Other.InsertPlaceholders(1, 3);
+    Plant(Nodes, "z");
+    Nodes.Assign(&Other);
+    EXPECT_EQ(Dump(Nodes), "a [b, c], 3*, d(h) | a * * *");
+    EXPECT_EQ(At("b")->GetCellView(1), "x\ny");
+    EXPECT_EQ(At("b")->GetCellCount(), 3);
+    EXPECT_FALSE(At("c")->HasCells());
+    EXPECT_EQ(At("b")->GetImageIndex(), -1);
+    EXPECT_EQ(At("c")->GetImageIndex(), 0);
+    EXPECT_EQ(At("b")->GetStateIndex(), 3);
+    EXPECT_EQ(Nodes.GetLastUniqueTag(), 3);
+    Nodes.Assign(&Nodes);
+    EXPECT_EQ(DumpItems(Nodes), "a [b, c], 3*, d(h)");
+}
+
+TEST_F(FlyNodes, PlaceholdersBecomeNodesWhereTheyStand) {
+    std::vector<int> Made;
+    Nodes.OnMaterialise = [&](TFlyNode* Node) {
+        Made.push_back(Node->GetIndex());
+        Node->SetText("#" + std::to_string(Node->GetIndex()));
+    };
+    Nodes.AddPlaceholders(1000);
+    EXPECT_EQ(Nodes.RowList.GetCount(), 1000);
+    EXPECT_EQ(Host.GetRowCount(), 1000);
+    EXPECT_EQ(Host.GetNodeAtRow(700)->GetText(), "#700");
+    Nodes.GetNodeFromIndex(0)->Delete();
+    EXPECT_EQ(Host.GetNodeAtRow(500)->GetText(), "#500") << "a removal before it moves the index on";
+    EXPECT_EQ(Nodes.GetNodeFromIndex(699)->GetText(), "#700");
+    EXPECT_EQ(Made, (std::vector<int>{700, 0, 500}));
+    EXPECT_TRUE(Nodes.NVMeta(1));
+    EXPECT_FALSE(Nodes.NVMeta(500));
+    Nodes.CustomSort(
+        [](TTreeCollection* A, TTreeCollection* B) { return B->GetCaption().compare(A->GetCaption()); },
+        true);
+    EXPECT_EQ(Nodes.GetNodeFromIndex(500)->GetText(), "#700")
+        << "placeholders keep their slots when items sort";
+    TFlyNode* const Parent = Nodes.GetNodeFromIndex(500);
+    Parent->AddPlaceholders(5);
+    Parent->Expand(false);
+    EXPECT_EQ(Nodes.RowList.GetCount(), 999 + 5);
+    EXPECT_EQ(Parent->getFirstChild()->GetText(), "#0");
+    EXPECT_EQ(Parent->GetAbsoluteIndex(), 500);
+    EXPECT_NO_THROW(Nodes.CheckInvariants());
+    Parent->Delete();
+    Nodes.InsertPlaceholders(10, 7);
+    EXPECT_EQ(Nodes.RowList.GetCount(), 998 + 7);
+    EXPECT_NO_THROW(Nodes.CheckInvariants());
+    // A handler that deletes the new node at once: nobody gets it.
+    Nodes.OnMaterialise = [](TFlyNode* Node) { Node->Delete(); };
+    EXPECT_EQ(Nodes.GetNodeFromIndex(1), nullptr);
+    EXPECT_EQ(Host.GetNodeAtRow(2), nullptr);
+    EXPECT_EQ(Nodes.RowList.GetCount(), 1003);
+    EXPECT_NO_THROW(Nodes.CheckInvariants());
+    Nodes.Clear();
+}
+
+TEST(FlyNodesAlone, WorkWithoutAControl) {
+    TFlyNodes Nodes;
+    Plant(Nodes, "b[y x] a");
+    TFlyNode* const B = Find(Nodes, "b");
+    B->Expand(true);
+    EXPECT_FALSE(B->GetExpanded()) << "without a control nothing expands";
+    EXPECT_EQ(B->GetRow(), -1);
+    EXPECT_EQ(B->GetTree(), nullptr);
+    EXPECT_EQ(B->GetHeight(), -1);
+    B->SetCell(5, "five");
+    EXPECT_EQ(B->GetCellsText(), "\r\n\r\n\r\n\r\n\r\nfive\r\n");
+    EXPECT_EQ(B->GetCell(9), "");
+    B->SetFocused(false);
+    EXPECT_TRUE(B->GetFocused()) << "without a control the setter always sets";
+    EXPECT_TRUE(Nodes.AlphaSort());
+    EXPECT_TRUE(B->AlphaSort());
+    EXPECT_EQ(DumpItems(Nodes), "a, b [x, y]");
+    EXPECT_EQ(Nodes.GetNextSelectedNode(nullptr), nullptr);
+    B->MoveTo(Find(Nodes, "a"), naAddChild);
+    EXPECT_EQ(DumpItems(Nodes), "a [b [x, y]]");
+    Nodes.ClearCells();
+    EXPECT_FALSE(B->CellsStored());
+    TFlyNode Free(nullptr);
+    Free.SetText("f");
+    EXPECT_EQ(Free.GetImageIndex(), -1);
+    Free.MoveTo(B, naAddFirst);
+    EXPECT_EQ(DumpItems(Nodes), "a [f, b [x, y]]");
+    EXPECT_EQ(Free.GetOwner(), &Nodes);
+}
+
+TEST(FlyNodesAlone, ANodeOutlivesItsContainerWithoutAnOwner) {
+    THeadlessHost Keep;
+    TFlyNode* Moved = nullptr;
+    {
+        THeadlessHost Gone;
+        Plant(*Gone.GetItems(), "a[b[c]]");
+        Plant(*Keep.GetItems(), "x");
+        Moved = Find(*Gone.GetItems(), "b");
+        // As a child of a collapsed node of another tree: only the node itself changes its owner, as required.
+        Moved->MoveTo(Find(*Keep.GetItems(), "x"), naAddChild);
+        EXPECT_EQ(Moved->GetOwner(), Keep.GetItems());
+        EXPECT_EQ(Moved->getFirstChild()->GetOwner(), Gone.GetItems());
+    }
+    EXPECT_EQ(Moved->getFirstChild()->GetOwner(), nullptr);
+    Moved->Expand(true);
+    EXPECT_EQ(Dump(*Keep.GetItems()), "x(+) [b(+) [c]] | x b c");
+    EXPECT_EQ(Moved->getFirstChild()->GetOwner(), Keep.GetItems())
+        << "a node that gets a row belongs to its list";
+}
+
+} // namespace
+} // namespace quill
