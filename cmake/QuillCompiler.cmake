@@ -26,6 +26,10 @@ function(quill_setup target)
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quill>)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+        # GCC 12 warns about overlapping copies in plain additions of std::string.
+        target_compile_options(${target} PRIVATE -Wno-restrict)
+    endif()
     if(QUILL_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

@@ -72,7 +72,9 @@ struct TBitmap::TRepresentations {
 
     int Width = 0;
     int Height = 0;
-    std::vector<TRepresentation> Images; // never empty, in the order of their scales
+    bool HasAlpha = false;
+    // In the order of their scales; at least one, which has no pixels while the bitmap is empty.
+    std::vector<TRepresentation> Images;
     std::vector<TDerived> Derived;
 
     std::size_t IndexFor(double Scale) const {
@@ -120,28 +122,17 @@ TBitmap::~TBitmap() = default;
 
 std::unique_ptr<TBitmap> TBitmap::CreateCompatible(const TCanvas& Canvas, int Width, int Height) {
     auto Result = std::make_unique<TBitmap>();
-    QImage Image(DeviceSide(std::max(0, Width), Canvas.GetScale()),
-                 DeviceSide(std::max(0, Height), Canvas.GetScale()), QImage::Format_RGB32);
-    Image.fill(Qt::white);
-    Result->SetImage(Image, Canvas.GetScale());
-    if (Result->FImages) {
-        Result->FImages->Width = Width;
-        Result->FImages->Height = Height;
-    }
+    Result->Unique().Images.back().Scale = Canvas.GetScale();
+    Result->SetSize(Width, Height);
     Result->GetCanvas()->SetPalette(Canvas.GetPalette());
     return Result;
 }
 
 std::unique_ptr<TBitmap> TBitmap::CreateTransparent(int Width, int Height, double Scale) {
     auto Result = std::make_unique<TBitmap>();
-    QImage Image(DeviceSide(std::max(0, Width), Scale), DeviceSide(std::max(0, Height), Scale),
-                 QImage::Format_ARGB32_Premultiplied);
-    Image.fill(Qt::transparent);
-    Result->SetImage(Image, Scale);
-    if (Result->FImages) {
-        Result->FImages->Width = Width;
-        Result->FImages->Height = Height;
-    }
+    Result->Unique().Images.back().Scale = Scale;
+    Result->FImages->HasAlpha = true;
+    Result->SetSize(Width, Height);
     return Result;
 }
 
@@ -155,6 +146,7 @@ TBitmap::TRepresentations& TBitmap::Unique() {
     FinishDrawing();
     if (!FImages) {
         FImages = std::make_shared<TRepresentations>();
+        FImages->Images.push_back({});
     } else if (FImages.use_count() > 1) {
         FImages = std::make_shared<TRepresentations>(*FImages);
     }
@@ -176,7 +168,7 @@ void TBitmap::FinishDrawing() const {
 
 void TBitmap::Rebind() {
     if (!FCanvas) return;
-    if (!FImages || FImages->Images.empty()) {
+    if (!FImages) {
         FCanvas->Bind(nullptr, 1.0);
         return;
     }
@@ -203,27 +195,19 @@ void TBitmap::SetSize(int Width, int Height) {
     Width = std::max(0, Width);
     Height = std::max(0, Height);
     if (Width == GetWidth() && Height == GetHeight()) return;
-    if (Width == 0 && Height == 0) {
-        FinishDrawing();
-        FImages = nullptr;
-    } else {
-        TRepresentations& Images = UniqueForDrawing();
-        if (Images.Images.empty()) Images.Images.push_back({});
-        TRepresentations::TRepresentation& Best = Images.Images.back();
-        const QImage Old = Best.Image;
-        const bool Alpha = Old.format() == QImage::Format_ARGB32_Premultiplied;
-        Best.Image = QImage(DeviceSide(Width, Best.Scale), DeviceSide(Height, Best.Scale),
-                            Alpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
-        Best.Image.fill(Alpha ? Qt::transparent : Qt::white);
-        const QRect Common = Old.rect() & Best.Image.rect();
-        if (!Common.isEmpty()) {
-            QImage Source = Old;
-            pixels::Blit(pixels::Writable(Best.Image), Common, pixels::Writable(Source), QPoint(0, 0),
-                         pixels::TCombine::Copy);
-        }
-        Images.Width = Width;
-        Images.Height = Height;
-    }
+    TRepresentations& Images = UniqueForDrawing();
+    TRepresentations::TRepresentation& Best = Images.Images.back();
+    QImage Old;
+    Old.swap(Best.Image);
+    Best.Image = QImage(DeviceSide(Width, Best.Scale), DeviceSide(Height, Best.Scale),
+                        Images.HasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    Best.Image.fill(Images.HasAlpha ? Qt::transparent : Qt::white);
+    const QRect Common = Old.rect() & Best.Image.rect();
+    if (!Common.isEmpty())
+        pixels::Blit(pixels::Writable(Best.Image), Common, pixels::Writable(Old), QPoint(0, 0),
+                     pixels::TCombine::Copy);
+    Images.Width = Width;
+    Images.Height = Height;
     Rebind();
     Changed();
 }
@@ -239,7 +223,8 @@ void TBitmap::SetImage(const QImage& Image, double Scale) {
     FImages = nullptr;
     if (!Image.isNull()) {
         TRepresentations& Images = Unique();
-        Images.Images.push_back({Usable(Image), Scale});
+        Images.Images.back() = {Usable(Image), Scale};
+        Images.HasAlpha = Images.Images.back().Image.format() == QImage::Format_ARGB32_Premultiplied;
         Images.Width = static_cast<int>(std::lround(Image.width() / Scale));
         Images.Height = static_cast<int>(std::lround(Image.height() / Scale));
     }
@@ -249,7 +234,7 @@ void TBitmap::SetImage(const QImage& Image, double Scale) {
 
 void TBitmap::AddImage(const QImage& Image, double Scale) {
     if (Image.isNull()) return;
-    if (!FImages) {
+    if (GetEmpty()) {
         SetImage(Image, Scale);
         return;
     }
@@ -266,9 +251,7 @@ void TBitmap::AddImage(const QImage& Image, double Scale) {
     Changed();
 }
 
-bool TBitmap::HasAlpha() const {
-    return FImages && FImages->Images.front().Image.format() == QImage::Format_ARGB32_Premultiplied;
-}
+bool TBitmap::HasAlpha() const { return FImages && FImages->HasAlpha; }
 
 // --- transparency -------------------------------------------------------------------------------------------------
 
@@ -288,8 +271,9 @@ void TBitmap::SetTransparentColor(TColor Value) {
 }
 
 void TBitmap::MakeTransparent(TColor Color) {
-    if (!FImages) return;
-    for (TRepresentations::TRepresentation& Representation : Unique().Images)
+    if (GetEmpty()) return;
+    Unique().HasAlpha = true;
+    for (TRepresentations::TRepresentation& Representation : FImages->Images)
         Representation.Image = WithoutColor(Representation.Image, ColorToRGB(Color));
     Rebind();
     Changed();
@@ -317,8 +301,11 @@ void TBitmap::LoadFromFile(const std::string& FileName) {
 void TBitmap::SaveToFile(const std::string& FileName) const {
     QImageWriter Writer(ToQString(FileName), "png");
     QImage Image = FImages ? GetImage(FImages->Images.back().Scale) : QImage();
-    if (Image.isNull()) Image = QImage(1, 1, QImage::Format_ARGB32_Premultiplied);
-    if (!FImages) Image.fill(Qt::transparent);
+    if (Image.isNull()) {
+        // The format has no empty pictures.
+        Image = QImage(1, 1, QImage::Format_ARGB32_Premultiplied);
+        Image.fill(Qt::transparent);
+    }
     if (!Writer.write(Image))
         throw EFCreateError(FormatText(SFCreateError, {FileName, Writer.errorString().toStdString()}));
 }
@@ -336,7 +323,7 @@ bool TBitmap::LoadFromResourceName(const std::string& Name) {
 
 void TBitmap::Assign(TPersistent* Source) {
     if (Source == nullptr) {
-        SetSize(0, 0);
+        SetImage(QImage());
     } else if (const auto* Other = dynamic_cast<TBitmap*>(Source)) {
         *this = *Other;
     } else {
@@ -345,7 +332,7 @@ void TBitmap::Assign(TPersistent* Source) {
 }
 
 void TBitmap::DrawOn(TCanvas& Canvas, const TRect& Rect) {
-    if (!FImages) return;
+    if (GetEmpty()) return;
     FinishDrawing();
     const std::shared_ptr<TRepresentations> Images = FImages; // drawing on our own canvas unshares
     const std::size_t Index = Images->IndexFor(Canvas.GetScale());

@@ -56,7 +56,7 @@ bool TCanvas::BeginDrawing() {
         if (FImage == nullptr) return false;
         // The handler may bind another image, so the flag is set after it as well as before.
         FState->Opened = true;
-        if (OnOpen) OnOpen();
+        FireEvent(OnOpen);
         FState->Opened = true;
     }
     return FImage != nullptr && !FState->ClipBounds.isEmpty();

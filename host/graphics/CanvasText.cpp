@@ -42,6 +42,7 @@ int TCanvas::DrawText(std::string_view Text, TRect& Rect, unsigned Flags) {
         return Height;
     }
     const auto Unseen = [&] {
+        Face = FState->FontUse.Resolve(FFont, FScale);
         const bool OneLine = (Flags & DT_SINGLELINE) != 0;
         return Units(OneLine ? Face->LineHeight() : text::Measure(*Face, Text, Room, Shaping).Height, FScale);
     };

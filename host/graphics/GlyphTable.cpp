@@ -53,6 +53,7 @@ bool TGlyphTable::Place(const QString& Text, TPlacement& Placement) const {
     TUnit Before = 0;
     const TGlyph* Glyph = nullptr;
     for (qsizetype At = 0, Length = 0; At < Text.size(); At += Length) {
+        if (!IsSimple(Text[At].unicode())) return false;
         Glyph = Known(Text[At].unicode());
         if (Glyph == nullptr) return false;
         const TUnit Unit = UnitAt(Text, At, Glyph, Length);

@@ -1,6 +1,7 @@
 // Drawing tools: fonts, pens, brushes, and graphics that can be drawn on a canvas.
 #pragma once
 
+#include "host/base/Events.h"
 #include "host/base/Objects.h"
 
 #include <memory>
@@ -20,9 +21,7 @@ public:
     TNotifyEvent OnChange;
 
 protected:
-    void Changed() {
-        if (OnChange) OnChange(this);
-    }
+    void Changed() { FireEvent(OnChange, this); }
 };
 
 enum TFontStyle { fsBold, fsItalic, fsUnderline, fsStrikeOut };

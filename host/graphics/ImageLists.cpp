@@ -71,9 +71,7 @@ TChangeLink::~TChangeLink() {
     if (FSender != nullptr) FSender->UnRegisterChanges(this);
 }
 
-void TChangeLink::Change() {
-    if (OnChange) OnChange(FSender);
-}
+void TChangeLink::Change() { FireEvent(OnChange, FSender); }
 
 void TCustomImageList::RegisterChanges(TChangeLink* Value) {
     if (Value == nullptr || Value->FSender == this) return;
@@ -149,7 +147,7 @@ void TCustomImageList::Delete(int Index) {
 
 bool TCustomImageList::GetBitmap(int Index, TBitmap& Bitmap) const {
     if (Index < 0 || Index >= GetCount()) {
-        Bitmap.SetSize(0, 0);
+        Bitmap.Assign(nullptr);
         return false;
     }
     Bitmap = FImages[static_cast<std::size_t>(Index)];
@@ -183,7 +181,7 @@ void TCustomImageList::Change() {
         Link->Change();
         if (Alive.expired()) return;
     }
-    if (OnChange) OnChange(this);
+    FireEvent(OnChange, this);
 }
 
 } // namespace quill

@@ -58,7 +58,7 @@ struct TCache {
     // Most recently used first.
     std::list<TEntry> Entries;
     std::unordered_map<TKey, std::list<TEntry>::iterator, TKeyHash> Index;
-    std::map<TFaceKey, std::shared_ptr<const TFace>> Faces;
+    std::map<TFaceKey, std::unique_ptr<const TFace>> Faces;
     std::size_t Bytes = 0;
     std::uint64_t Hits = 0;
     std::uint64_t Misses = 0;
@@ -352,10 +352,10 @@ const TFace* TFontUse::Resolve(const TFont& Font, double Scale) {
     TCache& C = Cache();
     const std::uint32_t Style = Font.GetStyle().Bits() & (TFontStyles(fsBold) + TFontStyles(fsItalic)).Bits();
     const bool IsDefault = Font.GetName().empty();
-    if (FFace && FGeneration == C.Generation && FHeight == Font.GetHeight() && FStyle == Style &&
+    if (FFace != nullptr && FGeneration == C.Generation && FHeight == Font.GetHeight() && FStyle == Style &&
         FScale == Scale && FName == Font.GetName() &&
         (!IsDefault || FApplicationFont == QGuiApplication::font()))
-        return FFace.get();
+        return FFace;
     FName = Font.GetName();
     FHeight = Font.GetHeight();
     FStyle = Style;
@@ -379,10 +379,13 @@ const TFace* TFontUse::Resolve(const TFont& Font, double Scale) {
     const int Pixels = static_cast<int>(std::clamp(std::round(Size * Scale), 1.0, 4096.0));
     Qt.setPixelSize(Pixels);
 
-    if (C.Faces.size() >= MaxFaces) C.Faces.clear();
-    std::shared_ptr<const TFace>& Known = C.Faces[{FName, IsDefault ? Qt.key() : QString(), Pixels, Style}];
+    if (C.Faces.size() >= MaxFaces) {
+        C.Faces.clear();
+        ++C.Generation;
+    }
+    std::unique_ptr<const TFace>& Known = C.Faces[{FName, IsDefault ? Qt.key() : QString(), Pixels, Style}];
     if (!Known) {
-        auto Face = std::make_shared<TFace>();
+        auto Face = std::make_unique<TFace>();
         const QFontMetricsF Metrics(Qt);
         Face->Id = ++C.LastFaceId;
         Face->Font = Qt;
@@ -392,11 +395,11 @@ const TFace* TFontUse::Resolve(const TFont& Font, double Scale) {
         Face->LineThickness = std::max(1, static_cast<int>(std::lround(Metrics.lineWidth())));
         Face->UnderlineTop = std::max(1, static_cast<int>(std::lround(Metrics.underlinePos())));
         Face->StrikeTop = -static_cast<int>(std::lround(Metrics.strikeOutPos()));
-        Known = Face;
+        Known = std::move(Face);
     }
     FGeneration = C.Generation;
-    FFace = Known;
-    return FFace.get();
+    FFace = Known.get();
+    return FFace;
 }
 
 // --- blocks -------------------------------------------------------------------------------------------------------

@@ -50,7 +50,7 @@ private:
     double FScale = 0.0;
     QFont FApplicationFont;
     unsigned FGeneration = 0;
-    std::shared_ptr<const TFace> FFace;
+    const TFace* FFace = nullptr; // valid in its generation
 };
 
 enum : unsigned {

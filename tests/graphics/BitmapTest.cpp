@@ -159,6 +159,25 @@ TEST(Bitmap, KeepsPixelsWhenResized) {
     EXPECT_EQ(Bitmap.GetCanvas()->GetPixel(2, 2), clWhite);
 }
 
+TEST(Bitmap, GrowsFromNothingInItsScale) {
+    const TPictureCanvas Fine(10, 10, 2.0);
+    const auto Line = TBitmap::CreateCompatible(Fine, 0, 8);
+    EXPECT_TRUE(Line->GetEmpty());
+    EXPECT_EQ(Line->GetHeight(), 8);
+    EXPECT_EQ(Line->GetCanvas()->GetScale(), 2.0) << "texts are measured as they will be drawn";
+    Line->SetWidth(5);
+    EXPECT_EQ(Line->GetImage(1.0).size(), QSize(10, 16));
+    Line->SetSize(0, 0);
+    Line->SetSize(1, 1);
+    EXPECT_EQ(Line->GetImage(1.0).size(), QSize(2, 2));
+    const auto Clear = TBitmap::CreateTransparent(0, 0, 1.5);
+    Clear->SetSize(4, 4);
+    EXPECT_TRUE(Clear->HasAlpha());
+    EXPECT_EQ(Clear->GetImage(1.0).pixel(0, 0), 0u);
+    Clear->Assign(nullptr);
+    EXPECT_TRUE(Clear->GetEmpty());
+}
+
 TEST(Bitmap, LoadsAndSavesFiles) {
     const TTempFolder Folder;
     TBitmap Bitmap = Sample();

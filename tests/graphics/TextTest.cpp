@@ -348,6 +348,11 @@ TEST(Text, LooksTheSameWhetherShapedOrPlaced) {
             EXPECT_LE(InkBounds(Paint(Words[I], true)).right(), static_cast<int>(40 * Scale)) << Words[I];
         }
         EXPECT_GT(text::CacheFigures().Placed, Before + Words.size() / 2) << "the table was used at all";
+        // The codes that the table gives to ligatures are no characters.
+        const std::string Private = "\xEE\x80\x80-\xEE\x80\x81";
+        const QImage Learnt = Paint(Private, false);
+        text::ClearCache();
+        EXPECT_TRUE(Paint(Private, false) == Learnt);
     }
 }
 
