@@ -52,8 +52,15 @@ TFlyNode::TFlyNode(TTreeCollection* AOwner) : TTreeCollection(AOwner) {
     Container->NodeAppeared(this);
     if (Container->GetUpdateCount() > 0) return;
     const TWatch<TFlyNodes> ContainerWatch(Container);
-    Host->RefreshNodeList(AsNode(AOwner));
-    if (ContainerWatch) Host->FixupRows();
+    const TWatch<TFlyNode> Self(this);
+    try {
+        Host->RefreshNodeList(AsNode(AOwner));
+        if (ContainerWatch) Host->FixupRows();
+    } catch (...) {
+        // The destructor will not run; the base takes the node out of the lists.
+        if (Self) ReleaseAnchor();
+        throw;
+    }
 }
 
 TFlyNode::~TFlyNode() {

@@ -101,7 +101,8 @@ void TFlyNode::ExpandSelf(bool Expand, bool OpenAncestors) {
         if (OpenAncestors && GetRow() == -1) MakeVisible();
         if (!Self || GetExpanded() || !DoCanExpand(true) || !Alive() || GetExpanded()) return;
         if (!HasFlag(FlagSorted) && Host->GetSortType() != stNone) AlphaSort();
-        if (!Alive()) return;
+        // The comparison may have expanded the node meanwhile.
+        if (!Alive() || GetExpanded()) return;
         SetFlag(FlagExpanded, true);
         ExpandRows();
         FitGridRows();

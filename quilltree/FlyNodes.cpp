@@ -21,11 +21,14 @@ TFlyNodes::TFlyNodes(INodeHost* ATree)
     SetOwner(ATree ? ATree->GetPersistentOwner() : nullptr);
 }
 
-TFlyNodes::~TFlyNodes() {
+// Nodes that go now find neither a row list nor a control: nobody is told.
+void TFlyNodes::DestroySteps() {
     LockList();
-    // Nodes that go now find neither a row list nor a control: nobody is told.
     FHost = nullptr;
     RowList.Clear();
+}
+
+TFlyNodes::~TFlyNodes() {
     FinishDestruction();
     FAnchor->Container = nullptr;
     if (--FAnchor->Users == 0) delete FAnchor;

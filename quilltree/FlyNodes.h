@@ -174,6 +174,7 @@ public:
     std::recursive_mutex Lock;
 
 protected:
+    void DestroySteps() override;
     TTreeCollection* CreateItem(const std::string& ClassNameWanted) override;
     void Materialised(TTreeCollection* Item) override;
     void SlotsInserted(int Index, int Count) override;

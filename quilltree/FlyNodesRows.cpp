@@ -202,12 +202,12 @@ void TFlyNodes::SlotsDisappear(TTreeCollection* Parent, int Index, int Count) {
             RowList.FList.DeleteRange(Row, End - Row);
             continue;
         }
-        TFlyNode* const Node = TFlyNode::AsNode(static_cast<TTreeCollection*>(Slot));
-        if (!Node) continue;
-        if (FRowsCurrent && !Node->GetDeleting()) {
+        auto* const Item = static_cast<TTreeCollection*>(Slot);
+        if (!FRowsCurrent || Item->HasFlag(FlagDestroying)) {
+            // An item on its way out may be no node any more.
+            RowList.Remove(Slot);
+        } else if (TFlyNode* const Node = TFlyNode::AsNode(Item)) {
             RemoveSubtreeRows(Node);
-        } else {
-            RowList.Remove(Node);
         }
     }
 }

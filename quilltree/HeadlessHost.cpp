@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+// Handlers are called through copies: one may destroy this host while it runs.
 namespace quill {
 
 THeadlessHost::THeadlessHost() : FItems(std::make_unique<TFlyNodes>(this)) {}
@@ -17,7 +18,7 @@ void THeadlessHost::RefreshNodeList(TTreeCollection* Item) {
     // The container tells about itself before it is assigned.
     if (!FItems) return;
     FItems->RebuildRowList(Item);
-    if (OnRefresh) OnRefresh();
+    if (const auto Handler = OnRefresh) Handler();
 }
 
 void THeadlessHost::FixupRows() {
@@ -30,13 +31,13 @@ void THeadlessHost::FixupRows() {
 
 void THeadlessHost::InsertRows(int Index, int Count) {
     FRowCount += Count;
-    if (OnInsertRows) OnInsertRows(Index, Count);
+    if (const auto Handler = OnInsertRows) Handler(Index, Count);
 }
 
 void THeadlessHost::DeleteRows(int Index, int Count) {
     FRowCount -= Count;
     FTopRow = std::clamp(FTopRow, FFixedRows, std::max(FFixedRows, FRowCount - 1));
-    if (OnDeleteRows) OnDeleteRows(Index, Count);
+    if (const auto Handler = OnDeleteRows) Handler(Index, Count);
 }
 
 TFlyNode* THeadlessHost::GetNodeAtRow(int ARow) {
@@ -71,7 +72,7 @@ void THeadlessHost::MoveTopLeft(int, int ATop) { SetTopRow(ATop); }
 TFlyNode* THeadlessHost::CreateNode(TTreeCollection* Owner) { return new TFlyNode(Owner); }
 
 void THeadlessHost::NodeMaterialised(TFlyNode* Node) {
-    if (OnMaterialise) OnMaterialise(Node);
+    if (const auto Handler = OnMaterialise) Handler(Node);
 }
 
 void THeadlessHost::ForgetNode(TFlyNode* Node) {
@@ -80,33 +81,34 @@ void THeadlessHost::ForgetNode(TFlyNode* Node) {
 
 bool THeadlessHost::CanExpand(TFlyNode* Node) {
     bool Allow = true;
-    if (OnExpanding) OnExpanding(Node, Allow);
+    if (const auto Handler = OnExpanding) Handler(Node, Allow);
     return Allow;
 }
 
 bool THeadlessHost::CanCollapse(TFlyNode* Node) {
     bool Allow = true;
-    if (OnCollapsing) OnCollapsing(Node, Allow);
+    if (const auto Handler = OnCollapsing) Handler(Node, Allow);
     return Allow;
 }
 
 void THeadlessHost::Expand(TFlyNode* Node) {
-    if (OnExpanded) OnExpanded(Node);
+    if (const auto Handler = OnExpanded) Handler(Node);
 }
 
 void THeadlessHost::Collapse(TFlyNode* Node) {
-    if (OnCollapsed) OnCollapsed(Node);
+    if (const auto Handler = OnCollapsed) Handler(Node);
 }
 
 void THeadlessHost::Delete(TFlyNode* Node) {
-    if (OnDeletion && !FDestroying) OnDeletion(Node);
+    if (FDestroying) return;
+    if (const auto Handler = OnDeletion) Handler(Node);
 }
 
 bool THeadlessHost::ChangeState(TFlyNode* Node, int NewState) {
-    if (OnStateChanging) {
+    if (const auto Handler = OnStateChanging) {
         const TWatch<TFlyNode> Watch(Node);
         bool Allow = true;
-        OnStateChanging(Node, NewState, Allow);
+        Handler(Node, NewState, Allow);
         if (!Allow || !Watch) return false;
     }
     Node->SetStateIndexField(NewState);
@@ -116,7 +118,8 @@ bool THeadlessHost::ChangeState(TFlyNode* Node, int NewState) {
 void THeadlessHost::SelectItem(TFlyNode* Node) {
     const TWatch<TFlyNode> Watch(Node);
     Node->MakeVisible();
-    if (Watch && OnSelectItem) OnSelectItem(Node);
+    if (!Watch) return;
+    if (const auto Handler = OnSelectItem) Handler(Node);
 }
 
 void THeadlessHost::SetDropTarget(TFlyNode* Node) { FDropTarget = Node; }
@@ -136,7 +139,7 @@ void THeadlessHost::SetNodeCells(TFlyNode* Node, int DataCol, const std::string&
 
 int THeadlessHost::Compare(TFlyNode* Node1, TFlyNode* Node2) {
     int Result = 0;
-    if (OnCompare) OnCompare(Node1, Node2, Result);
+    if (const auto Handler = OnCompare) Handler(Node1, Node2, Result);
     return Result;
 }
 

@@ -55,6 +55,27 @@ void TTreeCollection::operator delete(void* Memory, std::size_t, std::align_val_
     ::operator delete(Memory, Alignment);
 }
 
+void TTreeCollection::operator delete(TTreeCollection* Object, std::destroying_delete_t,
+                                      std::size_t Size) noexcept {
+    if (!Object->HasFlag(FlagReleasing)) {
+        Object->FreeQuietly();
+        return;
+    }
+    void* const Memory = dynamic_cast<void*>(Object);
+    Object->~TTreeCollection();
+    FreeBlock(Memory, Size);
+}
+void TTreeCollection::operator delete(TTreeCollection* Object, std::destroying_delete_t, std::size_t,
+                                      std::align_val_t Alignment) noexcept {
+    if (!Object->HasFlag(FlagReleasing)) {
+        Object->FreeQuietly();
+        return;
+    }
+    void* const Memory = dynamic_cast<void*>(Object);
+    Object->~TTreeCollection();
+    ::operator delete(Memory, Alignment);
+}
+
 TTreeCollection::TTreeCollection(TTreeCollection* AOwner) : TTreeSlot(false) {
     if (InnermostBirth && !InnermostBirth->FBorn) {
         InnermostBirth->FBorn = true;
@@ -178,6 +199,7 @@ std::exception_ptr TTreeCollection::DestroySubtree(TTreeCollection* Root) noexce
         }
         TTreeCollection* const Parent = Item->FCollection;
         Item->Unlink();
+        Item->SetFlag(FlagReleasing, true);
         if (Item == Root) {
             delete Root;
             return First;
@@ -186,6 +208,14 @@ std::exception_ptr TTreeCollection::DestroySubtree(TTreeCollection* Root) noexce
         // The destructor of a program's own class ran, which may have done anything, too.
         if (!RootWatch.IsAlive()) return First;
         Item = Parent;
+    }
+}
+
+void TTreeCollection::FreeQuietly() noexcept {
+    try {
+        Free();
+    } catch (...) {
+        // delete must not throw; Free passes the exceptions of handlers on.
     }
 }
 

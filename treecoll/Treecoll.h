@@ -65,6 +65,11 @@ public:
     TTreeCollection& operator=(const TTreeCollection&) = delete;
     static void* operator new(std::size_t Size);
     static void operator delete(void* Memory, std::size_t Size) noexcept;
+    // A delete-expression is Free: it sees the whole object, whatever its class, and does nothing to one that is
+    // being destroyed already. Exceptions of handlers get lost here.
+    static void operator delete(TTreeCollection* Object, std::destroying_delete_t, std::size_t Size) noexcept;
+    static void operator delete(TTreeCollection* Object, std::destroying_delete_t, std::size_t Size,
+                                std::align_val_t Alignment) noexcept;
     static void* operator new(std::size_t Size, std::align_val_t Alignment);
     static void operator delete(void* Memory, std::size_t Size, std::align_val_t Alignment) noexcept;
 
@@ -163,7 +168,7 @@ public:
     // Throws std::logic_error that names the broken rule. Costs O(size of the subtree).
     void CheckInvariants() const;
 
-    // One word of flags: the base uses the low byte, descendants the rest.
+    // One word of flags: the base uses the low bits, descendants the rest.
     enum TBaseFlag : std::uint32_t {
         FlagWatched = 1u << 0,    // some TLifeWatch may look at this object
         FlagStepsRun = 1u << 1,   // DestroySteps ran or runs
@@ -173,7 +178,8 @@ public:
         FlagSilent = 1u << 5,     // goes without telling anybody (added while its parent was going)
         FlagNode = 1u << 6,       // this is a TFlyNode,
         FlagContainer = 1u << 7,  // this is a TFlyNodes: known without a cast
-        FlagsOfDescendants = 1u << 8
+        FlagReleasing = 1u << 8,  // the steps are done; the destructor may run
+        FlagsOfDescendants = 1u << 9
     };
     bool HasFlag(std::uint32_t Flag) const { return (FFlags & Flag) != 0; }
 
@@ -191,8 +197,8 @@ protected:
     TExtras& Extras();
     TExtras* ExtrasIfAny() const { return FExtras.get(); }
 
-    // Runs once before this object goes, while everything below it still stands; from the destructor when nobody
-    // ran it before. Descendants say here what has to be said, and guard themselves: the object may be gone after
+    // Runs once before this object goes, while it is whole and everything below it still stands (from the destructor
+    // of an object that is no heap object). Descendants say here what has to be said, and guard themselves: the object may be gone after
     // any call to application code.
     virtual void DestroySteps() {}
     // Makes an item of the default class; the base of _Add calls it.
@@ -239,6 +245,7 @@ private:
     void Link(TTreeCollection* AOwner);
     void Unlink();
     static void FreePlaceholder(TMetaNode* Meta) noexcept;
+    void FreeQuietly() noexcept;
     static std::exception_ptr DestroySubtree(TTreeCollection* Root) noexcept;
     std::exception_ptr DestroyItems() noexcept;
     bool DropLastPlaceholders();
