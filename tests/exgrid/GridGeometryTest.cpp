@@ -34,7 +34,8 @@ TEST(GridGeometry, ANewGridHasTheDocumentedState) {
     EXPECT_TRUE(Grid.GetTabStop());
     EXPECT_TRUE(Grid.GetTabStops(0));
     EXPECT_EQ(Grid.GetDropTargetRow(), -1);
-    EXPECT_EQ(Grid.GetControlStyle(), TControlStyle({csCaptureMouse, csClickEvents, csOpaque, csDoubleClicks}));
+    EXPECT_EQ(Grid.GetControlStyle(),
+              TControlStyle({csCaptureMouse, csClickEvents, csOpaque, csDoubleClicks}));
 }
 
 TEST(GridGeometry, CellsHaveTheirRectangles) {
@@ -60,7 +61,11 @@ TEST(GridGeometry, CellsHaveTheirRectangles) {
         {"rows without lines abut", {goHorzLine, goFixedHorzLine}, {1, 1}, {2, 3, 2, 3}, "152,72,227,96"},
         {"scrolled out", {}, {4, 1}, {3, 3, 3, 3}, "0,0,0,0"},
         {"fixed cells stay", {}, {4, 7}, {0, 0, 0, 0}, "0,0,75,24"},
-        {"a range that begins scrolled out begins at the first cell shown", {}, {4, 1}, {2, 3, 5, 3}, "76,75,227,99"},
+        {"a range that begins scrolled out begins at the first cell shown",
+         {},
+         {4, 1},
+         {2, 3, 5, 3},
+         "76,75,227,99"},
         {"a range that ends beyond the client ends at its edge", {}, {1, 1}, {2, 3, 9, 3}, "152,75,400,99"},
         {"partly visible", {}, {1, 1}, {5, 3, 5, 3}, "380,75,400,99"},
         {"just past the last visible column", {}, {1, 1}, {6, 3, 6, 3}, "0,0,0,0"},

@@ -1,1 +1,241 @@
 #include "tests/exgrid/GridTestSupport.h"
+
+namespace quill::testing {
+namespace {
+
+// Feeds mouse messages as the window system does.
+class TMouseGrid : public TTestGrid {
+public:
+    explicit TMouseGrid(TGridOptions Add = {}, TGridOptions Remove = {}) : TTestGrid(304, 124, 5, 20) {
+        SetFixedCols(1);
+        SetOptions(GetOptions() + Add - Remove);
+        HasFocus = true;
+    }
+    void Down(int X, int Y, TShiftState Shift = {}) { Send(WM_LBUTTONDOWN, X, Y, Shift + ssLeft); }
+    void Move(int X, int Y, TShiftState Shift = ssLeft) { Send(WM_MOUSEMOVE, X, Y, Shift); }
+    void Up(int X, int Y, TShiftState Shift = {}) { Send(WM_LBUTTONUP, X, Y, Shift); }
+    void Tick() {
+        TWMTimer Timer;
+        Timer.TimerID = ScrollTimerID;
+        WMTimer(Timer);
+    }
+    bool HitAllowed = true;
+    bool MouseHit(int, int) override { return HitAllowed; }
+
+private:
+    void Send(unsigned Msg, int X, int Y, TShiftState Shift) {
+        Perform(Msg, Shift.Bits(), MakePointParam(X, Y));
+    }
+};
+
+TEST(GridMouse, APressSelectsItsCell) {
+    struct TCase {
+        const char* What;
+        int X;
+        int Y;
+        TShiftState Shift;
+        const char* State;
+    };
+    const TCase Cases[] = {
+        {"a cell", 160, 60, {}, "2,2 [2,2..2,2] @1,1"},
+        {"its line", 227, 74, {}, "2,2 [2,2..2,2] @1,1"},
+        {"a partly visible row", 160, 123, {}, "2,4 [2,4..2,4] @1,1"},
+        {"a fixed column", 10, 60, {}, "1,1 [1,1..1,1] @1,1"},
+        {"a fixed row", 160, 10, {}, "1,1 [1,1..1,1] @1,1"},
+        {"with shift", 160, 60, ssShift, "2,2 [1,1..2,2] @1,1"},
+        {"with ctrl", 160, 60, ssCtrl, "2,2 [1,1..2,2] @1,1"},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        TMouseGrid Grid;
+        Grid.Down(Case.X, Case.Y, Case.Shift);
+        EXPECT_EQ(Grid.State(), Case.State);
+        EXPECT_EQ(Show(TGridCoord{Grid.GetHittest().X, Grid.GetHittest().Y}),
+                  Show(TGridCoord{Case.X, Case.Y}));
+        Grid.Up(Case.X, Case.Y);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal);
+    }
+}
+
+TEST(GridMouse, APressThatDoesNotCountChangesNothing) {
+    TMouseGrid Grid;
+    const std::string Before = Grid.State();
+    int Presses = 0;
+    Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++Presses; };
+    Grid.HitAllowed = false;
+    Grid.Down(160, 60);
+    EXPECT_EQ(Grid.State(), Before);
+    EXPECT_EQ(Grid.GetGridState(), gsNormal);
+    Grid.HitAllowed = true;
+    Grid.SetSkipPress(true);
+    Grid.Down(160, 60);
+    EXPECT_EQ(Grid.State(), Before);
+    Grid.SetSkipPress(false);
+    Grid.MouseDown(mbRight, ssRight, 160, 60);
+    EXPECT_EQ(Grid.State(), Before);
+    Grid.SetDesigning(true);
+    Grid.Down(160, 60);
+    EXPECT_EQ(Grid.State(), Before);
+    EXPECT_EQ(Presses, 4); // the handler hears of all of them
+}
+
+TEST(GridMouse, TheHandlerOfThePressSeesTheNewCell) {
+    TMouseGrid Grid;
+    std::string Seen;
+    Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { Seen = Grid.State(); };
+    Grid.Down(160, 60);
+    EXPECT_EQ(Seen, "2,2 [2,2..2,2] @1,1");
+}
+
+TEST(GridMouse, ADragDrawsARangeFromItsFirstCell) {
+    TMouseGrid Grid;
+    Grid.Down(160, 60);
+    EXPECT_EQ(Grid.GetGridState(), gsSelecting);
+    EXPECT_TRUE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
+    Grid.Move(240, 90);
+    EXPECT_EQ(Grid.State(), "2,2 [2,2..3,3] @1,1");
+    Grid.Move(90, 30); // over to the other side
+    EXPECT_EQ(Grid.State(), "2,2 [1,1..2,2] @1,1");
+    Grid.Move(10, 30); // the fixed zone is no cell
+    EXPECT_EQ(Grid.State(), "2,2 [1,1..2,2] @1,1");
+    Grid.Move(160, 90);
+    Grid.Up(160, 90);
+    EXPECT_EQ(Grid.State(), "2,2 [2,2..2,3] @1,1");
+    EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
+    Grid.Move(240, 30, {});
+    EXPECT_EQ(Grid.State(), "2,2 [2,2..2,3] @1,1");
+    // With Shift the corner that was there stays.
+    Grid.Down(240, 90, ssShift);
+    Grid.Move(90, 60);
+    EXPECT_EQ(Show(Grid.GetSelection()), "1,2..2,3");
+    Grid.Up(90, 60);
+}
+
+TEST(GridMouse, ADragOverRowsKeepsWholeRows) {
+    TMouseGrid Grid(goRowSelect);
+    Grid.Down(160, 60);
+    Grid.Move(240, 90);
+    EXPECT_EQ(Grid.State(), "1,2 [1,2..4,3] @1,1");
+    Grid.MousePos = {160, 500};
+    Grid.Tick();
+    Grid.Tick();
+    EXPECT_EQ(Grid.State(), "1,2 [1,2..4,5] @1,2");
+}
+
+TEST(GridMouse, WithoutRangesOrWithEditingADragDrawsNone) {
+    TMouseGrid Plain({}, goRangeSelect);
+    Plain.Down(160, 60);
+    EXPECT_EQ(Plain.GetGridState(), gsNormal);
+    Plain.Move(240, 90);
+    EXPECT_EQ(Plain.State(), "2,2 [2,2..2,2] @1,1");
+    TMouseGrid Editing(goEditing);
+    Editing.Down(160, 60);
+    Editing.Move(240, 90); // the current cell follows
+    EXPECT_EQ(Editing.State(), "3,3 [3,3..3,3] @1,1");
+}
+
+TEST(GridMouse, ADragPastTheEdgeScrollsWithTheTimer) {
+    TMouseGrid Grid;
+    Grid.Down(160, 60);
+    const auto Ticks = [&](int X, int Y, int Count) {
+        Grid.MousePos = {X, Y};
+        for (int I = 0; I < Count; ++I) Grid.Tick();
+        return Grid.State();
+    };
+    EXPECT_EQ(Ticks(160, 60, 2), "2,2 [2,2..2,2] @1,1"); // inside
+    EXPECT_EQ(Ticks(160, 300, 4), "2,2 [2,2..2,6] @1,3");
+    EXPECT_EQ(Ticks(500, 300, 3), "2,2 [2,2..4,9] @2,6");
+    EXPECT_EQ(Ticks(160, 5, 20), "2,2 [2,1..4,2] @2,1");
+    EXPECT_EQ(Ticks(10, 60, 20), "2,2 [1,1..2,2] @1,1");
+    Grid.Up(10, 60);
+    EXPECT_EQ(Ticks(500, 500, 2), "2,2 [1,1..2,2] @1,1");
+}
+
+TEST(GridMouse, MirroredTheTimerScrollsTheOtherWay) {
+    TMouseGrid Grid;
+    Grid.SetBiDiMode(bdRightToLeft);
+    Grid.Down(144, 60); // column 2
+    EXPECT_EQ(Grid.State(), "2,2 [2,2..2,2] @1,1");
+    Grid.MousePos = {-50, 60};
+    Grid.Tick();
+    Grid.Tick();
+    EXPECT_EQ(Grid.State(), "2,2 [2,2..4,2] @2,1");
+    Grid.MousePos = {300, 60};
+    for (int I = 0; I < 5; ++I) Grid.Tick();
+    EXPECT_EQ(Grid.State(), "2,2 [1,2..2,2] @1,1");
+}
+
+TEST(GridMouse, ATickOutsideADragEndsTheTimer) {
+    TMouseGrid Grid;
+    Grid.SetTimer(TCustomExGrid::ScrollTimerID, TCustomExGrid::ScrollTimerInterval);
+    Grid.SetGridState(gsRowMoving);
+    Grid.Tick();
+    EXPECT_TRUE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
+    Grid.SetGridState(gsNormal);
+    Grid.Tick();
+    EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
+}
+
+TEST(GridMouse, ADragEndsWhenItIsCancelledOrTheReleaseIsMissed) {
+    for (const int Way : {0, 1, 2, 3}) {
+        TMouseGrid Grid;
+        Grid.Down(160, 60);
+        switch (Way) {
+        case 0:
+            Grid.Perform(WM_CANCELMODE, 0, 0);
+            break;
+        case 1:
+            Grid.Perform(CM_CANCELMODE, 0, 0);
+            break;
+        case 2:
+            Grid.Move(240, 90, {});
+            break;
+        default:
+            Grid.RecreateWnd();
+            break;
+        }
+        EXPECT_EQ(Grid.GetGridState(), gsNormal) << Way;
+        EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID)) << Way;
+        EXPECT_EQ(Grid.State(), "2,2 [2,2..2,2] @1,1") << Way;
+    }
+}
+
+TEST(GridMouse, AClickOnTheCurrentCellOpensTheEditor) {
+    TMouseGrid Grid(goEditing);
+    const auto Click = [&](int X, int Y, TShiftState Shift = {}) {
+        Grid.SetEditorMode(false);
+        Grid.Down(X, Y, Shift);
+        Grid.Up(X, Y, Shift);
+        return Grid.GetEditorMode();
+    };
+    EXPECT_FALSE(Click(160, 60));
+    EXPECT_TRUE(Click(160, 60));
+    EXPECT_FALSE(Click(160, 60, ssCtrl));
+    Grid.SetPlainClick(false);
+    EXPECT_FALSE(Click(160, 60));
+    Grid.SetPlainClick(true);
+    Grid.Down(160, 60);
+    Grid.Move(240, 60);
+    Grid.Up(160, 60);
+    EXPECT_FALSE(Grid.GetEditorMode()); // a drag is no click
+    Grid.SetOptions(Grid.GetOptions() - goEditing);
+    EXPECT_FALSE(Click(160, 60));
+}
+
+TEST(GridMouse, SizingZonesAreAskedForAndAreNotCells) {
+    class TSizing : public TMouseGrid {
+    public:
+        void CalcSizingState(int X, int, TGridState& State, int& Index, int&, int&, TExGridDI&) override {
+            State = X > 150 ? gsColSizing : gsNormal;
+            Index = 1;
+        }
+    } Grid;
+    const std::string Before = Grid.State();
+    Grid.Down(160, 60);
+    EXPECT_EQ(Grid.State(), Before);
+    EXPECT_EQ(Grid.Perform(CM_DESIGNHITTEST, 0, MakePointParam(160, 60)), 1);
+    EXPECT_EQ(Grid.Perform(CM_DESIGNHITTEST, 0, MakePointParam(100, 60)), 0);
+}
+
+} // namespace
+} // namespace quill::testing

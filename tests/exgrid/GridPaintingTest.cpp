@@ -15,8 +15,7 @@ public:
     int StopAfter = 1000;
     void DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
                   bool& ContinueRow) override {
-        ACanvas.TextOut(Rect.Left, Rect.Top,
-                        Show(TGridCoord{ACol, ARow}) + Show(State) + " " + Show(Rect));
+        ACanvas.TextOut(Rect.Left, Rect.Top, Show(TGridCoord{ACol, ARow}) + Show(State) + " " + Show(Rect));
         if (ACol >= StopAfter) ContinueRow = false;
         TTestGrid::DrawCell(ACanvas, ACol, ARow, Rect, State, ContinueRow);
     }
@@ -119,8 +118,10 @@ TEST(GridPainting, LinesHaveTheirColours) {
     EXPECT_EQ(Lines(All - goFixedHorzLine, 1, true), "clWindow; clBlack; clSilver; clSilver; ");
     EXPECT_EQ(Lines(All - goHorzLine, 1, false), "clWindow; clSilver; clWindow; clSilver; ");
     // Thick lines take both colours from the horizontal one.
-    EXPECT_EQ(Lines(All - goVertLine, 3, true), "clBlack width 3; clBlack width 3; clSilver width 3; clSilver width 3; ");
-    EXPECT_EQ(Lines(All - goHorzLine, 3, true), "clBlack width 3; clBlack width 3; clWindow width 3; clWindow width 3; ");
+    EXPECT_EQ(Lines(All - goVertLine, 3, true),
+              "clBlack width 3; clBlack width 3; clSilver width 3; clSilver width 3; ");
+    EXPECT_EQ(Lines(All - goHorzLine, 3, true),
+              "clBlack width 3; clBlack width 3; clWindow width 3; clWindow width 3; ");
 }
 
 TEST(GridPainting, WithoutLinesNoneAreDrawn) {
@@ -201,7 +202,8 @@ TEST(GridPainting, HandlersDrawUnmirrored) {
     TTestGrid Grid(228, 50, 3, 2);
     Grid.SetBiDiMode(bdRightToLeft);
     std::string Cells;
-    Grid.OnDrawCell = [&](TObject* Sender, TCanvas& Canvas, int Col, int Row, TRect R, TExGridDrawState State) {
+    Grid.OnDrawCell = [&](TObject* Sender, TCanvas& Canvas, int Col, int Row, TRect R,
+                          TExGridDrawState State) {
         EXPECT_EQ(Sender, &Grid);
         EXPECT_EQ(Canvas.GetCanvasOrientation(), coLeftToRight);
         Cells += Show(TGridCoord{Col, Row}) + Show(State) + " " + Show(R) + "\n";
@@ -315,10 +317,8 @@ TEST(GridPainting, OnlyCellsThatChangeTheirSelectionAreRequested) {
     };
     const TCase Cases[] = {
         {{1, 2, 2, 3}, {1, 2, 2, 5}, "76,100,228,150"}, // two rows more
-        {{1, 2, 2, 5}, {1, 2, 2, 3}, "76,100,228,150"},
-        {{1, 2, 2, 3}, {0, 2, 2, 3}, "0,50,76,100"},
-        {{1, 2, 2, 3}, {1, 2, 2, 3}, "none"},
-        {{-1, -1, -1, -1}, {1, 2, 2, 3}, "76,50,228,100"},
+        {{1, 2, 2, 5}, {1, 2, 2, 3}, "76,100,228,150"}, {{1, 2, 2, 3}, {0, 2, 2, 3}, "0,50,76,100"},
+        {{1, 2, 2, 3}, {1, 2, 2, 3}, "none"},           {{-1, -1, -1, -1}, {1, 2, 2, 3}, "76,50,228,100"},
         {{0, 1, 0, 1}, {2, 3, 2, 3}, "0,25,228,100"},
     };
     for (const TCase& Case : Cases) {

@@ -17,7 +17,8 @@ constexpr TColor Unpainted = clFuchsia;
 class TColourGrid : public TTestGrid {
 public:
     using TTestGrid::TTestGrid;
-    void DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State, bool&) override {
+    void DrawCell(TCanvas& ACanvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
+                  bool&) override {
         const unsigned Hash = static_cast<unsigned>(ACol * 7919 + ARow * 104729) * 2654435761u;
         TColor Color = (Hash >> 8) & 0x3F3F3F;
         if (State.Contains(gdSelected)) Color |= 0x800000;
@@ -131,23 +132,33 @@ TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
         Grid.HasFocus = true;
         Grid.Invalidate();
         Grid.Update();
-        static constexpr std::uint16_t Keys[] = {VK_UP, VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR,
-                                                 VK_NEXT, VK_HOME, VK_END, VK_TAB};
+        static constexpr std::uint16_t Keys[] = {VK_UP,   VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR,
+                                                 VK_NEXT, VK_HOME, VK_END,  VK_TAB};
         for (int Step = 0; Step < 40; ++Step) {
             const int Kind = Dice.Pick(0, 9);
             const TShiftState Shift = Dice.Chance(3) ? TShiftState(ssShift) : TShiftState();
             switch (Kind) {
             case 0:
             case 1:
-            case 2: Grid.Press(Keys[Dice.Pick(0, 8)], Shift); break;
+            case 2:
+                Grid.Press(Keys[Dice.Pick(0, 8)], Shift);
+                break;
             case 3:
                 Grid.ModifyScrollBar(Dice.Pick(0, 1), static_cast<unsigned>(Dice.Pick(0, 7)),
                                      static_cast<unsigned>(Dice.Pick(0, 127)), true);
                 break;
-            case 4: Grid.MoveTopLeft(Dice.Pick(0, 8), Dice.Pick(0, 12)); break;
-            case 5: Grid.SetColWidths(Dice.Pick(0, Grid.GetColCount() - 1), Dice.Pick(0, 90)); break;
-            case 6: Grid.SetRowCount(std::max(1, Grid.GetRowCount() + Dice.Pick(-2, 3))); break;
-            case 7: Grid.SetColCount(Grid.GetColCount() + Dice.Pick(-1, 1)); break;
+            case 4:
+                Grid.MoveTopLeft(Dice.Pick(0, 8), Dice.Pick(0, 12));
+                break;
+            case 5:
+                Grid.SetColWidths(Dice.Pick(0, Grid.GetColCount() - 1), Dice.Pick(0, 90));
+                break;
+            case 6:
+                Grid.SetRowCount(std::max(1, Grid.GetRowCount() + Dice.Pick(-2, 3)));
+                break;
+            case 7:
+                Grid.SetColCount(Grid.GetColCount() + Dice.Pick(-1, 1));
+                break;
             case 8:
                 if (Dice.Chance(2)) {
                     Grid.ClearSelection();
@@ -161,7 +172,16 @@ TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
             }
             const QImage Partial = Grid.GetSurfaceImage();
             Grid.Invalidate();
-            if (Partial != Grid.GetSurfaceImage() && getenv("DUMP")) { Partial.save("/tmp/a.png"); Grid.GetSurfaceImage().save("/tmp/b.png"); for (int X = 0; X < 8; ++X) printf("w%d=%d ", X, Grid.GetColWidths(X)); printf("line %d fixed %d rtl %d\n", Grid.GetGridLineWidth(), Grid.GetFixedCols(), Round % 2); const QImage F = Grid.GetSurfaceImage(); for (int Y = 0; Y < F.height(); ++Y) for (int X = 0; X < F.width(); ++X) if (F.pixel(X, Y) != Partial.pixel(X, Y)) printf("%d,%d ", X, Y); }
+            if (Partial != Grid.GetSurfaceImage() && getenv("DUMP")) {
+                Partial.save("/tmp/a.png");
+                Grid.GetSurfaceImage().save("/tmp/b.png");
+                for (int X = 0; X < 8; ++X) printf("w%d=%d ", X, Grid.GetColWidths(X));
+                printf("line %d fixed %d rtl %d\n", Grid.GetGridLineWidth(), Grid.GetFixedCols(), Round % 2);
+                const QImage F = Grid.GetSurfaceImage();
+                for (int Y = 0; Y < F.height(); ++Y)
+                    for (int X = 0; X < F.width(); ++X)
+                        if (F.pixel(X, Y) != Partial.pixel(X, Y)) printf("%d,%d ", X, Y);
+            }
             ASSERT_TRUE(Partial == Grid.GetSurfaceImage())
                 << "seed " << Seed << ", round " << Round << ", step " << Step << ", kind " << Kind << ", "
                 << Grid.State() << ", options " << Grid.GetOptions().Bits();

@@ -1,1 +1,305 @@
 #include "tests/exgrid/GridTestSupport.h"
+
+namespace quill::testing {
+namespace {
+
+std::string Origin(const TTestGrid& Grid) { return Show(TGridCoord{Grid.GetLeftCol(), Grid.GetTopRow()}); }
+
+// The bar's range, position and presence: "0..127 at 30" or "hidden".
+std::string Bar(const TTestGrid& Grid, int Which) {
+    int Min = 0;
+    int Max = 0;
+    Grid.GetScrollRange(Which, Min, Max);
+    if (!Grid.IsScrollBarShown(Which)) return Min == 0 && Max == 0 ? "hidden" : "hidden with a range";
+    return std::to_string(Min) + ".." + std::to_string(Max) + " at " +
+           std::to_string(Grid.GetScrollPos(Which));
+}
+
+TEST(GridScrolling, RequestsMoveTheOrigin) {
+    // 3 of 10 columns and 4 of 99 scrollable rows fit; the last origin is (7, 96).
+    struct TCase {
+        const char* What;
+        int Bar;
+        unsigned Code;
+        unsigned Pos;
+        TGridCoord From;
+        const char* To;
+    };
+    const TCase Cases[] = {
+        {"line down", SB_VERT, SB_LINEDOWN, 0, {0, 5}, "0,6"},
+        {"line up", SB_VERT, SB_LINEUP, 0, {0, 5}, "0,4"},
+        {"line up at the top", SB_VERT, SB_LINEUP, 0, {0, 1}, "0,1"},
+        {"line down at the end", SB_VERT, SB_LINEDOWN, 0, {0, 96}, "0,96"},
+        {"page down", SB_VERT, SB_PAGEDOWN, 0, {0, 5}, "0,8"},
+        {"page up", SB_VERT, SB_PAGEUP, 0, {0, 8}, "0,5"},
+        {"page up near the top", SB_VERT, SB_PAGEUP, 0, {0, 3}, "0,1"},
+        {"page down near the end", SB_VERT, SB_PAGEDOWN, 0, {0, 95}, "0,96"},
+        {"thumb at the end", SB_VERT, SB_THUMBPOSITION, 127, {0, 5}, "0,96"},
+        {"thumb in the middle", SB_VERT, SB_THUMBPOSITION, 64, {0, 5}, "0,49"},
+        {"thumb beyond the scale", SB_VERT, SB_THUMBPOSITION, 4000000000u, {0, 5}, "0,96"},
+        {"thumb on its way", SB_VERT, SB_THUMBTRACK, 64, {0, 5}, "0,5"},
+        {"top", SB_VERT, SB_TOP, 0, {3, 50}, "3,1"},
+        {"bottom", SB_VERT, SB_BOTTOM, 0, {3, 50}, "3,96"},
+        {"end of scrolling", SB_VERT, SB_ENDSCROLL, 0, {3, 50}, "3,50"},
+        {"column right", SB_HORZ, SB_LINEDOWN, 0, {2, 5}, "3,5"},
+        {"page right", SB_HORZ, SB_PAGEDOWN, 0, {2, 5}, "4,5"},
+        {"thumb of columns", SB_HORZ, SB_THUMBPOSITION, 127, {2, 5}, "7,5"},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        TTestGrid Grid(228, 124, 10, 100);
+        Grid.MoveTopLeft(Case.From.X, Case.From.Y);
+        Grid.ModifyScrollBar(Case.Bar, Case.Code, Case.Pos, true);
+        EXPECT_EQ(Origin(Grid), Case.To);
+        EXPECT_FALSE(Grid.GetScrolling());
+    }
+    TTestGrid Grid(228, 124, 10, 100);
+    Grid.SetOptions(Grid.GetOptions() + goThumbTracking);
+    Grid.Perform(WM_VSCROLL, SB_THUMBTRACK, 64);
+    EXPECT_EQ(Origin(Grid), "0,49");
+    Grid.SetBiDiMode(bdRightToLeft);
+    Grid.Perform(WM_HSCROLL, SB_LINEUP, 0); // to the left is forward
+    EXPECT_EQ(Origin(Grid), "1,49");
+    Grid.Perform(WM_HSCROLL, SB_THUMBPOSITION, 127);
+    EXPECT_EQ(Origin(Grid), "0,49");
+    Grid.Perform(WM_HSCROLL, SB_THUMBPOSITION, 0);
+    EXPECT_EQ(Origin(Grid), "7,49");
+    Grid.Perform(WM_VSCROLL, SB_LINEDOWN, 0); // vertically nothing is mirrored
+    EXPECT_EQ(Origin(Grid), "7,50");
+}
+
+TEST(GridScrolling, StepsPassOverHiddenRowsAndColumns) {
+    TTestGrid Grid(228, 124, 10, 30);
+    for (int Row = 3; Row < 8; ++Row) Grid.SetRowHeights(Row, 0);
+    Grid.SetColWidths(1, 0);
+    Grid.SetColWidths(2, 0);
+    Grid.MoveTopLeft(0, 2);
+    Grid.ModifyScrollBar(SB_VERT, SB_LINEDOWN, 0, false);
+    EXPECT_EQ(Origin(Grid), "0,8");
+    Grid.ModifyScrollBar(SB_VERT, SB_LINEUP, 0, false);
+    EXPECT_EQ(Origin(Grid), "0,2");
+    Grid.ModifyScrollBar(SB_HORZ, SB_LINEDOWN, 0, false);
+    EXPECT_EQ(Origin(Grid), "3,2");
+}
+
+TEST(GridScrolling, AnEmptyGridStaysAtItsFixedCells) {
+    TTestGrid Grid(228, 124, 4, 1);
+    for (unsigned Code = SB_LINEUP; Code <= SB_BOTTOM; ++Code) {
+        Grid.ModifyScrollBar(SB_VERT, Code, 100, false);
+        EXPECT_EQ(Origin(Grid), "0,1") << Code;
+    }
+    Grid.SetTopRow(50);
+    EXPECT_EQ(Origin(Grid), "0,1");
+    Grid.SetRowCount(40);
+    Grid.SetTopRow(100);
+    EXPECT_EQ(Origin(Grid), "0,39");
+    Grid.SetTopRow(-3);
+    EXPECT_EQ(Origin(Grid), "0,1");
+}
+
+TEST(GridScrolling, AnOnlyColumnScrollsByPixels) {
+    TTestGrid Grid(100, 124, 1, 3);
+    Grid.SetColWidths(0, 350);
+    const auto Do = [&](unsigned Code, unsigned Pos = 0) {
+        Grid.Perform(WM_HSCROLL, Code, static_cast<std::intptr_t>(Pos));
+        return Grid.GetHOffset();
+    };
+    const int Line = Grid.GetCanvas()->TextWidth("0");
+    EXPECT_EQ(Do(SB_LINEDOWN), Line);
+    EXPECT_EQ(Do(SB_LINEUP), 0);
+    EXPECT_EQ(Do(SB_LINEUP), 0);
+    EXPECT_EQ(Do(SB_PAGEDOWN), 100);
+    EXPECT_EQ(Do(SB_THUMBPOSITION, 180), 180);
+    EXPECT_EQ(Do(SB_THUMBTRACK, 30), 180);
+    EXPECT_EQ(Do(SB_PAGEDOWN), 250);
+    EXPECT_EQ(Do(SB_BOTTOM), 0); // the ends are exchanged in this mode
+    EXPECT_EQ(Do(SB_TOP), 250);
+    // The cell begins left of the client, and the geometry stays where it is.
+    EXPECT_EQ(Show(Grid.CellRect(0, 1)), "0,25,100,49");
+    int Left = 0;
+    Grid.OnDrawCell = [&](TObject*, TCanvas&, int Col, int, TRect R, TExGridDrawState) {
+        if (Col == 0) Left = R.Left;
+    };
+    Grid.Invalidate();
+    Grid.Update();
+    EXPECT_EQ(Left, -250);
+    Grid.SetColWidths(0, 220); // no further than its width asks for
+    EXPECT_EQ(Grid.GetHOffset(), 120);
+    Grid.SetClientSize(180, 124);
+    EXPECT_EQ(Grid.GetHOffset(), 40);
+    Grid.SetBiDiMode(bdRightToLeft);
+    EXPECT_EQ(Do(SB_THUMBPOSITION, 40), 0);
+    EXPECT_EQ(Do(SB_THUMBPOSITION, 5), 35);
+    EXPECT_EQ(Do(SB_LINEDOWN), std::max(0, 35 - Line));
+    Grid.SetColCount(2);
+    EXPECT_EQ(Grid.GetHOffset(), 0);
+}
+
+TEST(GridScrolling, BarsFollowSizeAndOrigin) {
+    TTestGrid Grid(400, 300, 4, 5);
+    Grid.SetScrollBars(ssBoth);
+    EXPECT_EQ(Bar(Grid, SB_HORZ) + ", " + Bar(Grid, SB_VERT), "hidden, hidden");
+    Grid.SetRowCount(100);
+    EXPECT_EQ(Bar(Grid, SB_HORZ) + ", " + Bar(Grid, SB_VERT), "hidden, 0..127 at 0");
+    const int Thickness = Grid.GetScrollBarSize(SB_VERT);
+    EXPECT_EQ(Grid.GetClientWidth(), 400 - Thickness);
+    Grid.SetTopRow(45); // last origin is 89: 11 rows fit
+    EXPECT_EQ(Bar(Grid, SB_VERT), "0..127 at 64");
+    Grid.ModifyScrollBar(SB_VERT, SB_BOTTOM, 0, false);
+    EXPECT_EQ(Bar(Grid, SB_VERT), "0..127 at 127");
+    EXPECT_EQ(Grid.GetTopRow(), 89);
+    // The vertical bar takes the room that the last column needs.
+    Grid.SetDefaultColWidth((401 - Thickness) / 4 - 1);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "hidden");
+    Grid.SetDefaultColWidth(99);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "0..127 at 0");
+    EXPECT_EQ(Grid.GetClientHeight(), 300 - Grid.GetScrollBarSize(SB_HORZ));
+    Grid.SetRowCount(5);
+    EXPECT_EQ(Bar(Grid, SB_HORZ) + ", " + Bar(Grid, SB_VERT), "hidden, hidden");
+    EXPECT_EQ(Grid.GetTopRow(), 1); // the origin goes back with the rows
+    Grid.SetScrollBars(ssVertical);
+    Grid.SetColCount(50);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "hidden");
+    Grid.SetScrollBars(ssHorizontal);
+    Grid.SetRowCount(500);
+    EXPECT_EQ(Bar(Grid, SB_HORZ) + ", " + Bar(Grid, SB_VERT), "0..127 at 0, hidden");
+    Grid.SetBiDiMode(bdRightToLeft);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "0..127 at 127");
+    Grid.SetScrollBars(ssNone);
+    EXPECT_EQ(Bar(Grid, SB_HORZ) + ", " + Bar(Grid, SB_VERT), "hidden, hidden");
+}
+
+TEST(GridScrolling, TheBarOfAnOnlyColumnCountsPixels) {
+    TTestGrid Grid(200, 124, 1, 3);
+    Grid.SetScrollBars(ssBoth);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "hidden");
+    Grid.SetColWidths(0, 260);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "0..60 at 0");
+    Grid.Perform(WM_HSCROLL, SB_THUMBPOSITION, 25);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "0..60 at 25");
+    Grid.SetColWidths(0, 210);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "0..10 at 10");
+    Grid.SetColWidths(0, 190);
+    EXPECT_EQ(Bar(Grid, SB_HORZ), "hidden");
+    EXPECT_EQ(Grid.GetHOffset(), 0);
+}
+
+TEST(GridScrolling, BarsComeAndGoOncePerChange) {
+    class TCounting : public TTestGrid {
+    public:
+        using TTestGrid::TTestGrid;
+        int Sizes = 0;
+        void WMSize(TWMSize& Message) override {
+            ++Sizes;
+            TTestGrid::WMSize(Message);
+        }
+    } Grid(400, 300, 4, 5);
+    Grid.SetScrollBars(ssBoth);
+    Grid.SetColCount(20);
+    Grid.SetRowCount(100);
+    Grid.Sizes = 0;
+    Grid.SetRowCount(101);
+    Grid.SetRowCount(99);
+    EXPECT_EQ(Grid.Sizes, 0);
+    Grid.SetRowCount(2);
+    EXPECT_EQ(Grid.Sizes, 1);
+}
+
+TEST(GridScrolling, WithoutAHandleNothingIsSet) {
+    class TBare : public TCustomExGrid {
+    public:
+        TBare() : TCustomExGrid(nullptr) {}
+        void DrawFixedFrame(TCanvas&, const TRect&, int, int, bool) override {}
+    } Grid;
+    Grid.SetRowCount(1000);
+    Grid.SetTopRow(50);
+    Grid.UpdateScrollRange();
+    Grid.FocusCell(0, 900, true, {}, swNone);
+    EXPECT_FALSE(Grid.HandleAllocated());
+    EXPECT_FALSE(Grid.IsScrollBarShown(SB_VERT));
+    EXPECT_EQ(Grid.GetTopRow(), 50);
+    EXPECT_EQ(Grid.GetRow(), 900);
+    Grid.HandleNeeded();
+    EXPECT_TRUE(Grid.IsScrollBarShown(SB_VERT));
+}
+
+TEST(GridScrolling, TheWheelScrollsOrMoves) {
+    TTestGrid Grid(228, 124, 3, 20);
+    const auto Wheel = [&](bool Down, TShiftState Shift) {
+        EXPECT_TRUE(Down ? Grid.DoMouseWheelDown(Shift, {}) : Grid.DoMouseWheelUp(Shift, {}));
+        EXPECT_FALSE(Grid.GetWheeling());
+        return Grid.State();
+    };
+    EXPECT_EQ(Wheel(true, {}), "0,1 [0,1..0,1] @0,2");
+    EXPECT_EQ(Wheel(true, ssCtrl), "0,1 [0,1..0,1] @0,5");
+    EXPECT_EQ(Wheel(false, ssCtrl), "0,1 [0,1..0,1] @0,2");
+    EXPECT_EQ(Wheel(false, {}), "0,1 [0,1..0,1] @0,1");
+    EXPECT_EQ(Wheel(true, ssShift), "0,2 [0,2..0,2] @0,1");
+    EXPECT_EQ(Wheel(false, ssShift), "0,1 [0,1..0,1] @0,1");
+    EXPECT_EQ(Wheel(false, ssShift), "0,1 [0,1..0,1] @0,1"); // at the first row: the view
+    Grid.Focus(0, 19);
+    Grid.SetTopRow(5);
+    EXPECT_EQ(Wheel(true, ssShift), "0,19 [0,19..0,19] @0,6");
+    Grid.OnMouseWheelDown = [](TObject*, TShiftState, TPoint, bool& Handled) { Handled = true; };
+    EXPECT_EQ(Wheel(true, {}), "0,19 [0,19..0,19] @0,6");
+}
+
+TEST(GridScrolling, AMoveOfTheOriginIsReportedOnce) {
+    TTestGrid Grid(228, 124, 3, 20);
+    std::string Origins;
+    Grid.OnTopLeftChanged = [&](TObject*) { Origins += Origin(Grid) + " "; };
+    Grid.SetTopRow(5);
+    Grid.SetTopRow(5);
+    Grid.Focus(1, 12);
+    Grid.Focus(2, 12); // in view
+    EXPECT_EQ(Origins, "0,5 0,9 ");
+}
+
+TEST(GridScrolling, OnlyTheStripThatAppearsIsPainted) {
+    TTestGrid Grid(228, 250, 3, 100);
+    const auto Painted = [&](auto Change) {
+        Grid.Update();
+        const std::uint64_t Before = Grid.GetPaintedPixels();
+        Change();
+        Grid.Update();
+        return static_cast<int>(Grid.GetPaintedPixels() - Before) / 228; // rows of pixels
+    };
+    Grid.MoveColRow(0, 99, true, false); // the selection is out of the way
+    EXPECT_EQ(Painted([&] { Grid.SetTopRow(2); }), 25);
+    EXPECT_EQ(Painted([&] { Grid.SetTopRow(5); }), 75);
+    EXPECT_EQ(Painted([&] { Grid.SetTopRow(50); }), 250);
+    EXPECT_EQ(Painted([&] { Grid.SetRowCount(101); }), 0);
+    Grid.SetTopRow(96);
+    EXPECT_EQ(Painted([&] { Grid.SetRowCount(102); }), 250 - 6 * 25);
+}
+
+// The bars of other styles: made per window, and given what changes.
+TEST(GridScrolling, FlatBarsGetTheirStyleAndColour) {
+    class TFlat : public TTestGrid {
+    public:
+        TFlat() : TTestGrid(200, 100, 3, 5) {}
+        std::string Log;
+        bool InitializeFlatScrollBars() override {
+            Log += "init ";
+            return true;
+        }
+        void SetFlatScrollBarProps(TScrollBarStyle AStyle, TColor ABkColor, bool Redraw) override {
+            Log += std::to_string(AStyle) + "," + std::to_string(ABkColor) + (Redraw ? "! " : " ");
+        }
+    } Grid;
+    Grid.SetScrollBarsStyle(sbsFlat); // no bars, nothing to style
+    EXPECT_EQ(Grid.Log, "");
+    EXPECT_FALSE(Grid.GetFlatScrollBars());
+    Grid.SetScrollBars(ssBoth);
+    EXPECT_EQ(Grid.Log, "init 2,16777215 ");
+    EXPECT_TRUE(Grid.GetFlatScrollBars());
+    Grid.SetScrollBarsStyle(sbsEncarta);
+    Grid.SetScrollBarsStyle(sbsEncarta);
+    Grid.SetScrollBarsColor(clRed);
+    EXPECT_EQ(Grid.Log, "init 2,16777215 1,16777215! 1,255! ");
+    Grid.SetBiDiMode(bdRightToLeft); // never mirrored
+    EXPECT_FALSE(Grid.GetFlatScrollBars());
+}
+
+} // namespace
+} // namespace quill::testing

@@ -1,1 +1,356 @@
+// Counts, extents, moving and deleting, and component streams.
 #include "tests/exgrid/GridTestSupport.h"
+
+#include "host/base/Filers.h"
+
+#include <map>
+#include <vector>
+
+namespace quill::testing {
+namespace {
+
+std::string Widths(TCustomExGrid& Grid) {
+    std::string Result;
+    for (int I = 0; I < Grid.GetColCount(); ++I)
+        Result += (I > 0 ? " " : "") + std::to_string(Grid.GetColWidths(I));
+    return Result;
+}
+
+std::string Heights(TCustomExGrid& Grid) {
+    std::string Result;
+    for (int I = 0; I < Grid.GetRowCount(); ++I)
+        Result += (I > 0 ? " " : "") + std::to_string(Grid.GetRowHeights(I));
+    return Result;
+}
+
+template <class TAction>
+std::string MessageOf(TAction Action) {
+    try {
+        Action();
+    } catch (const EInvalidGridOperation& E) {
+        return E.GetMessage();
+    }
+    return "nothing raised";
+}
+
+TEST(GridSize, CountsStayAboveTheirLimits) {
+    TTestGrid Grid(400, 300, 3, 5);
+    Grid.SetColCount(0);
+    EXPECT_EQ(Grid.GetColCount(), 1);
+    Grid.SetRowCount(0);
+    EXPECT_EQ(Grid.GetRowCount(), 1);
+    Grid.SetRowCount(-7);
+    EXPECT_EQ(Grid.GetRowCount(), 1);
+    Grid.SetFixedCols(3); // raises the column count
+    EXPECT_EQ(Grid.GetColCount(), 4);
+    EXPECT_EQ(MessageOf([&] { Grid.SetFixedRows(2); }), "Fixed row count must be less than row count (2)");
+    EXPECT_EQ(Grid.GetFixedRows(), 1);
+    EXPECT_EQ(MessageOf([&] { Grid.SetFixedCols(-1); }), "Grid index out of range (-1)");
+    EXPECT_EQ(MessageOf([&] { Grid.SetFixedRows(-1); }), "Grid index out of range (-1)");
+    EXPECT_EQ(Grid.GetFixedCols(), 3);
+    Grid.SetColCount(2); // lowers the fixed columns
+    EXPECT_EQ(Grid.GetFixedCols(), 1);
+    Grid.SetFixedCols(1000000);
+    EXPECT_EQ(Grid.GetColCount(), 1000001);
+}
+
+TEST(GridSize, TooManyAndTooFewAreRefusedBeforeAnythingChanges) {
+    TTestGrid Grid(400, 300, 3, 5);
+    Grid.SetColWidths(1, 10);
+    EXPECT_EQ(MessageOf([&] { Grid.SetColCount(0x7FFFFFE); }), "Grid too large for operation (134217726)");
+    EXPECT_EQ(MessageOf([&] { Grid.ChangeSize(-1, 5); }), "Too many rows or columns deleted (-1)");
+    EXPECT_EQ(MessageOf([&] { Grid.ChangeSize(3, -2); }), "Too many rows or columns deleted (-2)");
+    EXPECT_EQ(MessageOf([&] { Grid.SetColWidths(3, 10); }), "Grid index out of range (3)");
+    EXPECT_EQ(MessageOf([&] { Grid.SetRowHeights(-1, 10); }), "Grid index out of range (-1)");
+    EXPECT_EQ(MessageOf([&] { Grid.SetColAlignMent(5, taCenter); }), "Grid index out of range (5)");
+    EXPECT_EQ(Widths(Grid), "75 10 75");
+    EXPECT_EQ(Grid.GetRowCount(), 5);
+    // Rows without stored heights have no such limit; with them they have.
+    Grid.SetRowCount(0x7FFFFFE);
+    EXPECT_EQ(Grid.GetRowCount(), 0x7FFFFFE);
+    EXPECT_EQ(MessageOf([&] { Grid.SetRowHeights(1, 10); }), "Grid too large for operation (134217726)");
+    Grid.SetRowCount(5);
+    Grid.SetRowHeights(1, 10);
+    EXPECT_EQ(MessageOf([&] { Grid.SetRowCount(0x7FFFFFE); }), "Grid too large for operation (134217726)");
+    EXPECT_EQ(Heights(Grid), "24 10 24 24 24");
+}
+
+TEST(GridSize, ExtentsAreReadWithDefaultsAndKeptAcrossSizes) {
+    TTestGrid Grid(400, 300, 3, 5);
+    EXPECT_FALSE(Grid.HasColWidths());
+    EXPECT_EQ(Grid.GetColWidths(-5) + Grid.GetColWidths(99), 150);
+    Grid.SetColWidths(1, 40);
+    EXPECT_TRUE(Grid.HasColWidths());
+    Grid.SetDefaultColWidth(60); // columns of their own width keep it
+    EXPECT_EQ(Widths(Grid), "60 40 60");
+    Grid.SetColCount(5);
+    EXPECT_EQ(Widths(Grid), "60 40 60 60 60");
+    Grid.SetColCount(2);
+    Grid.SetColCount(3);
+    EXPECT_EQ(Widths(Grid), "60 40 60");
+    EXPECT_EQ(Grid.GetColWidths(3), 60);
+    Grid.SetDefaultRowHeight(30);
+    EXPECT_EQ(Heights(Grid), "30 30 30 30 30");
+    Grid.SetTabStops(1, false);
+    Grid.SetColAlignMent(2, taRightJustify);
+    Grid.SetColCount(2);
+    Grid.SetColCount(4);
+    EXPECT_FALSE(Grid.GetTabStops(1));
+    EXPECT_TRUE(Grid.GetTabStops(2));
+    EXPECT_EQ(Grid.GetColAlignMent(2), taLeftJustify);
+    EXPECT_TRUE(Grid.GetTabStops(-1));
+}
+
+TEST(GridSize, ChangesAreAnnounced) {
+    TTestGrid Grid(400, 300, 3, 5);
+    std::string Log;
+    Grid.OnColumnWidthChanging = [&](int Index, int& Value) {
+        Log += "changing " + std::to_string(Index) + " " + std::to_string(Value) + ", ";
+        Value = std::min(Value, 50);
+    };
+    Grid.OnColumnWidthChanged = [&](int Index, int Value) {
+        Log += "changed " + std::to_string(Index) + " " + std::to_string(Value) + ", ";
+    };
+    Grid.OnRowHeightChanging = [&](int, int& Value) { Value *= 2; };
+    Grid.OnRowHeightChanged = [&](int Index, int Value) {
+        Log += "height " + std::to_string(Index) + " " + std::to_string(Value);
+    };
+    Grid.SetColWidths(1, 90);
+    Grid.SetColWidths(1, 50); // nothing new
+    Grid.SetRowHeights(2, 8);
+    EXPECT_EQ(Log, "changing 1 90, changed 1 50, height 2 16");
+    Grid.Calls.clear();
+    Grid.SetColCount(3);
+    EXPECT_EQ(Grid.Calls, "ColCountChanged ");
+    Grid.SetColCount(4);
+    EXPECT_EQ(Grid.Calls, "ColCountChanged Updatewidths ColCountChanged ");
+    Grid.SetRowCount(6);
+    EXPECT_EQ(Grid.Calls, "ColCountChanged Updatewidths ColCountChanged Updatewidths ");
+}
+
+TEST(GridSize, TheCurrentCellStaysInside) {
+    TTestGrid Grid(400, 300, 5, 10);
+    Grid.Focus(4, 9);
+    Grid.SetRowCount(6);
+    EXPECT_EQ(Grid.State(), "4,5 [4,5..4,5] @0,1");
+    Grid.SetColCount(3);
+    EXPECT_EQ(Grid.State(), "2,5 [2,5..2,5] @0,1");
+    // A handler that refuses every cell cannot keep it outside.
+    Grid.OnSelectCell = [](TObject*, int, int, bool& CanSelect) { CanSelect = false; };
+    Grid.SetRowCount(3);
+    EXPECT_EQ(Grid.GetRow(), 2);
+    Grid.OnSelectCell = nullptr;
+    Grid.SetRowCount(1);
+    EXPECT_EQ(Grid.State(), "2,0 [2,0..2,0] @0,1");
+    Grid.SetRowCount(20);
+    EXPECT_EQ(Grid.GetRow(), 19);
+    Grid.SetFixedCols(2); // starts over
+    EXPECT_EQ(Grid.State(), "2,1 [2,1..2,1] @2,1");
+}
+
+TEST(GridSize, DeletingTakesTheExtentsAlong) {
+    TTestGrid Grid(400, 300, 4, 5);
+    for (int I = 0; I < 4; ++I) Grid.SetColWidths(I, 10 * (I + 1));
+    for (int I = 0; I < 5; ++I) Grid.SetRowHeights(I, I + 11);
+    std::string Moves;
+    Grid.OnColumnMoved = [&](TObject*, int From, int To) { Moves += Show(TGridCoord{From, To}) + " "; };
+    Grid.OnRowMoved = Grid.OnColumnMoved;
+    Grid.Focus(1, 2);
+    Grid.DeleteColumn(1);
+    EXPECT_EQ(Widths(Grid), "10 30 40");
+    EXPECT_EQ(Grid.GetCol(), 1); // on what has taken its place
+    Grid.DeleteColumn(0);
+    EXPECT_EQ(Widths(Grid), "30 40");
+    EXPECT_EQ(Grid.GetCol(), 0); // along with its column
+    Grid.DeleteRow(2);
+    EXPECT_EQ(Heights(Grid), "11 12 14 15");
+    EXPECT_EQ(Grid.GetRow(), 2);
+    Grid.Focus(0, 3);
+    Grid.DeleteRow(3); // the last one
+    EXPECT_EQ(Heights(Grid), "11 12 14");
+    EXPECT_EQ(Grid.GetRow(), 2);
+    EXPECT_EQ(Moves, "1,3 0,2 2,4 ");
+    EXPECT_EQ(MessageOf([&] { Grid.DeleteRow(3); }), "Grid index out of range (3)");
+    Grid.DeleteColumn(0);
+    Grid.DeleteColumn(0);
+    EXPECT_EQ(Grid.GetColCount(), 1);
+}
+
+TEST(GridSize, MovingKeepsTheCurrentCellOnItsColumn) {
+    TTestGrid Grid(400, 300, 4, 6);
+    for (int I = 0; I < 4; ++I) Grid.SetColWidths(I, 10 * (I + 1));
+    Grid.SetColAlignMent(1, taCenter);
+    Grid.Focus(1, 2);
+    Grid.MoveColumn(1, 3);
+    EXPECT_EQ(Widths(Grid), "10 30 40 20");
+    EXPECT_EQ(Grid.GetColAlignMent(3), taCenter);
+    EXPECT_EQ(Grid.State(), "3,2 [3,2..3,2] @0,1");
+    Grid.MoveColumn(0, 2);
+    EXPECT_EQ(Grid.GetCol(), 3);
+    Grid.MoveColumn(3, 0);
+    EXPECT_EQ(Widths(Grid), "20 30 40 10");
+    EXPECT_EQ(Grid.GetCol(), 0);
+    Grid.MoveRow(5, 1);
+    EXPECT_EQ(Grid.GetRow(), 3);
+    EXPECT_EQ(MessageOf([&] { Grid.MoveColumn(0, 4); }), "Grid index out of range (4)");
+}
+
+TEST(GridSize, InsertingAndRemovingInTheMiddle) {
+    TTestGrid Grid(400, 300, 3, 5);
+    for (int I = 0; I < 3; ++I) Grid.SetColWidths(I, 10 * (I + 1));
+    Grid.AdjustSize(1, 2, false);
+    EXPECT_EQ(Widths(Grid), "10 75 75 20 30");
+    Grid.AdjustSize(0, -2, false);
+    EXPECT_EQ(Widths(Grid), "75 20 30");
+    Grid.AdjustSize(5, 1, true);
+    EXPECT_EQ(Grid.GetRowCount(), 6);
+    EXPECT_EQ(MessageOf([&] { Grid.AdjustSize(4, 1, false); }), "Grid index out of range (4)");
+    EXPECT_EQ(MessageOf([&] { Grid.AdjustSize(2, -2, false); }), "Too many rows or columns deleted (-2)");
+    EXPECT_EQ(MessageOf([&] { Grid.AdjustSize(0, -6, true); }), "Too many rows or columns deleted (-6)");
+}
+
+// --- streams ---------------------------------------------------------------------------------------------------
+
+// The defined properties of one component, in memory: "ColWidths=(1 2 3)".
+class TMemoryWriter : public TWriter {
+public:
+    std::vector<std::string> Names;
+    std::map<std::string, std::vector<int>> Lists;
+    void DefineProperty(const std::string& Name, std::function<void(TReader&)>,
+                        std::function<void(TWriter&)> WriteData, bool HasData) override {
+        if (!HasData) return;
+        Names.push_back(Name);
+        FCurrent = &Lists[Name];
+        WriteData(*this);
+    }
+    void DefineBinaryProperty(const std::string&, std::function<void(TStream&)>,
+                              std::function<void(TStream&)>, bool) override {}
+    void WriteListBegin() override { ++FDepth; }
+    void WriteListEnd() override { --FDepth; }
+    void WriteInteger(int Value) override {
+        EXPECT_EQ(FDepth, 1);
+        FCurrent->push_back(Value);
+    }
+    void WriteBoolean(bool) override { ADD_FAILURE(); }
+    void WriteString(const std::string&) override { ADD_FAILURE(); }
+
+private:
+    std::vector<int>* FCurrent = nullptr;
+    int FDepth = 0;
+};
+
+class TMemoryReader : public TReader {
+public:
+    explicit TMemoryReader(std::map<std::string, std::vector<int>> ALists) : FLists(std::move(ALists)) {}
+    void DefineProperty(const std::string& Name, std::function<void(TReader&)> ReadData,
+                        std::function<void(TWriter&)>, bool) override {
+        if (!FLists.contains(Name)) return;
+        FCurrent = &FLists[Name];
+        FNext = 0;
+        ReadData(*this);
+    }
+    void DefineBinaryProperty(const std::string&, std::function<void(TStream&)>,
+                              std::function<void(TStream&)>, bool) override {}
+    void ReadListBegin() override {}
+    void ReadListEnd() override {
+        if (!EndOfList()) throw EReadError("The list goes on");
+    }
+    bool EndOfList() override { return FNext == FCurrent->size(); }
+    int ReadInteger() override {
+        if (EndOfList()) throw EReadError("The list has ended");
+        return (*FCurrent)[FNext++];
+    }
+    bool ReadBoolean() override { throw EReadError("No Boolean here"); }
+    std::string ReadString() override { throw EReadError("No string here"); }
+
+private:
+    std::map<std::string, std::vector<int>> FLists;
+    std::vector<int>* FCurrent = nullptr;
+    std::size_t FNext = 0;
+};
+
+TEST(GridStream, ExtentsTravelWithTheComponent) {
+    TTestGrid Grid(400, 300, 3, 4);
+    TMemoryWriter Empty;
+    Grid.DefineProperties(Empty);
+    EXPECT_TRUE(Empty.Names.empty());
+    Grid.SetColWidths(0, 10);
+    Grid.SetColWidths(2, 30);
+    Grid.SetRowHeights(1, 5);
+    TMemoryWriter Writer;
+    Grid.DefineProperties(Writer);
+    EXPECT_EQ(Writer.Names, (std::vector<std::string>{"ColWidths", "RowHeights"}));
+    EXPECT_EQ(Writer.Lists["ColWidths"], (std::vector<int>{10, 75, 30}));
+
+    TTestGrid Copy(400, 300, 1, 2);
+    int Announced = 0;
+    Copy.OnColumnWidthChanged = [&](int, int) { ++Announced; };
+    Copy.Focus(0, 1);
+    Copy.BeginLoading();
+    Copy.SetFixedCols(0);
+    Copy.SetColCount(3);
+    Copy.SetRowCount(4);
+    TMemoryReader Reader(Writer.Lists);
+    Copy.DefineProperties(Reader);
+    Copy.EndReading();
+    Copy.EndLoading();
+    EXPECT_EQ(Widths(Copy), "10 75 30");
+    EXPECT_EQ(Heights(Copy), "24 5 24 24");
+    EXPECT_EQ(Announced, 0);
+    EXPECT_EQ(Copy.State(), "0,1 [0,1..0,1] @0,1");
+
+    // Against an ancestor only differences are written.
+    TMemoryWriter Same;
+    Same.SetAncestor(&Copy);
+    Grid.DefineProperties(Same);
+    EXPECT_TRUE(Same.Names.empty());
+    Copy.SetRowHeights(1, 6);
+    TMemoryWriter Different;
+    Different.SetAncestor(&Copy);
+    Grid.DefineProperties(Different);
+    EXPECT_EQ(Different.Names, (std::vector<std::string>{"RowHeights"}));
+
+    Grid.SetSaveExtents(false);
+    TMemoryWriter Off;
+    Grid.DefineProperties(Off);
+    EXPECT_TRUE(Off.Names.empty());
+}
+
+TEST(GridStream, AListThatIsTooShortFails) {
+    TTestGrid Grid(400, 300, 3, 4);
+    TMemoryReader Reader({{"ColWidths", {10, 20}}});
+    EXPECT_THROW(Grid.DefineProperties(Reader), EReadError);
+    EXPECT_EQ(Widths(Grid), "10 20 75");
+}
+
+TEST(GridStream, LoadingTakesCountsInAnyOrder) {
+    TTestGrid Grid(400, 300, 6, 10);
+    Grid.SetFixedCols(3);
+    Grid.Focus(5, 9);
+    Grid.BeginLoading();
+    Grid.SetColCount(2);
+    EXPECT_EQ(Grid.GetFixedCols(), 3); // lowered neither now
+    Grid.SetColCount(5);
+    Grid.SetRowCount(4);
+    Grid.EndReading();
+    Grid.EndLoading();
+    EXPECT_EQ(Grid.State(), "3,1 [3,1..3,1] @3,1");
+}
+
+TEST(GridWindow, IsCreatedWithItsStyles) {
+    TTestGrid Grid(400, 300, 3, 4);
+    EXPECT_EQ(Grid.GetWindowParams().Style, WS_TABSTOP);
+    EXPECT_EQ(Grid.GetWindowParams().WindowClassStyle, CS_DBLCLKS);
+    Grid.SetScrollBars(ssBoth);
+    EXPECT_EQ(Grid.GetWindowParams().Style, WS_TABSTOP | WS_HSCROLL | WS_VSCROLL);
+    Grid.SetScrollBars(ssVertical);
+    Grid.SetBorderStyle(bsSingle);
+    EXPECT_EQ(Grid.GetWindowParams().Style, WS_TABSTOP | WS_VSCROLL);
+    EXPECT_EQ(Grid.GetWindowParams().ExStyle, WS_EX_CLIENTEDGE);
+    Grid.SetCtl3D(false);
+    EXPECT_EQ(Grid.GetWindowParams().Style, WS_TABSTOP | WS_VSCROLL | WS_BORDER);
+    EXPECT_EQ(Grid.GetWindowParams().ExStyle, 0u);
+}
+
+} // namespace
+} // namespace quill::testing

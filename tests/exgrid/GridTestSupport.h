@@ -36,7 +36,8 @@ inline std::string Show(TExGridDrawState State) {
 // Without border and bars, so that the client has exactly the size that was asked for.
 class TTestGrid : public TCustomExGrid {
 public:
-    explicit TTestGrid(int Width = 400, int Height = 300, int Cols = 5, int Rows = 20) : TCustomExGrid(nullptr) {
+    explicit TTestGrid(int Width = 400, int Height = 300, int Cols = 5, int Rows = 20)
+        : TCustomExGrid(nullptr) {
         SetBiDiMode(bdLeftToRight);
         SetBorderStyle(bsNone);
         SetScrollBars(ssNone);
@@ -74,7 +75,8 @@ public:
     std::set<TGridCoord, bool (*)(const TGridCoord&, const TGridCoord&)> Refused{
         [](const TGridCoord& A, const TGridCoord& B) { return A.X != B.X ? A.X < B.X : A.Y < B.Y; }};
     bool SelectCell(int& ACol, int& ARow, bool AMoveAnchor, TShiftState Shift, TSelectionWay Way) override {
-        return TCustomExGrid::SelectCell(ACol, ARow, AMoveAnchor, Shift, Way) && !Refused.contains({ACol, ARow});
+        return TCustomExGrid::SelectCell(ACol, ARow, AMoveAnchor, Shift, Way) &&
+               !Refused.contains({ACol, ARow});
     }
 
     TPoint MousePos;
