@@ -113,10 +113,14 @@ void TCustomQuillTree::InternalLineTo(TCanvas& Canvas, int X, bool Vertical, int
 }
 
 void TCustomQuillTree::OutlineLine(TCanvas& Canvas, TPoint From, TPoint To) {
-    Canvas.MoveTo(From.X, From.Y);
     if (FOutlineStyle == olsExcel) {
-        Canvas.LineTo(To.X, To.Y);
+        // The end point is left out, which on a mirrored canvas falls to the other end of a horizontal line.
+        const bool Mirrored = Canvas.GetCanvasOrientation() == coRightToLeft;
+        const int Shift = Mirrored && From.Y == To.Y ? 1 : 0;
+        Canvas.MoveTo(From.X + Shift, From.Y);
+        Canvas.LineTo(To.X + Shift, To.Y);
     } else {
+        Canvas.MoveTo(From.X, From.Y);
         InternalLineTo(Canvas, To.X, From.X == To.X, To.Y);
     }
 }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cxxabi.h>
 #include <typeinfo>
+#include <utility>
 
 namespace quill {
 
@@ -64,7 +65,7 @@ void TComponent::Unlink() {
     // A notified component may destroy any other one, so every round looks at the lists afresh.
     while (!FFreeNotifies.empty()) {
         TComponent* Watcher = FFreeNotifies.back();
-        Watcher->RemoveFreeNotification(this);
+        RemoveFreeNotification(Watcher);
         Watcher->Announce(this, opRemove);
     }
     while (!FComponents.empty()) {
@@ -134,14 +135,18 @@ void TComponent::RemoveComponent(TComponent* AComponent) {
 
 void TComponent::FreeNotification(TComponent* AComponent) {
     if (!AComponent || AComponent == this || Has(FWatched, AComponent)) return;
-    FWatched.push_back(AComponent);
-    AComponent->FFreeNotifies.push_back(this);
+    for (const auto& [Watcher, Watched] : {std::pair{this, AComponent}, std::pair{AComponent, this}}) {
+        Watcher->FWatched.push_back(Watched);
+        Watched->FFreeNotifies.push_back(Watcher);
+    }
 }
 
 void TComponent::RemoveFreeNotification(TComponent* AComponent) {
     if (!AComponent) return;
-    RemoveLast(FWatched, AComponent);
-    RemoveLast<TComponent>(AComponent->FFreeNotifies, this);
+    for (const auto& [Watcher, Watched] : {std::pair{this, AComponent}, std::pair{AComponent, this}}) {
+        RemoveLast<TComponent>(Watcher->FWatched, Watched);
+        RemoveLast<TComponent>(Watched->FFreeNotifies, Watcher);
+    }
 }
 
 void TComponent::Notification(TComponent*, TOperation) {}

@@ -73,7 +73,7 @@ public:
     void InsertComponent(TComponent* AComponent);
     void RemoveComponent(TComponent* AComponent);
 
-    // Asks AComponent to call our Notification(AComponent, opRemove) before it goes.
+    // Links both components: whichever goes first calls the other's Notification(it, opRemove).
     void FreeNotification(TComponent* AComponent);
     void RemoveFreeNotification(TComponent* AComponent);
 

@@ -87,7 +87,7 @@ TEST_F(Components, FreeNotificationReachesTheWatcherOnceAndEndsWithIt) {
     Former->RemoveFreeNotification(Watched);
     delete Gone;
     delete Watched;
-    EXPECT_EQ(Log, "~gone ~watched watcher:-watched ");
+    EXPECT_EQ(Log, "~gone watched:-gone ~watched watcher:-watched ");
     delete Former;
 }
 

@@ -39,16 +39,17 @@ TEST_P(TreeMouse, AClickOnTheButtonExpandsAndDoesNotSelect) {
     std::string Log;
     Tree.OnExpanded = [&](TObject*, TFlyNode* Node) { Log += "expanded " + Node->GetText() + ";"; };
     Tree.OnCollapsed = [&](TObject*, TFlyNode* Node) { Log += "collapsed " + Node->GetText() + ";"; };
-    Tree.OnChange = [&](TObject*, TFlyNode*) { Log += "changed;"; };
+    Tree.OnChange = [&](TObject*, TFlyNode* Node) { Log += "current " + Node->GetText() + ";"; };
     Click(Tree, ButtonOf(Tree, Tree.Find("Pear")));
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear(+) Red Green Nuts");
+    // The release marks the current node; the node of the button is none of it.
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear(+) Red Green Nuts");
     Click(Tree, ButtonOf(Tree, Tree.Find("Nuts")));
     Click(Tree, ButtonOf(Tree, Tree.Find("Pear")));
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear Nuts(+) Hazel");
-    EXPECT_EQ(Log, "expanded Pear;expanded Nuts;collapsed Pear;");
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Nuts(+) Hazel");
+    EXPECT_EQ(Log, "expanded Pear;expanded Nuts;current Fruit;collapsed Pear;");
     Tree.OnExpanding = [](TObject*, TFlyNode*, bool& Allow) { Allow = false; };
     Click(Tree, ButtonOf(Tree, Tree.Find("Pear")));
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear Nuts(+) Hazel");
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Nuts(+) Hazel");
 }
 
 TEST_P(TreeMouse, AClickOnATextSelectsThatNodeAlone) {

@@ -30,9 +30,9 @@ TEST(TreeRows, FollowExpandingCollapsingHidingAndDeleting) {
     Tree.Build(Fruit);
     EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear(+) Red Green Plum Nuts");
     Tree.Find("Pear")->Collapse(false);
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear Plum Nuts");
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Plum Nuts") << "collapsing selects the focused node again";
     Tree.Find("Hazel")->MakeVisible();
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear Plum Nuts(+) Hazel");
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Plum Nuts(+) Hazel");
     Tree.Find("Fruit")->Hide();
     EXPECT_EQ(Tree.Rows(), "Nuts(+)< Hazel");
     Tree.GetItems()->ShowAll();
