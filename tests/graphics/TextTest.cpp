@@ -389,16 +389,16 @@ TEST(Text, OfAnyLengthIsDrawnAndMeasured) {
 TEST(Text, CacheIsBounded) {
     text::ClearCache();
     TCanvas Canvas;
-    for (int I = 0; I < 30000; ++I) Canvas.TextWidth("Text number " + std::to_string(I));
+    for (int I = 0; I < 9000; ++I) Canvas.TextWidth("Text number " + std::to_string(I));
     text::TCacheFigures Figures = text::CacheFigures();
     EXPECT_LE(Figures.Entries, 8192u);
     EXPECT_LE(Figures.Bytes, std::size_t{8} << 20);
     const std::uint64_t Hits = Figures.Hits;
-    Canvas.TextWidth("Text number 29999");
+    Canvas.TextWidth("Text number 8999");
     EXPECT_EQ(text::CacheFigures().Hits, Hits + 1);
-    for (int I = 0; I < 1000; ++I) Canvas.TextWidth(std::to_string(I) + std::string(4000, 'x'));
+    for (int I = 0; I < 120; ++I) Canvas.TextWidth(std::to_string(I) + std::string(4000, 'x'));
     EXPECT_LE(text::CacheFigures().Bytes, std::size_t{8} << 20);
-    for (int I = 1; I < 600; ++I) {
+    for (int I = 1; I < 270; ++I) {
         Canvas.GetFont()->SetHeight(-I);
         Canvas.TextWidth("x");
     }
