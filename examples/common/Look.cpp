@@ -73,7 +73,8 @@ void SetUpTree(TCustomQuillTree& Tree) {
     Tree.SetDefaultRowHeight(std::max(PictureSize + 4, Tree.GetCanvas()->TextHeight("Ag") + RowPadding));
     Tree.SetFixedCols(0);
     Tree.SetFixedRows(1);
-    Tree.SetFixedRowAsButton(true);
+    Tree.SetFixedLineColor(clBtnShadow);
+    Tree.SetLineColor(clBtnFace);
     Tree.SetOptions(
         {goFixedVertLine, goFixedHorzLine, goRangeSelect, goColSizing, goRowSelect, goThumbTracking});
     Tree.SetFitColumnToClientWidth(true);
@@ -87,7 +88,8 @@ void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft) {
 }
 
 void SaveScreenshot(QWidget& Window, const std::string& FileName) {
-    QApplication::processEvents();
+    // Showing sets texts, texts ask for room, and room moves other things.
+    for (int Round = 0; Round < 3; ++Round) QApplication::processEvents();
     QBuffer Png;
     if (!Window.grab().save(&Png, "PNG")) throw ESaveError("The window gave no picture");
     WriteFileSafely(FileName, Png.data().toStdString());

@@ -15,7 +15,7 @@ namespace quill::examples {
 namespace {
 
 constexpr std::string_view Header = "SaveOptions:";
-constexpr int AllOptions = 0x7F;
+constexpr std::uint32_t AllOptions = 0x7F;
 
 [[noreturn]] void Fail(const std::string& FileName, const std::string& Reason) {
     throw EOutlineError("Cannot open \"" + FileName + "\": " + Reason);
@@ -31,6 +31,12 @@ void RequireOrdinaryFile(const std::string& FileName) {
     if (Type != std::filesystem::file_type::regular) Fail(FileName, "it is not an ordinary file");
 }
 
+int CountNodes(TFlyNodes& Nodes) {
+    int Count = 0;
+    for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) ++Count;
+    return Count;
+}
+
 // The options in the first line, which has been loaded already and is therefore well-formed.
 TSaveNodesOptions HeaderOptions(const std::string& Text) {
     std::size_t Pos = 0;
@@ -43,22 +49,14 @@ TSaveNodesOptions HeaderOptions(const std::string& Text) {
 
 } // namespace
 
-TSaveNodesOptions DefaultOptions() { return OptionsOf(AllOptions) - TSaveNodesOptions{tsnIncludeUniqueTags}; }
-
-int MaskOf(TSaveNodesOptions Options) {
-    int Mask = 0;
-    for (int Bit = tsnIncludeImageIndex; Bit <= tsnIncludeUniqueTags; ++Bit) {
-        if (Options.Contains(static_cast<TSaveNodesOption>(Bit))) Mask |= 1 << Bit;
-    }
-    return Mask;
+TSaveNodesOptions DefaultOptions() {
+    return TSaveNodesOptions::FromBits(AllOptions) - TSaveNodesOptions{tsnIncludeUniqueTags};
 }
 
+int MaskOf(TSaveNodesOptions Options) { return static_cast<int>(Options.Bits() & AllOptions); }
+
 TSaveNodesOptions OptionsOf(int Mask) {
-    TSaveNodesOptions Options;
-    for (int Bit = tsnIncludeImageIndex; Bit <= tsnIncludeUniqueTags; ++Bit) {
-        if (Mask & (1 << Bit)) Options.Include(static_cast<TSaveNodesOption>(Bit));
-    }
-    return Options;
+    return TSaveNodesOptions::FromBits(static_cast<std::uint32_t>(Mask) & AllOptions);
 }
 
 TOutline ReadOutline(const std::string& FileName) {
@@ -79,6 +77,12 @@ TOutline ReadOutline(std::unique_ptr<TMemoryStream> Bytes, const std::string& Fi
     TFlyNodes& Nodes = *Host.GetItems();
     try {
         LoadOutline(Outline, Nodes);
+    } catch (const EQuillTreeError& Error) {
+        // The message counts lines of nodes; editors count lines of the file. The nodes above the fault stand.
+        const bool HasHeader =
+            Outline.Bytes->GetMemory().find(Header) < Outline.Bytes->GetMemory().find('\n');
+        Fail(FileName,
+             "line " + IntToStr(CountNodes(Nodes) + (HasHeader ? 2 : 1)) + ": " + Error.GetMessage());
     } catch (const Exception& Error) {
         Fail(FileName, Error.GetMessage());
     } catch (const std::bad_alloc&) {

@@ -47,15 +47,20 @@ private:
     [[noreturn]] void Fail(int Error) const { Fail(qt_error_string(Error)); }
 
     void Write(QFileDevice& File, std::string_view Content) const {
-        const auto Size = static_cast<qint64>(Content.size());
-        if (File.write(Content.data(), Size) != Size || !File.flush()) Fail(File.errorString());
+        // A disk that runs full takes what has room and tells the reason with the next write.
+        while (!Content.empty()) {
+            const qint64 Taken = File.write(Content.data(), static_cast<qint64>(Content.size()));
+            if (Taken <= 0) Fail(File.errorString());
+            Content.remove_prefix(static_cast<std::size_t>(Taken));
+        }
+        if (!File.flush()) Fail(File.errorString());
         // Some file systems notice a full disk only here.
         if (::fsync(File.handle()) != 0) Fail(errno);
     }
 
     void Replace(std::string_view Content) const {
         QSaveFile File(FName);
-        if (!File.open(QIODevice::WriteOnly)) Fail(File.errorString());
+        if (!File.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) Fail(File.errorString());
         if (FExists) KeepAccess(File.handle());
         Write(File, Content);
         if (!File.commit()) Fail(File.errorString());
@@ -69,7 +74,8 @@ private:
         if (!Copy.open()) Fail(Copy.errorString());
         Write(Copy, Content);
         QFile File(FName);
-        if (!File.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) Fail(File.errorString());
+        if (!File.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
+            Fail(File.errorString());
         const auto Size = static_cast<off_t>(Content.size());
         if (Size > FOld.st_size) {
             if (const int Error = ::posix_fallocate(File.handle(), 0, Size)) {

@@ -1,0 +1,158 @@
+#include "examples/explorer/Directory.h"
+#include "examples/explorer/DirectoryFiller.h"
+
+#include "tests/support/QtTest.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+using namespace quill;
+using namespace quill::examples;
+using quill::testing::TTempFolder;
+
+namespace {
+
+void Put(const std::string& Name, const std::string& Text = "x") {
+    std::ofstream(Name, std::ios::binary) << Text;
+}
+
+// "name(kind marks)" of all entries, one after another.
+std::string Dump(const std::string& Path) {
+    std::string Text;
+    for (const TDirectoryEntry& Entry : ReadDirectory(Path)) {
+        Text += Entry.Name;
+        switch (Entry.Kind) {
+        case ekDirectory:
+            Text += Entry.HasEntries ? "(+)" : "(-)";
+            break;
+        case ekLink:
+            Text += "->" + Entry.LinkTarget;
+            break;
+        case ekSpecial:
+            Text += "(special)";
+            break;
+        case ekFile:
+            Text += ":" + std::to_string(Entry.Size);
+            break;
+        }
+        Text += ' ';
+    }
+    return Text;
+}
+
+// Names of the nodes, children in brackets, "+" for a closed folder.
+std::string Dump(TFlyNode* Node) {
+    std::string Text = Node->GetText();
+    if (Node->GetHasChildren() && !Node->GetExpanded()) Text += '+';
+    if (!Node->GetExpanded()) return Text;
+    Text += '[';
+    for (TFlyNode* Child = Node->GetFirstChild(); Child; Child = Child->GetNextSibling()) {
+        if (Text.back() != '[') Text += ' ';
+        Text += Dump(Child);
+    }
+    return Text + ']';
+}
+
+std::string Children(TFlyNode* Node) {
+    const std::string Text = Dump(Node);
+    return Text.substr(Node->GetText().size());
+}
+
+class Filler : public ::testing::Test {
+protected:
+    Filler() : Fill(&Tree) { Tree.SetSmoothExpandCollapse(false); }
+
+    TFlyNode* Open() {
+        Fill.OpenRoot(Folder.File("root"));
+        return Tree.GetItems()->GetFirstNode();
+    }
+    void MakeFolder(const std::string& Name) { fs::create_directories(Folder.File("root/" + Name)); }
+    TFlyNode* Child(TFlyNode* Node, int Index) { return Node->GetItem(Index); }
+
+    TTempFolder Folder;
+    TQuillTree Tree;
+    TDirectoryFiller Fill;
+};
+
+TEST(Directory, PutsDirectoriesFirstAndNumbersByValue) {
+    const TTempFolder Folder;
+    for (const char* Name : {"file10", "file9", "file1"}) Put(Folder.File(Name), "123");
+    for (const char* Name : {"dir10", "dir2"}) fs::create_directory(Folder.File(Name));
+    Put(Folder.File("dir2/inside"));
+    ASSERT_EQ(::mkfifo(Folder.File("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(Dump(Folder.File("")), "dir2(+) dir10(-) file1:3 file9:3 file10:3 pipe(special) ");
+}
+
+TEST(Directory, ShowsLinksAndDoesNotFollowThem) {
+    const TTempFolder Folder;
+    fs::create_directory(Folder.File("dir"));
+    fs::create_directory_symlink("..", Folder.File("dir/up"));
+    fs::create_symlink("nowhere", Folder.File("dangling"));
+    EXPECT_EQ(Dump(Folder.File("")), "dir(+) dangling->nowhere ");
+    EXPECT_EQ(Dump(Folder.File("dir")), "up->.. ");
+    // A link from outside is meant to be opened.
+    EXPECT_EQ(ReadEntry(Folder.File("dir/up")).Kind, ekDirectory);
+}
+
+TEST(Directory, SaysWhyADirectoryCannotBeRead) {
+    EXPECT_THROW(ReadDirectory("/no/such/folder"), EDirectoryError);
+    if (::geteuid() == 0) GTEST_SKIP() << "root may read everything";
+    const TTempFolder Folder;
+    fs::create_directory(Folder.File("closed"));
+    fs::permissions(Folder.File("closed"), fs::perms::none);
+    EXPECT_EQ(ReadDirectory(Folder.File("")).at(0).Problem, "Permission denied");
+    EXPECT_THROW(ReadDirectory(Folder.File("closed")), EDirectoryError);
+    fs::permissions(Folder.File("closed"), fs::perms::owner_all);
+}
+
+TEST_F(Filler, ReadsADirectoryWhenItIsOpened) {
+    MakeFolder("a/b/c");
+    MakeFolder("empty");
+    Put(Folder.File("root/x.png"), std::string(2048, 'x'));
+    TFlyNode* Root = Open();
+    EXPECT_EQ(Children(Root), "[a+ empty x.png]");
+    EXPECT_EQ(Fill.GetNodeCount(), 4);
+    Child(Root, 0)->Expand(false);
+    EXPECT_EQ(Children(Root), "[a[b+] empty x.png]");
+    EXPECT_EQ(Fill.PathOf(Child(Child(Root, 0), 0)), Folder.File("root/a/b"));
+    EXPECT_EQ(Child(Root, 2)->GetCell(ecSize), "2.0 kB");
+    EXPECT_EQ(Child(Root, 2)->GetCell(ecKind), "Picture");
+
+    Fill.ExpandLevels(9);
+    EXPECT_EQ(Children(Root), "[a[b[c]] empty x.png]");
+    Put(Folder.File("root/empty/new"));
+    Fill.Refresh(Root);
+    EXPECT_EQ(Children(Root), "[a+ empty+ x.png]");
+    EXPECT_EQ(Fill.GetNodeCount(), 4);
+}
+
+TEST_F(Filler, SurvivesDirectoriesThatVanish) {
+    MakeFolder("gone/inside");
+    TFlyNode* Root = Open();
+    fs::remove_all(Folder.File("root/gone"));
+    Child(Root, 0)->Expand(false);
+    EXPECT_EQ(Fill.GetNodeCount(), 2);
+    EXPECT_FALSE(Child(Root, 0)->GetHasChildren());
+    EXPECT_EQ(Child(Root, 0)->GetCell(ecKind), "Folder, cannot be read: No such file or directory");
+    EXPECT_THROW(Fill.OpenRoot(Folder.File("root/gone")), EDirectoryError);
+    EXPECT_EQ(Fill.GetNodeCount(), 2) << "a root that cannot be read replaced the tree";
+}
+
+// Names are bytes: what cannot be shown can still be opened.
+TEST_F(Filler, OpensDirectoriesWithStrangeNames) {
+    MakeFolder("bad\xFF\xFEname/inner1");
+    MakeFolder("line\nbreak/inner2");
+    MakeFolder(" spaces, \"quotes\"/inner3");
+    TFlyNode* Root = Open();
+    for (int Index = 0; Index < Root->GetCount(); ++Index) {
+        TFlyNode* Node = Child(Root, Index);
+        Node->Expand(false);
+        EXPECT_EQ(Node->GetCount(), 1) << Node->GetText();
+        EXPECT_EQ(Node->GetText().find('\n'), std::string::npos);
+    }
+}
+
+} // namespace

@@ -1,0 +1,127 @@
+#include "examples/common/OutlineFile.h"
+
+#include "quilltree/HeadlessHost.h"
+#include "tests/support/QtTest.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+using namespace quill;
+using namespace quill::examples;
+using quill::testing::TTempFolder;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+namespace {
+
+TOutline Read(const std::string& Text) {
+    return ReadOutline(std::make_unique<TMemoryStream>(Text), "some.nodes");
+}
+
+std::string Fault(const std::string& Text) {
+    try {
+        Read(Text);
+        return "no fault";
+    } catch (const EOutlineError& Error) {
+        return Error.GetMessage();
+    }
+}
+
+std::string FaultOfFile(const std::string& Name) {
+    try {
+        ReadOutline(Name);
+        return "no fault";
+    } catch (const EOutlineError& Error) {
+        return Error.GetMessage();
+    }
+}
+
+TEST(OutlineFile, SaysWhatIsWrongAndWhere) {
+    const struct {
+        std::string Text;
+        std::vector<std::string> Parts;
+    } Cases[] = {
+        {"SaveOptions:many\nA\n", {"many"}},
+        {"SaveOptions:99999999999\nA\n", {"99999999999"}},
+        {"SaveOptions:0\nA\nB\n\t\tdeep\n", {"Line:2", "deep", "2"}},
+        {"SaveOptions:1\n0,A\n1,B\nblue,C\n", {"blue", "4"}},
+        {"SaveOptions:1\n0,A\n12345678901,B\n", {"12345678901", "3"}},
+        {"SaveOptions:7\n0,0,0,A\n0,0\n", {"3"}},
+        {"SaveOptions:1\n0,A\n\n0,B\n", {"3"}},
+    };
+    for (const auto& Case : Cases) {
+        const std::string Message = Fault(Case.Text);
+        EXPECT_THAT(Message, HasSubstr("\"some.nodes\""));
+        for (const std::string& Part : Case.Parts) EXPECT_THAT(Message, HasSubstr(Part));
+    }
+}
+
+TEST(OutlineFile, RefusesWhatIsNoOrdinaryFile) {
+    const TTempFolder Folder;
+    ASSERT_EQ(::mkfifo(Folder.File("pipe").c_str(), 0600), 0);
+    EXPECT_THAT(FaultOfFile(Folder.File("")), HasSubstr("it is a folder"));
+    EXPECT_THAT(FaultOfFile(Folder.File("pipe")), HasSubstr("not an ordinary file"));
+    EXPECT_THAT(FaultOfFile("/dev/zero"), HasSubstr("not an ordinary file"));
+    EXPECT_THAT(FaultOfFile(Folder.File("missing.nodes")),
+                AllOf(HasSubstr("missing.nodes"), HasSubstr("no such file")));
+}
+
+TEST(OutlineFile, KnowsWhatASaveMustKeep) {
+    const struct {
+        std::string Text;
+        int Mask;
+        int Nodes;
+        int Columns;
+        bool HasTags;
+    } Cases[] = {
+        {"", MaskOf(DefaultOptions()), 0, 1, false},
+        {"A\nB\n", 8, 2, 1, false},
+        {"A,b,c\n", 8, 1, 3, false},
+        {"SaveOptions:\nA\n\tB\n", 0, 2, 1, false},
+        // Cells that are there although the options do not name them.
+        {"SaveOptions:1\n3,A,b\n", 9, 1, 2, false},
+        {"SaveOptions:64\n-1,A\n-1,B\n", 64, 2, 1, false},
+        {"SaveOptions:64\n5,A\n7,B\n", 64, 2, 1, true},
+        // Unknown bits say nothing.
+        {"SaveOptions:1040\n0,A\n", 16, 1, 1, false},
+    };
+    for (const auto& Case : Cases) {
+        const TOutline Outline = Read(Case.Text);
+        EXPECT_EQ(MaskOf(Outline.Options), Case.Mask) << Case.Text;
+        EXPECT_EQ(Outline.NodeCount, Case.Nodes) << Case.Text;
+        EXPECT_EQ(Outline.ColumnCount, Case.Columns) << Case.Text;
+        EXPECT_EQ(Outline.HasTags, Case.HasTags) << Case.Text;
+    }
+    for (int Mask = 0; Mask < 128; ++Mask) EXPECT_EQ(MaskOf(OptionsOf(Mask)), Mask);
+}
+
+TEST(OutlineFile, KeepsBytesThatAreNoText) {
+    const std::string Text = "SaveOptions:8\r\n\xFF\xFE,\xC3(\r\n\t\xE2\x82\r\n";
+    THeadlessHost Host;
+    LoadOutline(Read(Text), *Host.GetItems());
+    EXPECT_EQ(OutlineText(*Host.GetItems(), OptionsOf(8)), Text);
+}
+
+TEST(OutlineFile, ReadsCaptionsBesideTheOutline) {
+    const TTempFolder Folder;
+    const std::string Name = Folder.File("a.b.nodes");
+    EXPECT_THAT(ReadCaptions(Name), ElementsAre());
+    SaveCaptions(Name, {"Name", "", "Last, not least"});
+    EXPECT_TRUE(fs::exists(Folder.File("a.b.columns")));
+    const std::vector<std::string> Captions = ReadCaptions(Name);
+    EXPECT_THAT(Captions, ElementsAre("Name", "", "Last, not least"));
+    EXPECT_EQ(CaptionOf(Captions, 0), "Name");
+    EXPECT_EQ(CaptionOf(Captions, 1), "Column 2");
+    EXPECT_EQ(CaptionOf(Captions, 3), "Column 4");
+    EXPECT_EQ(CaptionOf({}, 0), "Text");
+    // Captions that are there are the user's.
+    SaveCaptions(Name, {"Other"});
+    EXPECT_EQ(ReadCaptions(Name), Captions);
+}
+
+} // namespace

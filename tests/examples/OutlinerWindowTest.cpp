@@ -1,0 +1,171 @@
+#include "examples/outliner/OutlinerWindow.h"
+#include "examples/outliner/OutlineTree.h"
+
+#include "tests/support/QtTest.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <QTest>
+#include <QTimer>
+
+#include <fstream>
+#include <sstream>
+
+using namespace quill;
+using namespace quill::examples;
+using quill::testing::TTempFolder;
+
+namespace {
+
+const char* const Tasks = "SaveOptions:28\r\n"
+                          "-1,1,Tasks\r\n"
+                          "\t1,0,Open,late\r\n"
+                          "\t2,0,Done\r\n"
+                          "\t3,0,Settled\r\n"
+                          "-1,1,Choice\r\n"
+                          "\t4,0,This\r\n"
+                          "\t5,0,That\r\n";
+
+class OutlinerWindow : public ::testing::Test {
+protected:
+    OutlinerWindow() {
+        Write("tasks.nodes", Tasks);
+        Window.GetTree()->SetSmoothExpandCollapse(false);
+        Window.resize(600, 400);
+        Window.OpenFile(Folder.File("tasks.nodes"));
+        Window.show();
+        QApplication::processEvents();
+    }
+
+    void Write(const std::string& Name, const std::string& Text) {
+        std::ofstream(Folder.File(Name), std::ios::binary) << Text;
+    }
+    std::string Content(const std::string& Name) {
+        std::ifstream File(Folder.File(Name), std::ios::binary);
+        std::ostringstream Text;
+        Text << File.rdbuf();
+        return Text.str();
+    }
+    TFlyNode* NodeOf(int Row) { return Window.GetTree()->GetNodeAtRow(Row); }
+    // Clicks into the slot of the check mark of the node in a row.
+    void ClickMark(int Row) {
+        TOutlineTree* Tree = Window.GetTree();
+        const TRect Cell = Tree->CellRect(0, Row);
+        const int X = Tree->GetOutlineSlots(NodeOf(Row), Cell.Left).State + Tree->GetIndent() / 2;
+        QTest::mouseClick(Tree->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          {X, (Cell.Top + Cell.Bottom) / 2});
+    }
+    std::string States() {
+        std::string Text;
+        for (TFlyNode* Node = Window.GetTree()->GetItems()->GetFirstNode(); Node; Node = Node->GetNext()) {
+            Text += std::to_string(Node->GetStateIndex()) + ' ';
+        }
+        return Text;
+    }
+    // Texts of the status bar.
+    std::string Status() {
+        QApplication::processEvents();
+        std::string Text;
+        for (const QLabel* Label : Window.statusBar()->findChildren<QLabel*>()) {
+            Text += Label->text().section('/', -1).toStdString() + "; ";
+        }
+        return Text;
+    }
+    // Closes the window and answers the question that comes up; false when none came.
+    bool CloseAndAnswer(QMessageBox::StandardButton Button) {
+        bool Asked = false;
+        QTimer::singleShot(0, [&] {
+            auto* Box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!Box) return;
+            Asked = true;
+            Box->button(Button)->click();
+        });
+        Window.close();
+        QApplication::processEvents();
+        return Asked;
+    }
+
+    TTempFolder Folder;
+    TOutlinerWindow Window;
+};
+
+TEST_F(OutlinerWindow, ShowsCountsOfTheDocument) {
+    EXPECT_EQ(Window.windowTitle(), "tasks.nodes[*]");
+    EXPECT_EQ(Status(), "tasks.nodes; 7 nodes; 7 rows; 1 selected; ");
+    Window.CollapseAll();
+    EXPECT_EQ(Status(), "tasks.nodes (view changed); 7 nodes; 2 rows; 1 selected; ");
+    ClickMark(1);
+    Window.NewOutline();
+    EXPECT_EQ(Status(), "Untitled; 0 nodes; 0 rows; 0 selected; ");
+}
+
+TEST_F(OutlinerWindow, TicksWhatIsClicked) {
+    ClickMark(2);
+    ClickMark(3);
+    ClickMark(4); // settled: shown, not changed
+    EXPECT_EQ(States(), "-1 2 1 3 -1 4 5 ");
+    EXPECT_TRUE(Window.isWindowModified());
+    Window.SaveFile(Folder.File("tasks.nodes"));
+    EXPECT_FALSE(Window.isWindowModified());
+    ClickMark(7);
+    EXPECT_EQ(States(), "-1 2 1 3 -1 5 4 ") << "of a group, one is chosen";
+    QTest::keyClick(Window.GetTree(), Qt::Key_Space);
+    Window.SaveFile(Folder.File("copy.nodes"));
+    EXPECT_NE(Content("copy.nodes").find("\t1,0,Done"), std::string::npos);
+}
+
+TEST_F(OutlinerWindow, KeepsTheDocumentWhenAFileIsBroken) {
+    ClickMark(2);
+    Write("broken.nodes", "SaveOptions:0\r\nA\r\n\t\t\tB\r\n");
+    EXPECT_THROW(Window.OpenFile(Folder.File("broken.nodes")), EOutlineError);
+    EXPECT_THROW(Window.OpenFile(Folder.File("missing.nodes")), EOutlineError);
+    EXPECT_THROW(Window.OpenFile(Folder.File("")), EOutlineError);
+    EXPECT_EQ(States(), "-1 2 2 3 -1 4 5 ");
+    EXPECT_TRUE(Window.isWindowModified());
+    EXPECT_EQ(Window.windowTitle(), "tasks.nodes[*]");
+    Window.SaveFile(Folder.File("tasks.nodes"));
+    EXPECT_NE(Content("tasks.nodes").find("2,0,Open"), std::string::npos);
+}
+
+TEST_F(OutlinerWindow, AsksBeforeChangesAreLost) {
+    Window.CollapseAll();
+    EXPECT_FALSE(CloseAndAnswer(QMessageBox::Cancel)) << "closed branches are nothing to ask about";
+    Window.show();
+    ClickMark(1);
+    Window.ExpandAll();
+    ClickMark(2);
+    EXPECT_TRUE(CloseAndAnswer(QMessageBox::Cancel));
+    EXPECT_TRUE(Window.isVisible());
+    EXPECT_EQ(Content("tasks.nodes"), Tasks);
+    EXPECT_TRUE(CloseAndAnswer(QMessageBox::Save));
+    EXPECT_FALSE(Window.isVisible());
+    EXPECT_NE(Content("tasks.nodes"), Tasks);
+}
+
+TEST_F(OutlinerWindow, SavesTheSameBytes) {
+    Window.SaveFile(Folder.File("copy.nodes"));
+    EXPECT_EQ(Content("copy.nodes"), Tasks);
+    Write("tags.nodes", "SaveOptions:64\r\n7,A\r\n\t3,B\r\n");
+    Window.OpenFile(Folder.File("tags.nodes"));
+    Window.SaveFile(Folder.File("copy.nodes"));
+    EXPECT_EQ(Content("copy.nodes"), Content("tags.nodes"));
+    // The numbering of one outline is no business of the next.
+    Window.OpenFile(Folder.File("tasks.nodes"));
+    Window.SaveFile(Folder.File("copy.nodes"));
+    EXPECT_EQ(Content("copy.nodes"), Tasks);
+}
+
+TEST_F(OutlinerWindow, FindsNodesByTypedLetters) {
+    QTest::keyClicks(Window.GetTree(), "th");
+    EXPECT_EQ(Window.GetTree()->GetSelection()->GetText(), "This");
+}
+
+TEST_F(OutlinerWindow, CopiesRowsAsLines) {
+    Window.GetTree()->SetSelection(NodeOf(2));
+    EXPECT_EQ(Window.GetTree()->SelectedText(), "Open\tlate\n");
+}
+
+} // namespace
