@@ -80,6 +80,8 @@ struct TTextMetrics {
 
 // Draws in device-independent pixels. Edges are snapped to device pixels once, so that neighbours always meet; a
 // hairline has a constant device width (the whole part of the scale, at least 1 device pixel).
+// At fractional scales a hairline's place may be a device pixel wider than the line; that pixel keeps what was there,
+// so surfaces are erased before they are painted.
 // While the mirrored mapping is on (SetMirrored), points go to Width - x and rectangles [L, R) to
 // [Width - R, Width - L); glyphs and pictures are never flipped, texts keep their reading order.
 // All operations are virtual: TRecordingCanvas logs them. An operation on a canvas without a surface does nothing,
