@@ -7,6 +7,7 @@ int main(int argc, char* argv[]) {
     QApplication Application(argc, argv);
     quill::TQuillTree Tree;
     Tree.SetColCount(2);
+    Tree.GetItems()->Clear();
     quill::TFlyNode* Fruit = Tree.GetItems()->Add(nullptr, "Fruit");
     Tree.GetItems()->AddChild(Fruit, "Apple")->SetCell(1, "Sweet and red");
     Tree.GetItems()->AddChild(Fruit, "Pear");
