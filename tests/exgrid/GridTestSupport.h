@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
 #include <string>
 
 namespace quill::testing {
@@ -72,13 +71,6 @@ public:
         ACanvas.DrawEdge(Rect, Clicked ? BDR_SUNKENINNER : BDR_RAISEDINNER, BF_RECT);
     }
 
-    std::set<TGridCoord, bool (*)(const TGridCoord&, const TGridCoord&)> Refused{
-        [](const TGridCoord& A, const TGridCoord& B) { return A.X != B.X ? A.X < B.X : A.Y < B.Y; }};
-    bool SelectCell(int& ACol, int& ARow, bool AMoveAnchor, TShiftState Shift, TSelectionWay Way) override {
-        return TCustomExGrid::SelectCell(ACol, ARow, AMoveAnchor, Shift, Way) &&
-               !Refused.contains({ACol, ARow});
-    }
-
     TPoint MousePos;
     TPoint GetMouseClientPos() const override { return MousePos; }
 
@@ -90,7 +82,7 @@ public:
     void Press(std::uint16_t Key, TShiftState Shift = {}) { KeyDown(Key, Shift); }
     void SetSize(int AWidth, int AHeight) { SetBounds(0, 0, std::max(1, AWidth), std::max(1, AHeight)); }
     void Focus(int Col, int Row) { FocusCell(Col, Row, true, {}, swNone); }
-    // The bounds of what waits to be painted, after that has been done once.
+    // The bounds of what waits to be painted.
     std::string Invalid() const { return HasInvalidRegion() ? Show(GetInvalidBounds()) : "none"; }
 };
 
