@@ -172,16 +172,6 @@ TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
             }
             const QImage Partial = Grid.GetSurfaceImage();
             Grid.Invalidate();
-            if (Partial != Grid.GetSurfaceImage() && getenv("DUMP")) {
-                Partial.save("/tmp/a.png");
-                Grid.GetSurfaceImage().save("/tmp/b.png");
-                for (int X = 0; X < 8; ++X) printf("w%d=%d ", X, Grid.GetColWidths(X));
-                printf("line %d fixed %d rtl %d\n", Grid.GetGridLineWidth(), Grid.GetFixedCols(), Round % 2);
-                const QImage F = Grid.GetSurfaceImage();
-                for (int Y = 0; Y < F.height(); ++Y)
-                    for (int X = 0; X < F.width(); ++X)
-                        if (F.pixel(X, Y) != Partial.pixel(X, Y)) printf("%d,%d ", X, Y);
-            }
             ASSERT_TRUE(Partial == Grid.GetSurfaceImage())
                 << "seed " << Seed << ", round " << Round << ", step " << Step << ", kind " << Kind << ", "
                 << Grid.State() << ", options " << Grid.GetOptions().Bits();
