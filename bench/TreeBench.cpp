@@ -198,11 +198,17 @@ void Memory(int Groups) {
 int main(int ArgCount, char** Args) {
     if (!std::getenv("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication App(ArgCount, Args);
-    // --tenth runs with a tenth of the nodes.
-    const bool Tenth = ArgCount > 1 && std::strcmp(Args[1], "--tenth") == 0;
+    // --tenth runs with a tenth of the nodes, --only NAME one of memory, paint and add.
+    bool Tenth = false;
+    std::string Only;
+    for (int Index = 1; Index < ArgCount; ++Index) {
+        if (std::strcmp(Args[Index], "--tenth") == 0) Tenth = true;
+        if (std::strcmp(Args[Index], "--only") == 0 && Index + 1 < ArgCount) Only = Args[++Index];
+    }
+    const auto Wanted = [&Only](const char* Name) { return Only.empty() || Only == Name; };
     const int Groups = Tenth ? 10 : 100;
-    Memory(Groups);
-    PaintAndExpand(Groups);
-    AddOneByOne(Tenth ? 10000 : 100000);
+    if (Wanted("memory")) Memory(Groups);
+    if (Wanted("paint")) PaintAndExpand(Groups);
+    if (Wanted("add")) AddOneByOne(Tenth ? 10000 : 100000);
     return 0;
 }

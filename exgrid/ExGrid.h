@@ -403,6 +403,10 @@ private:
     void ResizeAxes(int NewColCount, int ColIndex, int NewRowCount, int RowIndex);
     void KeepCellsInside();
     void ExtentsChanged();
+    // The largest origin of a client of that width, or height.
+    int MaxLeftIn(int AxisWidth);
+    int MaxTopIn(int AxisHeight);
+    void ShowScrollPos(const TGridCoord& MaxTopLeft);
     void InvalidateStrips(int OldColCount, int OldRowCount);
     TGridCoord NextTabCell(bool Back);
     void MoveSingleColumn(unsigned ScrollCode, unsigned Pos, int Direction);

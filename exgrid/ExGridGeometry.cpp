@@ -244,6 +244,21 @@ TGridCoord TCustomExGrid::CalcMaxTopLeft(const TGridCoord& Coord, const TExGridD
     return {MaxFirstCell(DI.Horz, Coord.X), MaxFirstCell(DI.Vert, Coord.Y)};
 }
 
+// The walks from the last cell need no layout of the visible ones.
+int TCustomExGrid::MaxLeftIn(int AxisWidth) {
+    TExGridDI DI;
+    CalcFI(DI);
+    DI.Horz.GridExtent = AxisWidth;
+    return MaxFirstCell(DI.Horz, FColCount - 1);
+}
+
+int TCustomExGrid::MaxTopIn(int AxisHeight) {
+    TExGridDI DI;
+    CalcFI(DI);
+    DI.Vert.GridExtent = AxisHeight;
+    return MaxFirstCell(DI.Vert, FRowCount - 1);
+}
+
 bool TCustomExGrid::IsGridEmpty() const {
     return FRowCount == 0 || FRowCount == FFixedRows || FColCount == 0 || FColCount == FFixedCols;
 }

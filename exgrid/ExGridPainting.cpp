@@ -253,7 +253,7 @@ void TCustomExGrid::DrawDragImg(int X, int Y, int Width, int Height, TCanvas& So
 void TCustomExGrid::InvalidateGrid() { Invalidate(); }
 
 void TCustomExGrid::InvalidateRect(const TGridRect& GridRect) {
-    if (!HandleAllocated()) return;
+    if (!HandleAllocated() || IsAllInvalid()) return;
     // A range from fixed cells to scrolled out ones shows all of the fixed cells.
     TGridRect Cells = GridRect;
     if (Cells.Left < FFixedCols && Cells.Right < FTopLeft.X)
@@ -329,7 +329,7 @@ void TCustomExGrid::InvalidateNonFixed() {
 // What appeared or went: from the edge of the smaller count to the end of the client. The last column that stays
 // belongs to it, since a descendant may stretch it.
 void TCustomExGrid::InvalidateStrips(int OldColCount, int OldRowCount) {
-    if (!HandleAllocated()) return;
+    if (!HandleAllocated() || IsAllInvalid()) return;
     TExGridDI DI;
     CalcDI(DI);
     const int Width = DI.Horz.GridExtent;

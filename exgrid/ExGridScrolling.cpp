@@ -282,14 +282,18 @@ void TCustomExGrid::SetBarPos(int ScrollBar, int Pos, int MaxPos) {
 
 void TCustomExGrid::UpdateScrollPos() {
     if (!HandleAllocated() || FScrollBars == ssNone || FUpdatingRange) return;
-    TExGridDI DI;
-    CalcDI(DI);
-    const TGridCoord MaxTopLeft = CalcMaxTopLeft({FColCount - 1, FRowCount - 1}, DI);
+    ShowScrollPos({MaxLeftIn(GetClientWidth()), MaxTopIn(GetClientHeight())});
+}
+
+void TCustomExGrid::ShowScrollPos(const TGridCoord& MaxTopLeft) {
     const TControlGuard Guard(this);
     if (HasBar(SB_HORZ)) {
         if (FColCount == 1) {
             KeepHOffset();
             if (!Guard) return;
+            TExGridDI DI;
+            CalcFI(DI);
+            DI.Horz.GridExtent = GetClientWidth();
             SetBarPos(SB_HORZ, FHOffset, GetSingleColumnRange(DI));
         } else {
             SetBarPos(SB_HORZ, ScalePosition(FTopLeft.X - FFixedCols, MaxTopLeft.X - FFixedCols), BarScale);
@@ -305,6 +309,7 @@ void TCustomExGrid::UpdateScrollRange() {
     if (FScrollBars == ssNone || !HandleAllocated() || FUpdatingRange) return;
     const TControlGuard Guard(this);
     const TGridCoord OldTopLeft = FTopLeft;
+    TGridCoord MaxTopLeft;
     {
         // Bars that come and go change the client size, which leads here again.
         const TFlagScope Updating(this, FUpdatingRange);
@@ -312,15 +317,17 @@ void TCustomExGrid::UpdateScrollRange() {
         const int HorzSize = GetScrollBarSize(SB_HORZ);
         int Width = GetClientWidth() + (IsScrollBarShown(SB_VERT) ? VertSize : 0);
         int Height = GetClientHeight() + (IsScrollBarShown(SB_HORZ) ? HorzSize : 0);
-        const auto Largest = [&] {
-            TExGridDI DI;
-            CalcDIXY(DI, Width, Height);
-            return CalcMaxTopLeft({FColCount - 1, FRowCount - 1}, DI);
+        // Adding a row leads here, so the walk up from the last row is not made twice for one height.
+        int WalkedHeight = -1;
+        const auto LargestTop = [&] {
+            if (Height != WalkedHeight) MaxTopLeft.Y = MaxTopIn(Height);
+            WalkedHeight = Height;
+            return MaxTopLeft.Y;
         };
         const auto HorzRange = [&] {
             if (!HasBar(SB_HORZ)) return 0;
             if (FColCount == 1) return std::max(0, GetColWidths(0) - Width);
-            return FFixedCols < Largest().X ? BarScale : 0;
+            return FFixedCols < MaxLeftIn(Width) ? BarScale : 0;
         };
         const auto SetRange = [this](int Bar, int Range) {
             int OldMin = 0;
@@ -331,7 +338,7 @@ void TCustomExGrid::UpdateScrollRange() {
         };
         const bool HorzFirst = HorzRange() > 0;
         if (HorzFirst) Height -= HorzSize;
-        const bool Vert = HasBar(SB_VERT) && FFixedRows < Largest().Y;
+        const bool Vert = HasBar(SB_VERT) && FFixedRows < LargestTop();
         if (Vert) Width -= VertSize;
         SetRange(SB_VERT, Vert ? BarScale : 0);
         if (!Guard) return;
@@ -340,7 +347,7 @@ void TCustomExGrid::UpdateScrollRange() {
         if (Horz == 0 && HorzFirst) Height += HorzSize;
         SetRange(SB_HORZ, Horz);
         if (!Guard) return;
-        const TGridCoord MaxTopLeft = Largest();
+        MaxTopLeft = {MaxLeftIn(Width), LargestTop()};
         // A thumb is as long in its bar as the cells of the last page are among the scrollable ones.
         SetScrollPage(SB_VERT,
                       MulDiv(BarScale, FRowCount - MaxTopLeft.Y, std::max(1, MaxTopLeft.Y - FFixedRows)));
@@ -351,7 +358,7 @@ void TCustomExGrid::UpdateScrollRange() {
             FTopLeft.X = std::max(FFixedCols, MaxTopLeft.X);
         if (HasBar(SB_VERT) && MaxTopLeft.Y < FTopLeft.Y) FTopLeft.Y = std::max(FFixedRows, MaxTopLeft.Y);
     }
-    UpdateScrollPos();
+    ShowScrollPos(MaxTopLeft);
     if (Guard && FTopLeft != OldTopLeft) TopLeftMoved(OldTopLeft);
 }
 

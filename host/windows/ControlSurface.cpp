@@ -180,6 +180,10 @@ void TCustomControl::TImpl::AddInvalid(const QRegion& Region, bool Erase) {
     if (Control.isVisible()) Control.viewport()->update(Region);
 }
 
+bool TCustomControl::IsAllInvalid() const {
+    return FInvalid.rectCount() == 1 && FInvalid.boundingRect() == FImpl->ClientRect();
+}
+
 TRect TCustomControl::GetInvalidBounds() const { return FromQt(FInvalid.boundingRect()); }
 
 bool TCustomControl::GetRedraw() const { return FImpl->Redraw; }

@@ -144,6 +144,8 @@ public:
     // Whether something waits to be painted; the invalid region's bounds, for tests.
     bool HasInvalidRegion() const { return !FInvalid.isEmpty(); }
     TRect GetInvalidBounds() const;
+    // Whether everything waits already, so that finding out what else to invalidate would be wasted.
+    bool IsAllInvalid() const;
     // Moves the pixels of Scroll by (DX, DY) inside Clip and invalidates what is uncovered. Falls back to
     // invalidating Clip when the distance is not a whole number of device pixels. What is still to be painted moves
     // along.
