@@ -14,6 +14,6 @@ int main(int, char* argv[]) {
     quill::THeadlessHost Loaded;
     Loaded.GetItems()->LoadNodesFromFile(argv[1]);
     Fruit = Loaded.GetItems()->GetFirstNode();
-    std::cout << Fruit->GetText() << " [" << Fruit->GetItem(0)->GetText() << ", " << Fruit->GetItem(1)->GetText()
-              << "]\n";
+    std::cout << Fruit->GetText() << " [" << Fruit->GetItem(0)->GetText() << ", "
+              << Fruit->GetItem(1)->GetText() << "]\n";
 }
