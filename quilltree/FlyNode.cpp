@@ -57,8 +57,10 @@ TFlyNode::TFlyNode(TTreeCollection* AOwner) : TTreeCollection(AOwner) {
         Host->RefreshNodeList(AsNode(AOwner));
         if (ContainerWatch) Host->FixupRows();
     } catch (...) {
+        // A handler that deleted this very node has the last word: there is nothing left to unwind.
+        if (!Self) return;
         // The destructor will not run; the base takes the node out of the lists.
-        if (Self) ReleaseAnchor();
+        ReleaseAnchor();
         throw;
     }
 }
@@ -237,17 +239,22 @@ TFlyNode* TFlyNode::GetPrev() {
     return Node;
 }
 
+// The first node from Slot on in the list of Parent.
+TFlyNode* TFlyNode::FirstExistingFrom(TTreeSlot* Slot, const TTreeCollection* Parent) {
+    while (Slot && Slot->IsPlaceholder()) Slot = Parent->GetChildList()->Next(Slot);
+    return AsNode(static_cast<TTreeCollection*>(Slot));
+}
+
+TFlyNode* TFlyNode::NextExistingSibling() const {
+    return GetCollection() ? FirstExistingFrom(NextSlot(), GetCollection()) : nullptr;
+}
+
 TFlyNode* TFlyNode::NextExisting(const TFlyNode* Root, bool SkipChildren) const {
-    const auto FirstNodeFrom = [](TTreeSlot* Slot, const TTreeCollection* Parent) {
-        while (Slot && Slot->IsPlaceholder()) Slot = Parent->GetChildList()->Next(Slot);
-        return AsNode(static_cast<TTreeCollection*>(Slot));
-    };
     if (!SkipChildren) {
-        if (TFlyNode* const Child = FirstNodeFrom(FirstSlot(), this)) return Child;
+        if (TFlyNode* const Child = FirstExistingFrom(FirstSlot(), this)) return Child;
     }
-    for (const TFlyNode* Node = this; Node && Node != Root && Node->GetCollection();
-         Node = Node->GetParent()) {
-        if (TFlyNode* const Sibling = FirstNodeFrom(Node->NextSlot(), Node->GetCollection())) return Sibling;
+    for (const TFlyNode* Node = this; Node && Node != Root; Node = Node->GetParent()) {
+        if (TFlyNode* const Sibling = Node->NextExistingSibling()) return Sibling;
     }
     return nullptr;
 }

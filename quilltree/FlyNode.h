@@ -298,6 +298,8 @@ private:
     // The next existing node in depth-first order below Root (null: in the whole tree); without this node's
     // children on demand.
     TFlyNode* NextExisting(const TFlyNode* Root, bool SkipChildren = false) const;
+    TFlyNode* NextExistingSibling() const;
+    static TFlyNode* FirstExistingFrom(TTreeSlot* Slot, const TTreeCollection* Parent);
     void AcquireAnchor(TAnchor* Anchor);
     void ReleaseAnchor();
     void InvalidateStructureCell();

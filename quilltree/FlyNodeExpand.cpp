@@ -65,17 +65,24 @@ void TFlyNode::ExpandItem(bool Expand, bool Recurse) {
             Node = Node->NextExisting(this);
             continue;
         }
-        // Where to go on if a handler deletes the node, or moves it out of this subtree.
-        TFlyNode* const Behind = Node->NextExisting(this, true);
+        // Where to go on if a handler deletes the node, or moves it out of this subtree: behind it, as far as that
+        // is still there. A handler that deletes more than the node may so end the walk.
+        TFlyNode* const Sibling = Node == this ? nullptr : Node->NextExistingSibling();
+        TFlyNode* const Above = Node == this ? nullptr : Node->GetParent();
         const unsigned Moves = GetMoveCount();
+        const unsigned Since = Gone.Now();
         Node->ExpandSelf(Expand, true);
-        if (Gone.IsGone(this)) return;
-        const bool Stays =
-            !Gone.IsGone(Node) && (Moves == GetMoveCount() || Node == this || Node->HasAsParent(this));
-        if (Stays) {
+        if (Gone.IsGone(this, Since)) return;
+        const auto IsBelow = [&](const TFlyNode* Other) {
+            if (!Other || Gone.IsGone(Other, Since)) return false;
+            return Moves == GetMoveCount() || Other == this || Other->HasAsParent(this);
+        };
+        if (IsBelow(Node)) {
             Node = Node->NextExisting(this);
+        } else if (IsBelow(Sibling)) {
+            Node = Sibling;
         } else {
-            Node = Behind && !Gone.IsGone(Behind) && Behind->HasAsParent(this) ? Behind : nullptr;
+            Node = !Sibling && IsBelow(Above) ? Above->NextExisting(this, true) : nullptr;
         }
     }
 }
@@ -204,8 +211,9 @@ void TFlyNode::MakeVisible() {
 void TFlyNode::Show(bool Recurse) {
     const TGoneWatch Gone;
     for (TFlyNode* Node = this; Node; Node = Recurse ? Node->NextExisting(this) : nullptr) {
+        const unsigned Since = Gone.Now();
         if (Node->GetHidden()) Node->SetHidden(false);
-        if (Gone.IsGone(this) || Gone.IsGone(Node)) return;
+        if (Gone.IsGone(this, Since) || Gone.IsGone(Node, Since)) return;
     }
 }
 

@@ -220,22 +220,25 @@ void TFlyNode::Assign(TPersistent* Source) {
     if (Gone.IsGone(this) || !GetOwner()) return;
     const TUpdateBracket Bracket(GetOwner());
     const TRowPatch Patch(GetOwner());
-    std::vector<TFlyNode*> Targets{this};
+    // Targets are noted with the time at which they were made.
+    std::vector<std::pair<TFlyNode*, unsigned>> Targets{{this, 0}};
     for (const TEntry& Entry : Entries) {
         Targets.resize(static_cast<std::size_t>(Entry.Depth));
-        TFlyNode* const Parent = Targets.back();
+        TFlyNode* const Parent = Targets.back().first;
         TFlyNode* Copy = nullptr;
+        unsigned Since = 0;
         if (Gone.IsGone(this)) return;
-        if (Parent && !Gone.IsGone(Parent) && GetOwner()) {
+        if (Parent && !Gone.IsGone(Parent, Targets.back().second) && GetOwner()) {
             if (!Entry.Node) {
                 Parent->AddPlaceholders(1);
             } else if (!Gone.IsGone(Entry.Node)) {
                 Copy = GetOwner()->AddChild(Parent, {});
+                Since = Gone.Now();
                 if (Copy && !Gone.IsGone(Entry.Node)) Copy->AssignFields(Entry.Node);
-                if (Gone.IsGone(Copy)) Copy = nullptr;
+                if (Gone.IsGone(Copy, Since)) Copy = nullptr;
             }
         }
-        Targets.push_back(Copy);
+        Targets.emplace_back(Copy, Since);
     }
 }
 

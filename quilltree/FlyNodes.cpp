@@ -360,11 +360,7 @@ void TFlyNodes::SetItem(int Index, TFlyNode* Value) {
 
 TFlyNode* TFlyNodes::GetFirstNode() { return TFlyNode::AsNode(ItemOfSlot(FirstSlot())); }
 
-TFlyNode* TFlyNodes::FirstExisting() const {
-    TTreeSlot* Slot = FirstSlot();
-    while (Slot && Slot->IsPlaceholder()) Slot = GetChildList()->Next(Slot);
-    return TFlyNode::AsNode(static_cast<TTreeCollection*>(Slot));
-}
+TFlyNode* TFlyNodes::FirstExisting() const { return TFlyNode::FirstExistingFrom(FirstSlot(), this); }
 
 TFlyNode* TFlyNodes::GetLastNode() {
     TFlyNode* Node = TFlyNode::AsNode(ItemOfSlot(LastSlot()));
@@ -418,8 +414,9 @@ void TFlyNodes::ShowAll() {
     const TUpdateBracket Bracket(this);
     const TGoneWatch Gone;
     for (TFlyNode* Node = FirstExisting(); Node; Node = Node->GetNextExisting()) {
+        const unsigned Since = Gone.Now();
         if (Node->GetHidden()) Node->SetHidden(false);
-        if (Gone.IsGone(this) || Gone.IsGone(Node)) return;
+        if (Gone.IsGone(this, Since) || Gone.IsGone(Node, Since)) return;
     }
 }
 

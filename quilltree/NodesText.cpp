@@ -177,7 +177,7 @@ private:
         if (TakeNumber(tsnIncludeImageIndex, Value)) Node->SetImageIndex(Value);
         if (TakeNumber(tsnIncludeSelectedIndex, Value)) Node->SetSelectedIndex(Value);
         if (TakeNumber(tsnIncludeStateIndex, Value)) Node->SetStateIndex(Value);
-        if (FGone.IsGone(Node)) return;
+        if (FGone.IsGone(Node, FPath.back().Since)) return;
         if (TakeNumber(tsnIncludeExpands, Value) && Value != 0) Node->SetExpandedField(true);
         if (TakeNumber(tsnIncludeHiddens, Value) && Value != 0) Node->SetHiddenField(true);
         if (TakeNumber(tsnIncludeUniqueTags, Value)) Node->SetUniqueTag(Value);
@@ -207,14 +207,14 @@ private:
                 sInvalidLevelEx, {std::to_string(Level), First + "(Line:" + std::to_string(FLineNo) + ")"}));
         }
         FPath.resize(static_cast<std::size_t>(Level));
-        TFlyNode* const Parent = FPath.empty() ? nullptr : FPath.back();
+        TFlyNode* const Parent = FPath.empty() ? nullptr : FPath.back().Node;
         TFlyNode* Node = nullptr;
-        if (FPath.empty() || (Parent && !FGone.IsGone(Parent))) {
+        if (FPath.empty() || (Parent && !FGone.IsGone(Parent, FPath.back().Since))) {
             const TBirthWatch Birth;
             Node = FNodes.CreateNode(Parent ? static_cast<TTreeCollection*>(Parent) : &FNodes);
             if (Birth.Died()) Node = nullptr;
         }
-        FPath.push_back(Node);
+        FPath.push_back({Node, FGone.Now()});
         return Node;
     }
 
@@ -248,7 +248,7 @@ private:
                 } else {
                     Node.SetCell(i, Item);
                 }
-                if (FGone.IsGone(&Node)) return;
+                if (FGone.IsGone(&Node, FPath.back().Since)) return;
             }
             return;
         }
@@ -274,7 +274,11 @@ private:
     int FHeaderLines = 0;
     TSaveNodesOptions FOptions = tsnIncludeCells;
     // The last node of each level down to that of the line before.
-    std::vector<TFlyNode*> FPath;
+    struct TStep {
+        TFlyNode* Node; // null when a handler deleted it at once
+        unsigned Since;
+    };
+    std::vector<TStep> FPath;
     std::vector<std::string_view> FItems;
     std::deque<std::string> FBuffers;
     std::size_t FNext = 0;
@@ -286,8 +290,9 @@ void SortLoaded(TFlyNodes& Nodes) {
     if (!Host || !Host->HasCompare() || Host->GetSortType() == stNone) return;
     const TGoneWatch Gone;
     for (TFlyNode* Node = Nodes.FirstExisting(); Node; Node = Node->GetNextExisting()) {
+        const unsigned Since = Gone.Now();
         if (Node->GetCount() > 1) Node->AlphaSort();
-        if (Gone.IsGone(&Nodes) || Gone.IsGone(Node)) return;
+        if (Gone.IsGone(&Nodes, Since) || Gone.IsGone(Node, Since)) return;
     }
 }
 
@@ -297,12 +302,14 @@ void TFlyNodes::SaveNodesToStream(TStream& Stream, TSaveNodesOptions Options) {
     const TGoneWatch Gone;
     TFlyNode* Node = GetFirstNode();
     if (!Node) return;
+    const unsigned Started = Gone.Now();
     TNodesWriter Writer(Stream, Options, FHost);
     Writer.WriteHeader();
     // The depth is counted along the way: asking each node for it would cost its depth.
     for (int Level = 0; Node;) {
         Writer.WriteNode(*Node, Level);
         TFlyNode* const Written = Node;
+        const unsigned Since = Gone.Now();
         if (Node->GetCount() > 0) {
             Node = Node->getFirstChild();
             ++Level;
@@ -314,7 +321,7 @@ void TFlyNodes::SaveNodesToStream(TStream& Stream, TSaveNodesOptions Options) {
             if (Node) Node = Node->GetNextSibling();
         }
         // Making a node of a placeholder may run a handler that deletes what is being saved.
-        if (Gone.IsGone(this) || Gone.IsGone(Written)) return;
+        if (Gone.IsGone(this, Started) || Gone.IsGone(Written, Since)) return;
     }
 }
 

@@ -39,7 +39,14 @@ TGoneWatch::TGoneWatch() : FOuter(FirstGoneWatch) { FirstGoneWatch = this; }
 TGoneWatch::~TGoneWatch() { FirstGoneWatch = FOuter; }
 
 void TGoneWatch::Forget(const TTreeCollection* Object) {
-    for (TGoneWatch* Watch = FirstGoneWatch; Watch; Watch = Watch->FOuter) Watch->FGone.insert(Object);
+    for (TGoneWatch* Watch = FirstGoneWatch; Watch; Watch = Watch->FOuter)
+        Watch->FGone[Object] = ++Watch->FCount;
+}
+
+bool TGoneWatch::IsGone(const TTreeCollection* Object, unsigned Since) const {
+    if (FCount == Since) return false;
+    const auto Found = FGone.find(Object);
+    return Found != FGone.end() && Found->second > Since;
 }
 
 } // namespace quill

@@ -1,7 +1,7 @@
 // Telling whether an object survived a call into application code.
 #pragma once
 
-#include <unordered_set>
+#include <unordered_map>
 
 namespace quill {
 
@@ -52,15 +52,19 @@ public:
     TGoneWatch(const TGoneWatch&) = delete;
     TGoneWatch& operator=(const TGoneWatch&) = delete;
 
-    // True for an object that was destroyed; also for a new one at the same address, which was not there before.
-    bool IsGone(const TTreeCollection* Object) const { return !FGone.empty() && FGone.count(Object) > 0; }
+    // A point in time, to ask from.
+    unsigned Now() const { return FCount; }
+    // Whether the object that stood at this address at the time Since was destroyed later. (A new object may stand
+    // there now: whoever takes a pointer notes the time.)
+    bool IsGone(const TTreeCollection* Object, unsigned Since = 0) const;
 
 private:
     friend class TTreeCollection;
     static void Forget(const TTreeCollection* Object);
 
     TGoneWatch* FOuter;
-    std::unordered_set<const TTreeCollection*> FGone;
+    unsigned FCount = 0;
+    std::unordered_map<const TTreeCollection*, unsigned> FGone;
 };
 
 } // namespace quill

@@ -103,19 +103,19 @@ void TTreeBuilder::Close() {
 
 bool TTreeBuilder::Enter(const std::string& ClassName) {
     if (FOpen.empty()) {
-        FOpen.push_back(FRoot.Get());
+        FOpen.push_back({FRoot.Get(), FGone.Now()});
         return true;
     }
     TTreeCollection* const Parent = Current();
     if (!Parent) {
-        FOpen.push_back(nullptr);
+        FOpen.push_back({nullptr, 0});
         return true;
     }
     const TBirthWatch Birth;
     TTreeCollection* const Item = TTreePropertyAccess::CreateItem(*Parent, ClassName);
     const bool Died = Birth.Died();
     if (!Item && !Died) return false;
-    FOpen.push_back(Died ? nullptr : Item);
+    FOpen.push_back({Died ? nullptr : Item, FGone.Now()});
     return true;
 }
 
@@ -124,9 +124,8 @@ void TTreeBuilder::AddPlaceholders(int Count) {
 }
 
 TTreeCollection* TTreeBuilder::Current() const {
-    TTreeCollection* const Item = FOpen.back();
-    if (!Item || FGone.IsGone(Item)) return nullptr;
-    return FOpen.size() > 1 || FRoot.IsAlive() ? Item : nullptr;
+    const TOpen& Last = FOpen.back();
+    return !Last.Item || FGone.IsGone(Last.Item, Last.Since) ? nullptr : Last.Item;
 }
 
 } // namespace quill

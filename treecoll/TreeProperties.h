@@ -78,7 +78,11 @@ public:
 private:
     TLifeWatch FRoot;
     TGoneWatch FGone;
-    std::vector<TTreeCollection*> FOpen;
+    struct TOpen {
+        TTreeCollection* Item;
+        unsigned Since;
+    };
+    std::vector<TOpen> FOpen;
     bool FBracketOpen = false;
 };
 

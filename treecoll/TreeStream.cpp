@@ -173,8 +173,8 @@ public:
 private:
     [[noreturn]] void Fail(const std::string& Reason) const {
         throw EReadError(
-            FormatText(SReadError, {"damaged tree data at byte " + std::to_string(FOffset + FPos) +
-                                    ", item " + std::to_string(FItems) + ": " + Reason}));
+            FormatTextInFull(SReadError, {"damaged tree data at byte " + std::to_string(FOffset + FPos) +
+                                          ", item " + std::to_string(FItems) + ": " + Reason}));
     }
     void ReadMagic() {
         std::string Start(Magic.size() + 1, '\0');
@@ -186,19 +186,19 @@ private:
         }
         FOffset = Got;
         if (Got < Start.size() || Start.substr(0, Magic.size()) != Magic) {
-            throw EReadError(FormatText(SReadError, {"this is no saved tree"}));
+            throw EReadError(FormatTextInFull(SReadError, {"this is no saved tree"}));
         }
         if (static_cast<unsigned char>(Start.back()) != Version) {
             throw EReadError(
-                FormatText(SReadError, {"the tree was saved in version " +
-                                        std::to_string(static_cast<unsigned char>(Start.back())) +
-                                        " of the format; only version 1 is known"}));
+                FormatTextInFull(SReadError, {"the tree was saved in version " +
+                                              std::to_string(static_cast<unsigned char>(Start.back())) +
+                                              " of the format; only version 1 is known"}));
         }
     }
     void ReadItemHead(TTreeBuilder& Builder) {
         ++FItems;
         const std::string& ClassName = GetName(FClasses, GetNumber());
-        if (!Builder.Enter(ClassName)) Fail("the class \"" + ClassName + "\" is not registered");
+        if (!Builder.Enter(ClassName)) Fail(FormatText("the class \"%s\" is not registered", {ClassName}));
         TTreeItemReader Item(Builder.Current());
         for (;;) {
             const std::uint64_t Tagged = GetNumber();

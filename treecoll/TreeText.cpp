@@ -82,7 +82,7 @@ public:
     void Read() {
         std::string_view Line;
         if (!NextLine(Line) || (Line != FullHeader && Line != CaptionHeader)) {
-            throw EReadError(FormatText(SReadError, {"this is no saved tree"}));
+            throw EReadError(FormatTextInFull(SReadError, {"this is no saved tree"}));
         }
         const bool WithProperties = Line == FullHeader;
         TTreeBuilder Builder(FRoot);
@@ -108,7 +108,7 @@ public:
 
 private:
     [[noreturn]] void Fail(const std::string& Reason) const {
-        throw EReadError(FormatText(SReadError, {"line " + std::to_string(FLineNo) + ": " + Reason}));
+        throw EReadError(FormatTextInFull(SReadError, {"line " + std::to_string(FLineNo) + ": " + Reason}));
     }
     bool NextLine(std::string_view& Line) {
         ++FLineNo;
@@ -117,7 +117,7 @@ private:
     void ReadPlaceholders(TTreeBuilder& Builder, std::string_view Number) const {
         int Count = 0;
         if (!TryDecimal(Number, Count) || Count <= 0 || Count > 65536) {
-            Fail("\"" + std::string(Number) + "\" is no number of placeholders");
+            Fail(FormatText("\"%s\" is no number of placeholders", {Number}));
         }
         Builder.AddPlaceholders(Count);
     }
@@ -137,7 +137,7 @@ private:
         std::size_t Pos = 0;
         if (!NextCommaTextItem(Line, Pos, Buffer, Field)) Fail("the class is missing");
         const std::string ClassName(Field);
-        if (!Builder.Enter(ClassName)) Fail("the class \"" + ClassName + "\" is not registered");
+        if (!Builder.Enter(ClassName)) Fail(FormatText("the class \"%s\" is not registered", {ClassName}));
         TTreeItemReader Item(Builder.Current());
         std::string ListName;
         TStreamValue List;
@@ -150,7 +150,7 @@ private:
                 List.Items.clear();
                 continue;
             }
-            if (Equal == std::string_view::npos) Fail("\"" + std::string(Field) + "\" is no property");
+            if (Equal == std::string_view::npos) Fail(FormatText("\"%s\" is no property", {Field}));
             const std::string_view Name = Field.substr(0, Equal);
             if (Name.ends_with('+')) {
                 if (Name.substr(0, Name.size() - 1) != ListName) Fail("a text of no list");
