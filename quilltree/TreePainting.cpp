@@ -28,6 +28,15 @@ unsigned AlignmentFlag(TAlignment Align) {
     return DT_CENTER;
 }
 
+// A data cell's room for its text. The margin stands where the text begins, in line with the caption in a fixed cell
+// above; what is left is as wide as row heights are measured for.
+TRect DataTextRect(TRect Cell, TAlignment Align) {
+    constexpr int Margin = TreeMetrics::TextMargin;
+    if (Align != taRightJustify) Cell.Left += Align == taCenter ? Margin / 2 : Margin;
+    if (Align != taLeftJustify) Cell.Right -= Align == taCenter ? Margin / 2 : Margin;
+    return Cell;
+}
+
 } // namespace
 
 void TCustomQuillTree::Paint() {
@@ -194,12 +203,11 @@ void TCustomQuillTree::DrawDataNode(TCanvas& Canvas, TFlyNode* Node, const TRect
     if (!Guard) return;
     if (!Text.empty()) {
         // Markup text will be drawn by its renderer here.
+        // Centred by the text routine alone: with the flag as well, a tall row's text would sink below the middle.
         const unsigned Flags = AlignmentFlag(GetAlignment(ACol)) | DT_NOPREFIX |
-                               (FWordWrap ? DT_WORDBREAK : DT_END_ELLIPSIS | DT_SINGLELINE | DT_VCENTER);
+                               (FWordWrap ? DT_WORDBREAK : DT_END_ELLIPSIS | DT_SINGLELINE);
         const int OldMode = Canvas.SetBkMode(TRANSPARENT);
-        TRect TextRect = Rect;
-        TextRect.Left += TreeMetrics::TextMargin;
-        TextRect.Right -= TreeMetrics::TextMargin;
+        TRect TextRect = DataTextRect(Rect, GetAlignment(ACol));
         DrawRTLText(Canvas, Text, TextRect, Flags, static_cast<int>(DT_VCENTER));
         Canvas.SetBkMode(OldMode);
     }

@@ -172,6 +172,29 @@ TEST(TreePaint, TextOnlySelectionCoversTheTextAndEightPixels) {
         << Canvas.GetLog("FillRect");
 }
 
+TEST(TreePaint, TextsOfAllColumnsStandOnOneLineInTallRows) {
+    TTestTree Tree;
+    Tree.SetColCount(2);
+    Tree.Build("Apple\n");
+    Tree.Find("Apple")->SetCell(1, "Apple");
+    Tree.HandleNeeded();
+    TRecordingCanvas Canvas(400, 90);
+    bool Continue = true;
+    for (const int Col : {0, 1}) Tree.DrawCell(Canvas, Col, 0, {Col * 200, 0, Col * 200 + 200, 90}, {}, Continue);
+    const auto Top = [&](int Left, int Right) {
+        for (int Y = 0; Y < 90; ++Y) {
+            for (int X = Left; X < Right; ++X) {
+                if ((Canvas.GetImage().pixel(X, Y) & 0xFFFFFF) == 0) return Y;
+            }
+        }
+        return -1;
+    };
+    Canvas.SetFont(Tree.GetFont());
+    const int Width = Canvas.TextWidth("Apple");
+    EXPECT_GT(Top(204, 204 + Width), 0);
+    EXPECT_EQ(Top(24, 24 + Width), Top(204, 204 + Width));
+}
+
 TEST(TreePaint, ASelectedRowIsColouredInOnePiece) {
     TTestTree Tree;
     Tree.SetColCount(2);
@@ -222,8 +245,6 @@ TEST(TreePaint, RightToLeftIsTheMirrorImage) {
             }
         }
         EXPECT_EQ(Different, 0) << "style " << Style << ", first at " << First.x() << "," << First.y();
-        Images[0].save("/tmp/ltr.png");
-        Images[1].save("/tmp/rtl.png");
     }
 }
 
