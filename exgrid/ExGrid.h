@@ -399,6 +399,8 @@ private:
     void CalcFixedAxis(TExGridAxisDI& Axis) const;
     bool AxisToScreen(const TExGridAxisDI& Axis, int Min, int Max, bool IncludeLine, bool Extend,
                       int& ScreenMin, int& ScreenMax) const;
+    // Where the visible cells of a range and their lines begin and end; false when there are none.
+    bool CellsToPixels(const TExGridAxisDI& Axis, int Min, int Max, int& Start, int& End) const;
     void StoreExtent(TExtents& Extents, int Count, int Index, int Value);
     void ResizeAxes(int NewColCount, int ColIndex, int NewRowCount, int RowIndex);
     void KeepCellsInside();
@@ -418,7 +420,7 @@ private:
     void PressCell(const TGridCoord& Cell, TMouseButton Button, TShiftState Shift);
     void CancelMode();
     void DrawFocus(TCanvas& ACanvas);
-    int GetPaintShift();
+    int GetPaintShift(const TExGridDI& DI);
     void KeepHOffset();
     bool HasEmptyColumn(int A, int B);
     void ReadColWidths(TReader& Reader);

@@ -143,6 +143,19 @@ bool TCustomExGrid::AxisToScreen(const TExGridAxisDI& Axis, int Min, int Max, bo
     return true;
 }
 
+bool TCustomExGrid::CellsToPixels(const TExGridAxisDI& Axis, int Min, int Max, int& Start, int& End) const {
+    Max = std::min(Max, Axis.GridCellCount - 1);
+    Min = std::max(Min, 0);
+    const int First = Min < Axis.FixedCellCount ? Min : std::max(Min, Axis.FirstGridCell);
+    if (Min < Axis.FixedCellCount && Max < Axis.FirstGridCell) Max = std::min(Max, Axis.FixedCellCount - 1);
+    if (First > Max || !CellStart(Axis, First, Start) || Start >= Axis.GridExtent) return false;
+    int Last = 0;
+    std::int64_t Stop = Axis.GridExtent;
+    if (CellStart(Axis, Max, Last)) Stop = std::int64_t{Last} + Axis.GetExtent(Max) + Axis.EffectiveLineWidth;
+    End = ToPixel(std::min<std::int64_t>(Stop, Axis.GridExtent));
+    return End > Start;
+}
+
 void TCustomExGrid::GridRectToScreenRect(const TGridRect& GridRect, TRect& ScreenRect, bool IncludeLine,
                                          bool ExtendRight, bool ExtendBottom) {
     ScreenRect = {};

@@ -252,31 +252,23 @@ void TCustomExGrid::DrawDragImg(int X, int Y, int Width, int Height, TCanvas& So
 
 void TCustomExGrid::InvalidateGrid() { Invalidate(); }
 
+// Covers whatever is visible of the range, its lines included. GridRectToScreenRect gives less when the range ends
+// out of view after fixed cells.
 void TCustomExGrid::InvalidateRect(const TGridRect& GridRect) {
-    if (!HandleAllocated() || IsAllInvalid()) return;
-    // A range from fixed cells to scrolled out ones shows all of the fixed cells.
-    TGridRect Cells = GridRect;
-    if (Cells.Left < FFixedCols && Cells.Right < FTopLeft.X)
-        Cells.Right = std::min(Cells.Right, FFixedCols - 1);
-    if (Cells.Top < FFixedRows && Cells.Bottom < FTopLeft.Y)
-        Cells.Bottom = std::min(Cells.Bottom, FFixedRows - 1);
+    if (!HandleAllocated()) return;
+    TExGridDI DI;
+    CalcDI(DI);
     TRect R;
-    GridRectToScreenRect(Cells, R, true, false, false);
-    if (R.IsEmpty()) return;
-    // Columns without width: see DrawCells.
-    const int Shift = GetPaintShift();
-    if (UseRightToLeftAlignment()) {
-        R.Right += Shift;
-    } else {
-        R.Left -= Shift;
-    }
+    if (!CellsToPixels(DI.Horz, GridRect.Left, GridRect.Right, R.Left, R.Right)) return;
+    if (!CellsToPixels(DI.Vert, GridRect.Top, GridRect.Bottom, R.Top, R.Bottom)) return;
+    R.Left -= GetPaintShift(DI); // columns without width: see DrawCells
+    if (UseRightToLeftAlignment())
+        R = {DI.Horz.GridExtent - R.Right, R.Top, DI.Horz.GridExtent - R.Left, R.Bottom};
     InvalidatePixels(R);
 }
 
 // How much further left than the geometry says cells may be painted.
-int TCustomExGrid::GetPaintShift() {
-    TExGridDI DI;
-    CalcDI(DI);
+int TCustomExGrid::GetPaintShift(const TExGridDI& DI) {
     int Shift = 0;
     const auto Count = [&](int First, int Last) {
         for (int Col = First; Col <= Last; ++Col) {
@@ -313,9 +305,8 @@ void TCustomExGrid::InvalidateVisibleRow(int ARow) {
     if (!HandleAllocated()) return;
     TExGridDI DI;
     CalcDI(DI);
-    TRect R;
-    if (!AxisToScreen(DI.Vert, ARow, ARow, true, false, R.Top, R.Bottom)) return;
-    R.Right = DI.Horz.GridExtent;
+    TRect R{0, 0, DI.Horz.GridExtent, 0};
+    if (!CellsToPixels(DI.Vert, ARow, ARow, R.Top, R.Bottom)) return;
     InvalidatePixels(R);
 }
 
@@ -342,7 +333,8 @@ void TCustomExGrid::InvalidateStrips(int OldColCount, int OldRowCount) {
         return static_cast<int>(std::clamp<std::int64_t>(Pos, 0, Axis.GridExtent));
     };
     if (FColCount != OldColCount) {
-        const int Edge = std::max(0, EdgeOf(DI.Horz, std::min(FColCount, OldColCount) - 1) - GetPaintShift());
+        const int Edge =
+            std::max(0, EdgeOf(DI.Horz, std::min(FColCount, OldColCount) - 1) - GetPaintShift(DI));
         const TRect Strip =
             UseRightToLeftAlignment() ? TRect{0, 0, Width - Edge, Height} : TRect{Edge, 0, Width, Height};
         if (!Strip.IsEmpty()) InvalidatePixels(Strip);

@@ -79,7 +79,7 @@ void TCustomExGrid::TopLeftMoved(const TGridCoord& OldTopLeft) {
         const bool HorzMoves = AxisDelta(DI.Horz, OldTopLeft.X, FTopLeft.X, DX);
         const bool VertMoves = AxisDelta(DI.Vert, OldTopLeft.Y, FTopLeft.Y, DY);
         // Columns without width are painted without their line, so that the distance does not hold for them.
-        const bool Exact = DX == 0 || (GetPaintShift() == 0 && !HasEmptyColumn(OldTopLeft.X, FTopLeft.X));
+        const bool Exact = DX == 0 || (GetPaintShift(DI) == 0 && !HasEmptyColumn(OldTopLeft.X, FTopLeft.X));
         if (HorzMoves && VertMoves && (DX == 0 || DY == 0) && Exact && CanScrollPixels(DX, DY)) {
             if (DX != 0 || DY != 0) ScrollDataInfo(DX, DY, DI);
         } else {
