@@ -42,6 +42,8 @@ struct TCustomControl::TImpl {
     void FontChanged();
     void TakeWidgetFont();
     void ApplyPalette();
+    // Another screen, perhaps with another scale.
+    void ScaleChanged();
     // Lays out viewport and bars of a hidden widget, for which Qt would wait until it is shown.
     void LayOut();
     // After anything that may have changed the client size: fits the surface and sends WM_SIZE.
@@ -85,6 +87,19 @@ struct TCustomControl::TImpl {
     bool WakeUpPosted = false;
     // Calls of handlers that Qt made through one of our child widgets and that are still running.
     int Dispatching = 0;
+    class TDispatch {
+    public:
+        explicit TDispatch(TImpl& AImpl) : Impl(AImpl), Guard(&AImpl.Control) { ++Impl.Dispatching; }
+        ~TDispatch() {
+            if (Guard) --Impl.Dispatching;
+        }
+        TDispatch(const TDispatch&) = delete;
+        TDispatch& operator=(const TDispatch&) = delete;
+
+    private:
+        TImpl& Impl;
+        TControlGuard Guard;
+    };
     int WheelDelta = 0;
     int HorizontalWheelDelta = 0;
     bool WheelHandled = false;

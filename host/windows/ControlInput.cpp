@@ -154,7 +154,7 @@ bool TCustomControl::TImpl::HandleMouse(QMouseEvent& Event) {
     }
     Event.accept();
     const TControlGuard Guard(&Control);
-    ++Dispatching;
+    const TDispatch Dispatch(*this);
     if (!DeliverWaiting()) return true;
     const TPoint Pos = ClientPos(Event);
     const std::intptr_t Where = MakePointParam(Pos.X, Pos.Y);
@@ -163,7 +163,6 @@ bool TCustomControl::TImpl::HandleMouse(QMouseEvent& Event) {
         if (!Guard) return true;
     }
     Control.Perform(Msg, ShiftFromQt(Event.modifiers(), Event.buttons()).Bits(), Where);
-    if (Guard) --Dispatching;
     return true;
 }
 
@@ -174,7 +173,7 @@ bool TCustomControl::TImpl::HandleWheel(QWheelEvent& Event) {
     const TShiftState Shift = ShiftFromQt(Event.modifiers(), Event.buttons());
     const QPoint Global = Event.globalPosition().toPoint();
     const TControlGuard Guard(&Control);
-    ++Dispatching;
+    const TDispatch Dispatch(*this);
     Event.accept();
     if (!DeliverWaiting()) return true;
     bool Handled = false;
@@ -197,7 +196,6 @@ bool TCustomControl::TImpl::HandleWheel(QWheelEvent& Event) {
             if (!Guard) return true;
         }
     }
-    --Dispatching;
     Event.setAccepted(Handled);
     return true;
 }

@@ -58,11 +58,9 @@ void TCustomControl::TImpl::SyncBar(int Bar) {
 
 void TCustomControl::TImpl::SendScroll(int Bar, unsigned Code, int Pos) {
     const TControlGuard Guard(&Control);
-    ++Dispatching;
+    const TDispatch Dispatch(*this);
     Control.Perform(Bar == SB_HORZ ? WM_HSCROLL : WM_VSCROLL, Code, Pos);
-    if (!Guard) return;
-    --Dispatching;
-    SyncBar(Bar);
+    if (Guard) SyncBar(Bar);
 }
 
 void TCustomControl::TImpl::BarAction(int Bar, int Action) {

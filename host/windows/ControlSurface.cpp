@@ -176,7 +176,12 @@ void TCustomControl::TImpl::AddInvalid(const QRegion& Region, bool Erase) {
     const QRect Bounds = Region.boundingRect();
     if (Invalid.rectCount() == 1 && Invalid.boundingRect().contains(Bounds)) return;
     Invalid += Region;
-    if (Invalid.rectCount() > MaxInvalidRects) Invalid = Invalid.boundingRect();
+    if (Invalid.rectCount() > 1) {
+        const QRect Whole = Invalid.boundingRect();
+        // Nearly all of the bounds: their rest costs less than clipping to the pieces.
+        if (Invalid.rectCount() > MaxInvalidRects || PixelsOf(Invalid) * 4 > PixelsOf(Whole) * 3)
+            Invalid = Whole;
+    }
     if (Control.isVisible()) Control.viewport()->update(Region);
 }
 

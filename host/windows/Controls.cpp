@@ -87,6 +87,8 @@ TCustomControl::TCustomControl(TComponent* AOwner, QWidget* AParent)
     FCanvas->SetFont(FFont.get());
     FCanvas->OnOpen = [this] { FImpl->CanvasOpened(); };
     FImpl->ApplyPalette();
+    // The canvas measures texts from the start, as they will be.
+    FImpl->Scale = FImpl->WindowScale();
     FImpl->BindCanvas();
     TFocusTracker::Add(this, [this](bool Inside) {
         auto& Waiting = FImpl->Waiting;
@@ -333,6 +335,19 @@ void TCustomControl::TImpl::ApplyPalette() {
     }
     Palette.setCurrentColorGroup(QPalette::Active);
     Control.FCanvas->SetPalette(Palette);
+}
+
+void TCustomControl::TImpl::ScaleChanged() {
+    const double NewScale = WindowScale();
+    if (NewScale == Scale) return;
+    if (Control.FHandleAllocated) {
+        FitSurface();
+    } else {
+        Scale = NewScale;
+        BindCanvas();
+    }
+    // Texts are shaped for the scale, so their sizes may differ by a rounding.
+    Control.Perform(CM_FONTCHANGED, 0, 0);
 }
 
 void TCustomControl::SetCtl3D(bool Value) {
