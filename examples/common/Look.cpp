@@ -38,7 +38,11 @@ void SetUpLook(bool Dark, bool RightToLeft) {
         QApplication::setStyle("Fusion");
     }
     if (Dark) {
-        QPalette Palette(QColor(53, 53, 56), QColor(35, 35, 38));
+        QPalette Palette(QColor(56, 56, 60), QColor(42, 42, 46));
+        Palette.setColor(QPalette::Base, QColor(30, 30, 33));
+        Palette.setColor(QPalette::Text, QColor(225, 225, 228));
+        Palette.setColor(QPalette::WindowText, QColor(225, 225, 228));
+        Palette.setColor(QPalette::ButtonText, QColor(225, 225, 228));
         Palette.setColor(QPalette::Highlight, QColor(38, 90, 150));
         Palette.setColor(QPalette::HighlightedText, Qt::white);
         Palette.setColor(QPalette::Link, QColor(110, 170, 255));

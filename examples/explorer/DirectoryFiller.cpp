@@ -149,6 +149,8 @@ void TDirectoryFiller::ExpandLevels(int Levels) {
         Nodes = std::move(Next);
     }
     FTree->GetItems()->EndUpdate();
+    // Each expansion scrolls.
+    FTree->SetTopRow(FTree->GetFixedRows());
 }
 
 void TDirectoryFiller::Refresh(TFlyNode* Node) {

@@ -177,8 +177,19 @@ void TOutlinerWindow::showEvent(QShowEvent* Event) {
 
 // --- view and state ----------------------------------------------------------------------------------------------
 
-void TOutlinerWindow::ExpandAll() { FTree->FullExpand(); }
-void TOutlinerWindow::CollapseAll() { FTree->FullCollapse(); }
+// What the user looks at stays at the top: each expansion on the way scrolls.
+void TOutlinerWindow::ExpandAll() {
+    TFlyNode* Top = FTree->GetTopItem();
+    FTree->FullExpand();
+    FTree->SetTopItem(Top);
+}
+
+void TOutlinerWindow::CollapseAll() {
+    TFlyNode* Top = FTree->GetTopItem();
+    while (Top && Top->GetParent()) Top = Top->GetParent();
+    FTree->FullCollapse();
+    FTree->SetTopItem(Top);
+}
 
 void TOutlinerWindow::ViewChanged() { FViewChanged = FOptions.Contains(tsnIncludeExpands); }
 

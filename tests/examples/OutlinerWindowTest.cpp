@@ -159,8 +159,39 @@ TEST_F(OutlinerWindow, SavesTheSameBytes) {
 }
 
 TEST_F(OutlinerWindow, FindsNodesByTypedLetters) {
-    QTest::keyClicks(Window.GetTree(), "th");
-    EXPECT_EQ(Window.GetTree()->GetSelection()->GetText(), "This");
+    QTest::keyClick(Window.GetTree(), Qt::Key_C);
+    EXPECT_EQ(Window.GetTree()->GetSelection()->GetText(), "Choice");
+}
+
+TEST_F(OutlinerWindow, ShowsTheTextsOfARowOnOneLine) {
+    Write("lines.nodes", "SaveOptions:8\r\nFirst\r\nH,H,H\r\n");
+    Window.OpenFile(Folder.File("lines.nodes"));
+    TOutlineTree* Tree = Window.GetTree();
+    for (const int Height : {20, 21, 24, 27, 40}) {
+        Tree->SetDefaultRowHeight(Height);
+        const QImage Image = Tree->GetSurfaceImage();
+        const double Scale = Tree->GetScale();
+        // The first and the last line of pixels that the letter in a cell touches.
+        const auto Extent = [&](int Col) {
+            const TRect Cell = Tree->CellRect(Col, 2);
+            const int Left =
+                static_cast<int>((Cell.Right - Cell.Width() * (Col == 0 ? 0.7 : 1.0)) * Scale) + 1;
+            int First = -1;
+            int Last = -1;
+            for (int Y = static_cast<int>(Cell.Top * Scale); Y < static_cast<int>(Cell.Bottom * Scale) - 1;
+                 ++Y) {
+                for (int X = Left; X < static_cast<int>(Cell.Right * Scale) - 2; ++X) {
+                    if (qGray(Image.pixel(X, Y)) > 120) continue;
+                    if (First < 0) First = Y;
+                    Last = Y;
+                }
+            }
+            return std::pair(First, Last);
+        };
+        EXPECT_GE(Extent(1).first, 0);
+        EXPECT_EQ(Extent(1), Extent(2)) << "rows of " << Height;
+        EXPECT_EQ(Extent(0), Extent(1)) << "rows of " << Height;
+    }
 }
 
 TEST_F(OutlinerWindow, CopiesRowsAsLines) {
