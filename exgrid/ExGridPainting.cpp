@@ -255,7 +255,7 @@ void TCustomExGrid::InvalidateGrid() { Invalidate(); }
 // Covers whatever is visible of the range, its lines included. GridRectToScreenRect gives less when the range ends
 // out of view after fixed cells.
 void TCustomExGrid::InvalidateRect(const TGridRect& GridRect) {
-    if (!HandleAllocated()) return;
+    if (!HandleAllocated() || IsAllInvalid()) return;
     TExGridDI DI;
     CalcDI(DI);
     TRect R;
