@@ -5,10 +5,12 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <qdrawutil.h>
 #include <QFocusEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTimerEvent>
 #include <QWheelEvent>
@@ -51,6 +53,13 @@ bool YieldsText(const QKeyEvent& Event) {
     const bool Alt = Event.modifiers().testFlag(Qt::AltModifier);
     if (Event.modifiers().testFlag(Qt::MetaModifier) || (Alt && !Ctrl)) return false;
     return Alt || !Ctrl || Text.at(0).unicode() < 32 || Text.at(0).unicode() == 127;
+}
+
+QColor FrameColor(const QPalette& Palette) {
+    const QColor Text = Palette.color(QPalette::WindowText);
+    const QColor Window = Palette.color(QPalette::Window);
+    return {(Text.red() + Window.red()) / 2, (Text.green() + Window.green()) / 2,
+            (Text.blue() + Window.blue()) / 2};
 }
 
 unsigned ClipboardMessage(const QKeyEvent& Event) {
@@ -387,8 +396,17 @@ bool TCustomControl::event(QEvent* Event) {
         FImpl->CancelPress();
         break;
     case QEvent::ScreenChangeInternal:
-        FImpl->FitSurface();
+        FImpl->ScaleChanged();
         break;
+    case QEvent::Paint: {
+        const bool Result = QAbstractScrollArea::event(Event);
+        // Qt draws a plain frame in the text's colour, which is too loud around a whole control.
+        if (frameStyle() == (QFrame::Box | QFrame::Plain)) {
+            QPainter Painter(this);
+            qDrawPlainRect(&Painter, frameRect(), FrameColor(palette()), lineWidth());
+        }
+        return Result;
+    }
     case QEvent::Wheel:
         // Comes up from the viewport or a bar when the control did not use it; the parents' turn.
         Event->ignore();

@@ -52,6 +52,8 @@ struct TCase {
     std::function<void(TScene&)> Act;
 };
 
+void PrintTo(const TCase& Case, std::ostream* Out) { *Out << Case.Name; }
+
 // Scroll messages have no event of their own.
 struct TMessageHook : TLogControl {
     unsigned Msg = 0;
