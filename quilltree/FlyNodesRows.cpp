@@ -287,13 +287,9 @@ TFlyNode* TFlyNodes::MaterialiseRow(int Index) {
 }
 
 bool TFlyNodes::ClearSelectedRows(int& First, int& Last) {
-    First = RowList.FindSelected(0);
-    if (First < 0) return false;
-    for (int Row = First; Row >= 0; Row = RowList.FindSelected(Row + 1)) {
-        RowList.NodeAt(Row)->SetSelectedField(false);
-        Last = Row;
-    }
-    return true;
+    const int Cleared = RowList.FList.ClearMarks(First, Last);
+    FAnchor->Selected -= Cleared;
+    return Cleared > 0;
 }
 
 void TFlyNodes::SelectRows(int First, int Last, bool Value) {

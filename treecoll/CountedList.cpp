@@ -7,6 +7,7 @@
 #include <bit>
 #include <cassert>
 #include <cstring>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int PosBits = 7;
 constexpr std::uint32_t PosMask = (1u << PosBits) - 1;
+constexpr int GroupSize = 16;
 constexpr int NoInner = -1;
 constexpr int FreeLeaf = -2;
 
@@ -35,14 +37,53 @@ struct TCountedList<Which>::TTree {
         std::int32_t Parent = FreeLeaf;
         std::uint8_t Count = 0;
         std::uint8_t Marked = 0;
+        // Where the leaf was last found in its parent.
+        mutable std::uint8_t SlotHint = 0;
     };
     struct TInner {
         int Parent = NoInner;
         int Count = 0;
         bool OverLeaves = true;
-        // Entries below each child, and the child's number: a leaf's or an inner node's.
-        std::array<int, InnerMax> Sizes;
+        mutable std::uint8_t SlotHint = 0;
+        // Entries below each child, and the child's number: a leaf's or an inner node's. Sizes behind the last child
+        // are zero. Sums holds the sizes of GroupSize children at a time, so that a search looks at few numbers.
+        std::array<int, InnerMax> Sizes{};
+        std::array<int, InnerMax / GroupSize> Sums{};
         std::array<int, InnerMax> Ids;
+
+        void Add(int Slot, int Delta) {
+            Sizes[U(Slot)] += Delta;
+            Sums[U(Slot / GroupSize)] += Delta;
+        }
+        // Makes the sums right from child From on.
+        void Resum(int From) {
+            for (int Group = From / GroupSize; Group < InnerMax / GroupSize; ++Group) {
+                int Sum = 0;
+                for (int i = 0; i < GroupSize; ++i) Sum += Sizes[U(Group * GroupSize + i)];
+                Sums[U(Group)] = Sum;
+            }
+        }
+        // The child with position Index, which becomes the position in it.
+        int ChildAt(int& Index) const {
+            int Group = 0;
+            while (Index >= Sums[U(Group)]) Index -= Sums[U(Group++)];
+            int Slot = Group * GroupSize;
+            while (Index >= Sizes[U(Slot)]) Index -= Sizes[U(Slot++)];
+            return Slot;
+        }
+        // The number of entries before child Slot.
+        int Before(int Slot) const {
+            int Sum = 0;
+            const int Group = Slot / GroupSize;
+            for (int i = 0; i < Group; ++i) Sum += Sums[U(i)];
+            for (int i = Group * GroupSize; i < Slot; ++i) Sum += Sizes[U(i)];
+            return Sum;
+        }
+        int Total() const {
+            int Sum = 0;
+            for (const int Group : Sums) Sum += Group;
+            return Sum;
+        }
     };
     // The place of a leaf in the inner node above it.
     struct TCursor {
@@ -77,7 +118,7 @@ struct TCountedList<Which>::TTree {
         if (!FreeLeaves.empty()) {
             const int Leaf = FreeLeaves.back();
             FreeLeaves.pop_back();
-            Info(Leaf) = {NoInner, 0, 0};
+            Info(Leaf) = {NoInner};
             return Leaf;
         }
         const int Leaf = static_cast<int>(Leaves.size());
@@ -86,7 +127,7 @@ struct TCountedList<Which>::TTree {
             const int Size = Slab == 0 ? FirstSlab : FirstSlab << (Slab - 1);
             Slabs.push_back(std::make_unique_for_overwrite<TTreeSlot*[]>(U(Size) * LeafMax));
         }
-        Leaves.push_back({NoInner, 0, 0});
+        Leaves.push_back({NoInner});
         return Leaf;
     }
     void DropLeaf(int Leaf) {
@@ -106,6 +147,8 @@ struct TCountedList<Which>::TTree {
         N.Parent = NoInner;
         N.Count = 0;
         N.OverLeaves = OverLeaves;
+        N.Sizes.fill(0);
+        N.Sums.fill(0);
         return Id;
     }
     void DropInner(int Id) { FreeInners.push_back(Id); }
@@ -124,11 +167,15 @@ struct TCountedList<Which>::TTree {
         return Result;
     }
 
-    int SlotOf(const TInner& Parent, int Id) const {
+    static int SlotOf(const TInner& Parent, int Id, std::uint8_t& Hint) {
+        if (Hint < Parent.Count && Parent.Ids[Hint] == Id) return Hint;
         int i = 0;
         while (Parent.Ids[U(i)] != Id) ++i;
+        Hint = static_cast<std::uint8_t>(i);
         return i;
     }
+    int SlotOfInner(int Id) const { return SlotOf(Inner(Inner(Id).Parent), Id, Inner(Id).SlotHint); }
+    int SlotOfLeaf(int Leaf) const { return SlotOf(Inner(Info(Leaf).Parent), Leaf, Info(Leaf).SlotHint); }
     void SetChildParent(const TInner& N, int Slot, int Parent) {
         if (N.OverLeaves) {
             Info(N.Ids[U(Slot)]).Parent = Parent;
@@ -136,17 +183,11 @@ struct TCountedList<Which>::TTree {
             Inner(N.Ids[U(Slot)]).Parent = Parent;
         }
     }
-    int SizeOf(const TInner& N) const {
-        int Sum = 0;
-        for (int i = 0; i < N.Count; ++i) Sum += N.Sizes[U(i)];
-        return Sum;
-    }
     // Adds Delta to the counts on the way from the child Slot of Id to the root.
     void AddToCounts(int Id, int Slot, int Delta) {
-        Inner(Id).Sizes[U(Slot)] += Delta;
-        while (Inner(Id).Parent != NoInner) {
-            const int Parent = Inner(Id).Parent;
-            Inner(Parent).Sizes[U(SlotOf(Inner(Parent), Id))] += Delta;
+        Inner(Id).Add(Slot, Delta);
+        for (int Parent = Inner(Id).Parent; Parent != NoInner; Parent = Inner(Id).Parent) {
+            Inner(Parent).Add(SlotOfInner(Id), Delta);
             Id = Parent;
         }
     }
@@ -164,8 +205,7 @@ struct TCountedList<Which>::TTree {
         const int Wanted = Index;
         const TInner* N = &Inner(Root);
         for (;;) {
-            int Slot = 0;
-            while (Index >= N->Sizes[U(Slot)]) Index -= N->Sizes[U(Slot++)];
+            const int Slot = N->ChildAt(Index);
             if (N->OverLeaves) {
                 CachedLeaf = N->Ids[U(Slot)];
                 CachedStart = Wanted - Index;
@@ -185,23 +225,24 @@ struct TCountedList<Which>::TTree {
         }
         const TInner* N = &Inner(Root);
         for (;;) {
-            int Slot = 0;
-            while (Slot + 1 < N->Count && Index > N->Sizes[U(Slot)]) Index -= N->Sizes[U(Slot++)];
+            // The child of the entry before Index; the first one for the very start.
+            int Before = Index - 1;
+            const int Slot = Index == 0 ? 0 : N->ChildAt(Before);
+            if (Index > 0) Index = Before + 1;
             if (N->OverLeaves) return N->Ids[U(Slot)];
             N = &Inner(N->Ids[U(Slot)]);
         }
     }
     TCursor CursorOf(int Leaf) const {
         const int Parent = Info(Leaf).Parent;
-        return {Parent, SlotOf(Inner(Parent), Leaf)};
+        return {Parent, SlotOfLeaf(Leaf)};
     }
     int StartOf(int Leaf) const {
         if (Leaf == CachedLeaf) return CachedStart;
-        int Start = 0;
-        int Child = Leaf;
-        for (int Id = Info(Leaf).Parent; Id != NoInner; Child = Id, Id = Inner(Id).Parent) {
-            const TInner& N = Inner(Id);
-            for (int i = 0; N.Ids[U(i)] != Child; ++i) Start += N.Sizes[U(i)];
+        int Id = Info(Leaf).Parent;
+        int Start = Inner(Id).Before(SlotOfLeaf(Leaf));
+        for (; Inner(Id).Parent != NoInner; Id = Inner(Id).Parent) {
+            Start += Inner(Inner(Id).Parent).Before(SlotOfInner(Id));
         }
         CachedLeaf = Leaf;
         CachedStart = Start;
@@ -238,7 +279,7 @@ struct TCountedList<Which>::TTree {
             }
             const int Parent = Inner(C.Inner).Parent;
             if (Parent == NoInner) return -1;
-            C = {Parent, SlotOf(Inner(Parent), C.Inner)};
+            C = {Parent, SlotOfInner(C.Inner)};
         }
     }
 
@@ -261,23 +302,26 @@ struct TCountedList<Which>::TTree {
             std::copy(L.Sizes.begin() + Split, L.Sizes.begin() + L.Count, R.Sizes.begin());
             std::copy(L.Ids.begin() + Split, L.Ids.begin() + L.Count, R.Ids.begin());
             L.Count = Split;
+            std::fill(L.Sizes.begin() + Split, L.Sizes.end(), 0);
+            L.Resum(0);
+            R.Resum(0);
             for (int i = 0; i < R.Count; ++i) SetChildParent(R, i, Right);
             if (At <= Split && Split < InnerMax) {
                 PutChild(Id, At, NewId, Size);
             } else {
                 PutChild(Right, At - Split, NewId, Size);
             }
-            const int RightSize = SizeOf(Inner(Right));
+            const int RightSize = Inner(Right).Total();
             if (Inner(Id).Parent == NoInner) {
                 const int NewRoot = NewInner(false);
-                PutChild(NewRoot, 0, Id, SizeOf(Inner(Id)));
+                PutChild(NewRoot, 0, Id, Inner(Id).Total());
                 PutChild(NewRoot, 1, Right, RightSize);
                 Root = NewRoot;
                 return;
             }
             const int Parent = Inner(Id).Parent;
-            Slot = SlotOf(Inner(Parent), Id);
-            Inner(Parent).Sizes[U(Slot)] = SizeOf(Inner(Id));
+            Slot = SlotOfInner(Id);
+            Inner(Parent).Add(Slot, Inner(Id).Total() - Inner(Parent).Sizes[U(Slot)]);
             Id = Parent;
             NewId = Right;
             Size = RightSize;
@@ -290,6 +334,7 @@ struct TCountedList<Which>::TTree {
         N.Sizes[U(At)] = Size;
         N.Ids[U(At)] = Child;
         ++N.Count;
+        N.Resum(At);
         SetChildParent(N, At, Id);
     }
     // Makes an empty leaf behind Leaf.
@@ -394,6 +439,8 @@ struct TCountedList<Which>::TTree {
         std::copy(N.Sizes.begin() + Slot + Count, N.Sizes.begin() + N.Count, N.Sizes.begin() + Slot);
         std::copy(N.Ids.begin() + Slot + Count, N.Ids.begin() + N.Count, N.Ids.begin() + Slot);
         N.Count -= Count;
+        std::fill(N.Sizes.begin() + N.Count, N.Sizes.begin() + N.Count + Count, 0);
+        N.Resum(Slot);
     }
     // Frees everything below Id and Id itself; returns the number of marked entries that went.
     int DropSubtree(int Id) {
@@ -424,8 +471,7 @@ struct TCountedList<Which>::TTree {
     int Delete(int Id, int From, int Count) {
         TInner& N = Inner(Id);
         int Marked = 0;
-        int Slot = 0;
-        while (From >= N.Sizes[U(Slot)]) From -= N.Sizes[U(Slot++)];
+        int Slot = N.ChildAt(From);
         int FirstGone = -1;
         int GoneCount = 0;
         while (Count > 0) {
@@ -438,7 +484,7 @@ struct TCountedList<Which>::TTree {
             } else {
                 const int Child = N.Ids[U(Slot)];
                 Marked += N.OverLeaves ? DeleteInLeaf(Child, From, Here) : Delete(Child, From, Here);
-                N.Sizes[U(Slot)] -= Here;
+                N.Add(Slot, -Here);
             }
             Count -= Here;
             From = 0;
@@ -488,7 +534,7 @@ struct TCountedList<Which>::TTree {
         for (int Id = C.Inner; Inner(Id).Parent != NoInner;) {
             const int Parent = Inner(Id).Parent;
             if (Inner(Id).Count < InnerMax / 4) {
-                const int Slot = SlotOf(Inner(Parent), Id);
+                const int Slot = SlotOfInner(Id);
                 const int Left = Slot > 0 ? Slot - 1 : Slot;
                 const TInner& P = Inner(Parent);
                 if (Left + 1 < P.Count &&
@@ -509,7 +555,7 @@ struct TCountedList<Which>::TTree {
         L.Count = static_cast<std::uint8_t>(Old + Info(Right).Count);
         L.Marked = static_cast<std::uint8_t>(L.Marked + Info(Right).Marked);
         WriteRefs(Left, Old);
-        N.Sizes[U(Slot)] += N.Sizes[U(Slot + 1)];
+        N.Add(Slot, N.Sizes[U(Slot + 1)]);
         DropLeaf(Right);
         RemoveChild(Id, Slot + 1, 1);
     }
@@ -520,7 +566,7 @@ struct TCountedList<Which>::TTree {
         TInner& L = Inner(Left);
         const TInner& R = Inner(Right);
         for (int i = 0; i < R.Count; ++i) PutChild(Left, L.Count, R.Ids[U(i)], R.Sizes[U(i)]);
-        P.Sizes[U(Slot)] += P.Sizes[U(Slot + 1)];
+        P.Add(Slot, P.Sizes[U(Slot + 1)]);
         DropInner(Right);
         RemoveChild(Parent, Slot + 1, 1);
     }
@@ -534,6 +580,10 @@ struct TCountedList<Which>::TTree {
         Require(N.Parent == Parent, "an inner node knows its parent");
         Require(N.Count > 0 && N.Count <= InnerMax, "an inner node has children, and not too many");
         int Sum = 0;
+        for (int i = N.Count; i < InnerMax; ++i)
+            Require(N.Sizes[U(i)] == 0, "nothing is behind the last child");
+        Require(N.Total() == std::accumulate(N.Sizes.begin(), N.Sizes.end(), 0),
+                "sums are those of the sizes");
         for (int i = 0; i < N.Count; ++i) {
             const int Child = N.Ids[U(i)];
             int Size = 0;
@@ -846,6 +896,31 @@ int TCountedList<Which>::FindBackward(int From, bool Value) const {
         if (Leaf >= 0) Pos = FTree->Info(Leaf).Count - 1;
     }
     return -1;
+}
+
+template <int Which>
+int TCountedList<Which>::ClearMarks(int& First, int& Last) {
+    const int Cleared = FMarked;
+    if (Cleared == 0) return 0;
+    First = FindForward(0, true);
+    Last = FindBackward(FCount - 1, true);
+    const auto ClearIn = [](std::span<TTreeSlot* const> Entries) {
+        for (TTreeSlot* Entry : Entries) Entry->FWords[Which] &= ~TTreeSlot::MarkBit;
+    };
+    for (int i = First; i <= Last;) {
+        const auto Chunk = ChunkAt(i);
+        i += static_cast<int>(Chunk.size());
+        if (!FTree) {
+            ClearIn(Chunk);
+            continue;
+        }
+        auto& Info = FTree->Info(FTree->CachedLeaf);
+        if (Info.Marked == 0) continue;
+        ClearIn(Chunk);
+        Info.Marked = 0;
+    }
+    FMarked = 0;
+    return Cleared;
 }
 
 template <int Which>

@@ -25,7 +25,7 @@ class TCountedList {
 public:
     static constexpr int SmallMax = 512;
     static constexpr int LeafMax = 128;
-    static constexpr int InnerMax = 64;
+    static constexpr int InnerMax = 128;
 
     TCountedList();
     ~TCountedList();
@@ -72,6 +72,10 @@ public:
     // Index of the first entry at or after (at or before) From whose mark is Value; -1 when there is none.
     int FindForward(int From, bool Value) const;
     int FindBackward(int From, bool Value) const;
+
+    // Takes the marks of all entries away; First and Last get the positions of the first and the last one that had
+    // one. Returns how many had.
+    int ClearMarks(int& First, int& Last);
 
     // Throws std::logic_error that names the broken rule. Costs O(n).
     void CheckInvariants() const;

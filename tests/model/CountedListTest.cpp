@@ -1,5 +1,6 @@
 #include "treecoll/CountedList.h"
 
+#include <algorithm>
 #include <deque>
 #include <gtest/gtest.h>
 #include <random>
@@ -78,6 +79,14 @@ void RandomSteps(unsigned Seed, int Steps) {
             break;
         default:
             if (At < Count) List.SetMark(Naive[static_cast<std::size_t>(At)], Upto(1) == 0);
+        }
+        if (Step % 400 == 399) {
+            const auto Marked = std::count_if(Naive.begin(), Naive.end(), TList::IsMarked);
+            int First = 0;
+            int Last = 0;
+            ASSERT_EQ(List.ClearMarks(First, Last), Marked);
+            ASSERT_EQ(List.GetMarkedCount(), 0);
+            ASSERT_TRUE(std::none_of(Naive.begin(), Naive.end(), TList::IsMarked));
         }
         const int Now = static_cast<int>(Naive.size());
         ASSERT_EQ(List.GetCount(), Now);
