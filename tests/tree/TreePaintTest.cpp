@@ -184,7 +184,7 @@ TEST(TreePaint, TextsOfAllColumnsStandOnOneLineInTallRows) {
     const auto Top = [&](int Left, int Right) {
         for (int Y = 0; Y < 90; ++Y) {
             for (int X = Left; X < Right; ++X) {
-                if ((Canvas.GetImage().pixel(X, Y) & 0xFFFFFF) == 0) return Y;
+                if (qGray(Canvas.GetImage().pixel(X, Y)) < 160) return Y;
             }
         }
         return -1;
