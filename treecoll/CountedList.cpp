@@ -33,6 +33,7 @@ std::size_t U(int Value) { return static_cast<std::size_t>(Value); }
 // so that thousands of leaves are freed by passing their numbers on.
 template <int Which>
 struct TCountedList<Which>::TTree {
+    static constexpr int GroupCount = InnerMax / GroupSize;
     struct TLeafInfo {
         std::int32_t Parent = FreeLeaf;
         std::uint8_t Count = 0;
@@ -46,44 +47,49 @@ struct TCountedList<Which>::TTree {
         bool OverLeaves = true;
         mutable std::uint8_t SlotHint = 0;
         // Entries below each child, and the child's number: a leaf's or an inner node's. Sizes behind the last child
-        // are zero. Sums holds the sizes of GroupSize children at a time, so that a search looks at few numbers.
+        // are zero.
         std::array<int, InnerMax> Sizes{};
-        std::array<int, InnerMax / GroupSize> Sums{};
         std::array<int, InnerMax> Ids;
+        // Running sums: of the sizes within their group, and of the groups. With them a child is found, and a
+        // position told, without a branch that depends on the data; a wrongly foreseen branch costs more than all
+        // the rest.
+        std::array<int, InnerMax> Ends{};
+        std::array<int, GroupCount> GroupEnds{};
 
         void Add(int Slot, int Delta) {
             Sizes[U(Slot)] += Delta;
-            Sums[U(Slot / GroupSize)] += Delta;
+            const int Group = Slot / GroupSize;
+            for (int i = Slot; i < (Group + 1) * GroupSize; ++i) Ends[U(i)] += Delta;
+            for (int i = Group; i < GroupCount; ++i) GroupEnds[U(i)] += Delta;
         }
         // Makes the sums right from child From on.
         void Resum(int From) {
-            for (int Group = From / GroupSize; Group < InnerMax / GroupSize; ++Group) {
+            for (int Group = From / GroupSize; Group < GroupCount; ++Group) {
                 int Sum = 0;
-                for (int i = 0; i < GroupSize; ++i) Sum += Sizes[U(Group * GroupSize + i)];
-                Sums[U(Group)] = Sum;
+                for (int i = Group * GroupSize; i < (Group + 1) * GroupSize; ++i) {
+                    Sum += Sizes[U(i)];
+                    Ends[U(i)] = Sum;
+                }
+                GroupEnds[U(Group)] = Sum + (Group > 0 ? GroupEnds[U(Group - 1)] : 0);
             }
         }
         // The child with position Index, which becomes the position in it.
         int ChildAt(int& Index) const {
             int Group = 0;
-            while (Index >= Sums[U(Group)]) Index -= Sums[U(Group++)];
-            int Slot = Group * GroupSize;
-            while (Index >= Sizes[U(Slot)]) Index -= Sizes[U(Slot++)];
+            for (int i = 0; i < GroupCount; ++i) Group += GroupEnds[U(i)] <= Index ? 1 : 0;
+            const int InGroup = Index - (Group > 0 ? GroupEnds[U(Group - 1)] : 0);
+            const int First = Group * GroupSize;
+            int Slot = First;
+            for (int i = 0; i < GroupSize; ++i) Slot += Ends[U(First + i)] <= InGroup ? 1 : 0;
+            Index = InGroup - (Slot > First ? Ends[U(Slot - 1)] : 0);
             return Slot;
         }
         // The number of entries before child Slot.
         int Before(int Slot) const {
-            int Sum = 0;
             const int Group = Slot / GroupSize;
-            for (int i = 0; i < Group; ++i) Sum += Sums[U(i)];
-            for (int i = Group * GroupSize; i < Slot; ++i) Sum += Sizes[U(i)];
-            return Sum;
+            return (Group > 0 ? GroupEnds[U(Group - 1)] : 0) + (Slot % GroupSize > 0 ? Ends[U(Slot - 1)] : 0);
         }
-        int Total() const {
-            int Sum = 0;
-            for (const int Group : Sums) Sum += Group;
-            return Sum;
-        }
+        int Total() const { return GroupEnds[GroupCount - 1]; }
     };
     // The place of a leaf in the inner node above it.
     struct TCursor {
@@ -148,7 +154,7 @@ struct TCountedList<Which>::TTree {
         N.Count = 0;
         N.OverLeaves = OverLeaves;
         N.Sizes.fill(0);
-        N.Sums.fill(0);
+        N.Resum(0);
         return Id;
     }
     void DropInner(int Id) { FreeInners.push_back(Id); }
