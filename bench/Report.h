@@ -20,7 +20,8 @@ private:
 };
 
 // The median of Runs timings of Work, in milliseconds; Prepare runs before each, untimed.
-template <class TPrepare, class TWork> double Median(int Runs, TPrepare Prepare, TWork Work) {
+template <class TPrepare, class TWork>
+double Median(int Runs, TPrepare Prepare, TWork Work) {
     std::vector<double> Times;
     for (int Run = 0; Run < Runs; ++Run) {
         Prepare();
@@ -32,17 +33,19 @@ template <class TPrepare, class TWork> double Median(int Runs, TPrepare Prepare,
     return Times[static_cast<std::size_t>(Runs / 2)];
 }
 
-template <class TWork> double Median(int Runs, TWork Work) {
-    return Median(Runs, [] {}, Work);
+template <class TWork>
+double Median(int Runs, TWork Work) {
+    return Median(
+        Runs, [] {}, Work);
 }
 
 // One figure beside what it is measured against: the ratio of both and the ratio allowed. Fields are separated by
 // tabs: workload, figure, unit, reference's name, reference's figure, ratio, allowed ratio, verdict.
-inline void Report(const std::string& Workload, double Figure, const std::string& Unit, const std::string& Reference,
-                   double ReferenceFigure, double Allowed) {
+inline void Report(const std::string& Workload, double Figure, const std::string& Unit,
+                   const std::string& Reference, double ReferenceFigure, double Allowed) {
     const double Ratio = ReferenceFigure > 0 ? Figure / ReferenceFigure : 0;
-    std::printf("%s\t%.4g\t%s\t%s\t%.4g\t%.2f\t%.2f\t%s\n", Workload.c_str(), Figure, Unit.c_str(), Reference.c_str(),
-                ReferenceFigure, Ratio, Allowed, Ratio <= Allowed ? "ok" : "MISSED");
+    std::printf("%s\t%.4g\t%s\t%s\t%.4g\t%.2f\t%.2f\t%s\n", Workload.c_str(), Figure, Unit.c_str(),
+                Reference.c_str(), ReferenceFigure, Ratio, Allowed, Ratio <= Allowed ? "ok" : "MISSED");
     std::fflush(stdout);
 }
 
