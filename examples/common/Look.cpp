@@ -77,10 +77,11 @@ void SetUpTree(TCustomQuillTree& Tree) {
     Tree.SetDefaultRowHeight(std::max(PictureSize + 4, Tree.GetCanvas()->TextHeight("Ag") + RowPadding));
     Tree.SetFixedCols(0);
     Tree.SetFixedRows(1);
+    Tree.SetFixedRowAsButton(true);
     Tree.SetFixedLineColor(clBtnShadow);
     Tree.SetLineColor(clBtnFace);
-    Tree.SetOptions(
-        {goFixedVertLine, goFixedHorzLine, goRangeSelect, goColSizing, goRowSelect, goThumbTracking});
+    // Without vertical lines a selected row is coloured in one piece; the captions are told apart by their frames.
+    Tree.SetOptions({goFixedHorzLine, goRangeSelect, goColSizing, goRowSelect, goThumbTracking});
     Tree.SetFitColumnToClientWidth(true);
     Tree.SetHotTrackColor(ColorOf(Tree.palette().color(QPalette::Link)));
     Tree.SetBorderStyle(bsNone);

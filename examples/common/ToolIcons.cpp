@@ -59,7 +59,8 @@ QPixmap Draw(TToolIcon Icon, const QColor& Color, qreal Scale) {
     Pixmap.fill(Qt::transparent);
     QPainter Painter(&Pixmap);
     Painter.setRenderHint(QPainter::Antialiasing);
-    Painter.setPen(QPen(Color, 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    // Lines of one device pixel are crisp, but too thin where pixels are small.
+    Painter.setPen(QPen(Color, Scale > 1 ? 1.25 : 1.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     Painter.drawPath(Outline(Icon));
     return Pixmap;
 }

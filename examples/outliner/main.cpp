@@ -37,7 +37,7 @@ TArguments ReadArguments() {
     Parser.addOptions({
         {"file", "Open FILE.", "FILE"},
         {"expand-all", "Open all nodes first."},
-        {"style", "Draw the outline as NAME: standard, explorer or solid.", "NAME", "standard"},
+        {"outline-style", "Draw the outline as NAME: standard, explorer or solid.", "NAME", "standard"},
         {"roundtrip",
          "Load and save the FILES with all options that keep their fields, compare the bytes, and end."},
     });
@@ -58,10 +58,10 @@ TArguments ReadArguments() {
     }
 
     const std::map<QString, TOutlineStyle> Styles{
-        {"standard", olsStandardTree}, {"explorer", olsExplorer}, {"solid", olsExcel}, {"excel", olsExcel}};
-    const auto Style = Styles.find(Parser.value("style"));
+        {"standard", olsStandardTree}, {"explorer", olsExplorer}, {"solid", olsExcel}};
+    const auto Style = Styles.find(Parser.value("outline-style"));
     if (Style == Styles.end()) {
-        std::exit(ReportError("there is no outline style \"" + Parser.value("style").toStdString() + "\""));
+        std::exit(ReportError("there is no outline style \"" + Parser.value("outline-style").toStdString() + "\""));
     }
     Arguments.Style = Style->second;
     return Arguments;
