@@ -44,7 +44,7 @@ void TCustomExGrid::SetOptions(TGridOptions Value) {
 }
 
 void TCustomExGrid::SetGridLineWidth(int Value) {
-    if (Value == FGridLineWidth || Value < 0) return;
+    if (Value == FGridLineWidth || Value < 0 || Value > MaxLineWidth) return;
     FGridLineWidth = Value;
     InvalidateGrid();
     UpdateScrollRange();

@@ -58,7 +58,8 @@ public:
     int GetDefaultRowHeight() const { return FDefaultRowHeight; }
     void SetDefaultRowHeight(int Value);
     int GetGridLineWidth() const { return FGridLineWidth; }
-    // Pixels; 2 and more draws with geometric pens, a negative value is ignored.
+    // Pixels, 0 .. MaxLineWidth (others are ignored); 2 and more draws with geometric pens.
+    static constexpr int MaxLineWidth = 0x7FFF;
     void SetGridLineWidth(int Value);
     int GetLeftCol() const { return FTopLeft.X; }
     void SetLeftCol(int Value);
@@ -236,7 +237,7 @@ public:
     virtual bool CanScrollPixels(int DX, int DY);
     void UpdateScrollPos();
     void UpdateScrollRange();
-    virtual void TimedScroll(TGridScrollDirection Direction);
+    virtual void TimedScroll(TGridScrollDirections Direction);
     // Ends the timed scrolling.
     void StopDrag();
     // The mouse position in client pixels, as the timed scrolling reads it.

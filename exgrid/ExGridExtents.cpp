@@ -289,7 +289,10 @@ void TCustomExGrid::ResizeAxes(int NewColCount, int ColIndex, int NewRowCount, i
     } else {
         InvalidateGrid();
     }
+    const TGridCoord Kept = FTopLeft;
     UpdateScrollRange();
+    // The cells may have taken the origin with them; what the bars changed was reported already.
+    if (Guard && FTopLeft == Kept && FTopLeft != OldTopLeft) TopLeftMoved(OldTopLeft);
     if (Guard) SizeChanged(OldColCount, OldRowCount);
 }
 

@@ -23,7 +23,8 @@ void BlendOver(TCanvas& Target, int X, int Y, int Width, int Height, TCanvas& So
 class TOrientation {
 public:
     TOrientation(TCustomExGrid* Grid, bool Active, bool RightToLeft)
-        : FGrid(Grid), FGuard(Grid), FActive(Active), FBack(!RightToLeft) {
+        : FGrid(Grid), FGuard(Grid), FActive(Active),
+          FBack(Grid->GetCanvas()->GetCanvasOrientation() == coRightToLeft) {
         if (FActive) FGrid->ChangeGridOrientation(RightToLeft);
     }
     ~TOrientation() {

@@ -4,6 +4,7 @@
 #include "host/windows/Application.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace quill {
 
@@ -203,7 +204,9 @@ void TCustomExGrid::ModifyScrollBar(int ScrollBar, unsigned ScrollCode, unsigned
 
 // How far the only column can be scrolled, in pixels.
 int TCustomExGrid::GetSingleColumnRange(const TExGridDI& DI) {
-    return std::max(0, GetColWidths(0) - (DI.Horz.GridExtent - DI.Horz.FixedBoundary));
+    const std::int64_t Range =
+        std::int64_t{GetColWidths(0)} - (std::int64_t{DI.Horz.GridExtent} - DI.Horz.FixedBoundary);
+    return static_cast<int>(std::clamp<std::int64_t>(Range, 0, std::numeric_limits<int>::max()));
 }
 
 // Top goes to the far end and bottom to the start here; required so.
@@ -326,7 +329,7 @@ void TCustomExGrid::UpdateScrollRange() {
         };
         const auto HorzRange = [&] {
             if (!HasBar(SB_HORZ)) return 0;
-            if (FColCount == 1) return std::max(0, GetColWidths(0) - Width);
+            if (FColCount == 1) return std::max(0, std::max(0, GetColWidths(0)) - Width);
             return FFixedCols < MaxLeftIn(Width) ? BarScale : 0;
         };
         const auto SetRange = [this](int Bar, int Range) {
@@ -354,9 +357,9 @@ void TCustomExGrid::UpdateScrollRange() {
         SetScrollPage(SB_HORZ, FColCount == 1 ? Width
                                               : MulDiv(BarScale, FColCount - MaxTopLeft.X,
                                                        std::max(1, MaxTopLeft.X - FFixedCols)));
-        if (HasBar(SB_HORZ) && FColCount != 1 && MaxTopLeft.X < FTopLeft.X)
+        if (FColCount != 1 && MaxTopLeft.X < FTopLeft.X)
             FTopLeft.X = std::max(FFixedCols, MaxTopLeft.X);
-        if (HasBar(SB_VERT) && MaxTopLeft.Y < FTopLeft.Y) FTopLeft.Y = std::max(FFixedRows, MaxTopLeft.Y);
+        if (MaxTopLeft.Y < FTopLeft.Y) FTopLeft.Y = std::max(FFixedRows, MaxTopLeft.Y);
     }
     ShowScrollPos(MaxTopLeft);
     if (Guard && FTopLeft != OldTopLeft) TopLeftMoved(OldTopLeft);
@@ -429,7 +432,7 @@ void TCustomExGrid::WMTimer(TWMTimer& Message) {
                 Mirrored ? Pos.X > Width - DI.Horz.FixedBoundary : Pos.X < DI.Horz.FixedBoundary;
             const bool Right =
                 Mirrored ? Pos.X < Width - DI.Horz.FullVisBoundary : Pos.X > DI.Horz.FullVisBoundary;
-            TGridScrollDirection Direction;
+            TGridScrollDirections Direction;
             if (Left) Direction.Include(sdLeft);
             if (Right) Direction.Include(sdRight);
             if (Pos.Y < DI.Vert.FixedBoundary) Direction.Include(sdUp);
@@ -444,14 +447,15 @@ void TCustomExGrid::WMTimer(TWMTimer& Message) {
     if (Guard) TCustomControl::WMTimer(Message);
 }
 
-void TCustomExGrid::TimedScroll(TGridScrollDirection Direction) {
+void TCustomExGrid::TimedScroll(TGridScrollDirections Direction) {
     TGridCoord Corner = FAnchor;
     if (Direction.Contains(sdLeft) && Corner.X > FFixedCols) --Corner.X;
     if (Direction.Contains(sdRight) && Corner.X < FColCount - 1) ++Corner.X;
     if (Direction.Contains(sdUp) && Corner.Y > FFixedRows) --Corner.Y;
     if (Direction.Contains(sdDown) && Corner.Y < FRowCount - 1) ++Corner.Y;
     if (Corner == FAnchor) return;
-    if (FGridState == gsSelecting) {
+    // A range that the mouse draws keeps the cell where it began.
+    if (FGridState == gsSelecting && FDragStart != NoGridCoord) {
         ExtendDrag(Corner);
     } else {
         MoveAnchor(Corner);

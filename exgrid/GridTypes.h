@@ -78,6 +78,8 @@ struct TExGridDI {
 };
 
 enum TGridState { gsNormal, gsSelecting, gsRowSizing, gsColSizing, gsRowMoving, gsColMoving };
+// One of gsRowMoving and gsColMoving.
+using TGridMovement = TGridState;
 
 // Tells hooks what caused a move of the current cell.
 enum TSelectionWay { swNone, swByMouse, swByKeyBoard };
@@ -113,8 +115,8 @@ enum TExGridDrawStateValue {
 };
 using TExGridDrawState = TSet<TExGridDrawStateValue>;
 
-enum TGridScrollDirectionValue { sdLeft, sdRight, sdUp, sdDown };
-using TGridScrollDirection = TSet<TGridScrollDirectionValue>;
+enum TGridScrollDirection { sdLeft, sdRight, sdUp, sdDown };
+using TGridScrollDirections = TSet<TGridScrollDirection>;
 
 enum TScrollBarStyle { sbsRegular, sbsEncarta, sbsFlat };
 
