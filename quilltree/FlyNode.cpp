@@ -28,7 +28,7 @@ const TTreeCollectionClass* TFlyNode::InternalGetClass(const std::string&) const
 
 TFlyNode::TFlyNode(TTreeCollection* AOwner) : TTreeCollection(AOwner) {
     SetFlag(FlagNode, true);
-    FSpare = -1;
+    FSpare = -1; // the height
     if (!AOwner) return;
     TFlyNodes* Container = nullptr;
     if (AOwner->HasFlag(FlagContainer)) {
@@ -99,6 +99,7 @@ void TFlyNode::DestroySteps() {
 
 void TFlyNode::Delete() {
     if (HasFlag(FlagDestroying)) return;
+    SetFlag(FlagDeleting, true);
     if (TFlyNodes* const Container = ShownBy()) Container->DropRowsBelow(this);
     Free();
 }
@@ -153,10 +154,6 @@ void TFlyNode::Materialised(TTreeCollection* Item) {
 
 // --- owner and parent -----------------------------------------------------------------------------------------------
 
-TFlyNode* TFlyNode::AsNode(TTreeCollection* Item) {
-    return Item && Item->HasFlag(FlagNode) ? static_cast<TFlyNode*>(Item) : nullptr;
-}
-
 TFlyNode* TFlyNode::GetParent() const { return AsNode(GetCollection()); }
 
 TFlyNodes* TFlyNode::ShownBy() const {
@@ -178,7 +175,7 @@ void TFlyNode::SetOwnerField(TFlyNodes* Value) {
     TFlyNodes* const Old = GetOwner();
     if (Old == Value) return;
     // A row list holds nodes of its own container only; it forgets those that leave.
-    if (Old && Old->RowList.Remove(this) >= 0) Old->FRowsCurrent = false;
+    if (Old && Old->RowList.Take(this) >= 0) Old->FRowsCurrent = false;
     ReleaseAnchor();
     AcquireAnchor(Value ? Value->FAnchor : nullptr);
     SetHeightField(GetHeightField()); // the new container learns of a height of its own

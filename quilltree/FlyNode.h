@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/base/Errors.h"
 
@@ -54,6 +55,10 @@ public:
     // --- structure --------------------------------------------------------------------------------------------
     // The parent node; null for a top-level node.
     TFlyNode* GetParent() const;
+    // The item as a node; null when it is none.
+    static TFlyNode* AsNode(TTreeCollection* Item) {
+        return Item && Item->HasFlag(FlagNode) ? static_cast<TFlyNode*>(Item) : nullptr;
+    }
     // The container of the whole tree; null for a node outside any.
     TFlyNodes* GetOwner() const { return FAnchor ? FAnchor->Container : nullptr; }
     // Sets the container of this node and of everything below it.
@@ -125,7 +130,11 @@ public:
     int GetCellCount() const;
     // The stored cell, without asking the control; empty beyond the last one. Valid until the next change.
     std::string_view GetCellView(int Index) const;
-    // Stores a cell and nothing else (no repaint); a negative Index is ignored.
+    // All stored cells in one pass, put behind what stands in Cells; valid like GetCellView.
+    void AppendCells(std::vector<std::string_view>& Cells) const;
+    // A node has cells 0 .. MaxCells - 1; others are ignored, since the ones before them would have to exist.
+    static constexpr int MaxCells = 1 << 24;
+    // Stores a cell and nothing else (no repaint).
     void StoreCell(int Index, std::string_view Value);
     // Replaces text and cells in one step, and nothing else; WithCells False leaves no list of cells. For mass
     // loading.
@@ -289,7 +298,6 @@ private:
     std::unique_ptr<TExtras> MakeExtras() const override;
     TNodeExtras& NodeExtras();
     const TNodeExtras* NodeExtrasIfAny() const;
-    static TFlyNode* AsNode(TTreeCollection* Item);
     // The container that shows this node, when there is one with a host.
     TFlyNodes* ShownBy() const;
     // Sends nothing while the tree is loaded or inside a bracket.
@@ -308,6 +316,8 @@ private:
     void ExpandRows();
     void CollapseRows();
     void FitGridRows();
+    void ListVisibleBelow(TFlyNode* Node, int& Position);
+    void UnlistBelow(TFlyNode* Node);
     void ScrollChildrenIntoView();
     void FillWindowAfterCollapse();
     void MoveRowsTo(const TTreeSlot* Target);

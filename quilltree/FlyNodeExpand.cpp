@@ -271,20 +271,30 @@ void TFlyNode::ExpandRows() {
         return;
     }
     int Position = -1;
-    ExpandNodeList(this, this, Position, false);
+    ListVisibleBelow(this, Position);
 }
 
 void TFlyNode::CollapseRows() {
     TFlyNodes* const Container = GetOwner();
     const bool AllSelectedHaveRows = FAnchor->Selected == Container->RowList.GetSelectedCount();
     if (!Container->FRowsCurrent || !AllSelectedHaveRows) {
-        CollapseNodeList(this, this, false);
+        UnlistBelow(this);
     } else if (IsNodeVisible()) {
         Container->RemoveRowsBelow(this);
     }
 }
 
 void TFlyNode::ExpandNodeList(TFlyNode*, TFlyNode* Node, int& Position, bool) {
+    ListVisibleBelow(Node, Position);
+    if (TFlyNodes* const Container = GetOwner()) Container->RowListChanged();
+}
+
+void TFlyNode::CollapseNodeList(TFlyNode*, TFlyNode* Node, bool) {
+    UnlistBelow(Node);
+    if (TFlyNodes* const Container = GetOwner()) Container->RowListChanged();
+}
+
+void TFlyNode::ListVisibleBelow(TFlyNode* Node, int& Position) {
     TFlyNodes* const Container = GetOwner();
     if (!Container || !Node) return;
     TRowList& Rows = Container->RowList;
@@ -299,14 +309,14 @@ void TFlyNode::ExpandNodeList(TFlyNode*, TFlyNode* Node, int& Position, bool) {
     Position = std::min(Position, Rows.GetCount());
     for (TTreeSlot* Entry : Entries) {
         Container->TakeOver(Entry);
-        const int Old = Rows.Remove(Entry);
+        const int Old = Rows.Take(Entry);
         if (Old >= 0 && Old < Position) --Position;
     }
     Rows.FList.InsertRange(Position, Entries);
     Position += static_cast<int>(Entries.size());
 }
 
-void TFlyNode::CollapseNodeList(TFlyNode*, TFlyNode* Node, bool) {
+void TFlyNode::UnlistBelow(TFlyNode* Node) {
     TFlyNodes* const Container = GetOwner();
     if (!Container || !Node || !Node->GetExpanded()) return;
     bool AnySelected = false;
@@ -315,7 +325,7 @@ void TFlyNode::CollapseNodeList(TFlyNode*, TFlyNode* Node, bool) {
         const TFlyNode* const Parent = Open.back();
         Open.pop_back();
         for (TTreeSlot* Slot = Parent->FirstSlot(); Slot; Slot = Parent->GetChildList()->Next(Slot)) {
-            Container->RowList.Remove(Slot);
+            Container->RowList.Take(Slot);
             if (Slot->IsPlaceholder()) continue;
             TFlyNode* const Child = AsNode(static_cast<TTreeCollection*>(Slot));
             if (!Child) continue;

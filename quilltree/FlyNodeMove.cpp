@@ -185,7 +185,7 @@ void TFlyNode::AssignFields(TFlyNode* Source) {
         FUniqueTag = Source->GetUniqueTag();
         if (!Source->HasCells()) return;
         std::vector<std::string_view> Cells;
-        for (int i = 0; i < Source->GetCellCount(); ++i) Cells.push_back(Source->GetCellView(i));
+        Source->AppendCells(Cells);
         if (Source != this) StoreTexts(GetTextView(), Cells);
     });
 }
@@ -261,6 +261,7 @@ void TFlyNode::DeleteChildren() {
         Container->FHost->SetClearing(false);
         Container->FHost->FixupRows();
     }
+    if (Self && GetCount() == 0) SetExpandedField(false); // placeholders go without saying so
     if (Self && ContainerWatch) {
         if (WasSelected) SetSelected(true);
         const int Row = Self ? GetRow() : -1;

@@ -32,7 +32,7 @@ void TFlyNode::InvalidateStructureCell() {
 
 void TFlyNode::SetCaption(const std::string& Value) {
     TTreeCollection::SetCaption(Value);
-    if (IsQuiet() || GetRow() < 0) return;
+    if (IsQuiet()) return;
     INodeHost* const Host = GetHost();
     if (!Host->GetFitToHeight() || Value.empty()) {
         InvalidateStructureCell();
@@ -83,12 +83,23 @@ std::string_view TFlyNode::GetCellView(int Index) const {
     return Index >= 0 && Index < List.GetCount() ? std::string_view(List.Get(Index)) : std::string_view();
 }
 
+void TFlyNode::AppendCells(std::vector<std::string_view>& Cells) const {
+    if (!HasFlag(FlagListCells)) {
+        Texts().AppendCells(Cells);
+        return;
+    }
+    const TStringList& List = *NodeExtrasIfAny()->Cells;
+    for (int i = 0; i < List.GetCount(); ++i) Cells.push_back(List.Get(i));
+}
+
 TStringList* TFlyNode::GetCells() {
     if (!HasCells()) return nullptr;
     TNodeExtras& Extra = NodeExtras();
     if (!HasFlag(FlagListCells)) {
         auto List = std::make_unique<TStringList>();
-        for (int i = 0; i < Texts().GetCellCount(); ++i) List->Add(std::string(Texts().GetCell(i)));
+        std::vector<std::string_view> Cells;
+        Texts().AppendCells(Cells);
+        for (const std::string_view Cell : Cells) List->Add(std::string(Cell));
         Extra.Cells = std::move(List);
         Texts().RemoveCells();
         SetFlag(FlagListCells, true);
@@ -97,7 +108,7 @@ TStringList* TFlyNode::GetCells() {
 }
 
 void TFlyNode::StoreCell(int Index, std::string_view Value) {
-    if (Index < 0) return;
+    if (Index < 0 || Index >= MaxCells) return;
     if (!HasFlag(FlagListCells) && Index < ManyCells && GetCellCount() < ManyCells) {
         Texts().SetCell(Index, Value);
         return;
@@ -139,7 +150,9 @@ void TFlyNode::SetCell(int Index, const std::string& Value) {
 
 std::string TFlyNode::GetCellsText() const {
     std::string Result;
-    for (int i = 0; i < GetCellCount(); ++i) Result.append(GetCellView(i)).append("\r\n");
+    std::vector<std::string_view> Cells;
+    AppendCells(Cells);
+    for (const std::string_view Cell : Cells) Result.append(Cell).append("\r\n");
     return Result;
 }
 
@@ -186,11 +199,13 @@ void TFlyNode::SetHeight(int Value) {
     if (Value == FSpare) return;
     INodeHost* const Host = GetHost();
     const int Row = GetRow();
-    FSpare = Value;
+    SetHeightField(Value);
     if (!Host || Row < 0) return;
     const TWatch<TFlyNodes> Container(GetOwner());
+    // Asked after storing, so that a row which takes its height from the node reports the new one as the old.
     const int OldHeight = Host->GetRowHeights(Row);
     if (Container) Host->SetRowHeights(Row, Value);
+    if (Container) Host->InvalidateBox(0, Row, Host->GetColCount(), Host->GetRowCount(), true);
     if (Container) Host->RowSized(Row, OldHeight, Value);
 }
 
@@ -307,10 +322,13 @@ std::shared_ptr<INodeAdapter> TFlyNode::GetNodeAdapter() const {
 
 void TFlyNode::SetNodeAdapter(std::shared_ptr<INodeAdapter> Value) {
     const TWatch<TFlyNode> Self(this);
-    if (const auto Old = GetNodeAdapter()) Old->DetachNode();
-    if (!Self || (!Value && !GetNodeAdapter())) return;
+    // Taken out first: an adapter may well ask for its own removal while it is detached.
+    std::shared_ptr<INodeAdapter> Old;
+    if (GetNodeAdapter()) Old = std::move(NodeExtras().Adapter);
+    if (Old) Old->DetachNode();
+    if (!Self || !Value) return;
     NodeExtras().Adapter = Value;
-    if (Value) Value->AttachNode(this);
+    Value->AttachNode(this);
 }
 
 void TFlyNode::SetChildren(bool Value) {

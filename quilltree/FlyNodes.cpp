@@ -25,7 +25,7 @@ TFlyNodes::TFlyNodes(INodeHost* ATree)
 void TFlyNodes::DestroySteps() {
     LockList();
     FHost = nullptr;
-    RowList.Clear();
+    RowList.Drop();
 }
 
 TFlyNodes::~TFlyNodes() {
@@ -219,15 +219,16 @@ void TFlyNodes::Removed(TFlyNode* Node) {
     try {
         const int Row = Node->GetRow();
         if (Row >= 0 && GetUpdateCount() == 0 && FHost->GetRow() == Row) FHost->SetRow(0);
-        if (Self && NodeWatch) RowList.Remove(Node);
+        if (Self && NodeWatch) RowList.Take(Node);
     } catch (...) {
         // A failure here must not keep the notification from being sent; a handler's error is no concern of ours.
-        if (Self && NodeWatch) RowList.Remove(Node);
+        if (Self && NodeWatch) RowList.Take(Node);
     }
     if (Self && NodeWatch && FHost && !Node->HasFlag(FlagSilent)) FHost->Delete(Node);
 }
 
 void TFlyNodes::Clear() {
+    if (HasFlag(FlagClearing)) return; // a handler clears what is being cleared
     const TWatch<TFlyNodes> Self(this);
     std::exception_ptr First;
     // Every step runs, whatever the steps before it raised, as long as the container is there.
@@ -246,14 +247,14 @@ void TFlyNodes::Clear() {
     HostStep([&] { FHost->SetClearing(true); });
     Step([&] {
         LockList();
-        RowList.Clear();
+        RowList.Drop();
         FRowsCurrent = false;
     });
     Step([&] { TTreeCollection::Clear(); });
     Step([&] {
         FLastUniqueTag = -1;
         if (GetCount() == 0) {
-            RowList.Clear();
+            RowList.Drop();
             FRowsCurrent = true;
         }
         UnlockList();
@@ -450,7 +451,13 @@ bool TFlyNodes::AlphaSort() {
     if (!Self) return true;
     {
         const TUpdateBracket Bracket(this);
-        SortTopLevel();
+        try {
+            SortTopLevel();
+        } catch (...) {
+            // The end of the bracket would sort again, and fail again, without end.
+            if (Self) FSorted = true;
+            throw;
+        }
         if (Self) FSorted = true;
     }
     if (Focused) Focused->SetFocused(true);

@@ -42,7 +42,8 @@ private:
 
 void TFlyNodes::RebuildRowList(TTreeCollection* Item) {
     TFlyNode* const Node = TFlyNode::AsNode(Item);
-    if (!FRowsCurrent) ListAllRows();
+    // The list is public: what a program did to it by hand counts as well.
+    if (!FRowsCurrent || RowList.FTouched) ListAllRows();
     if (!Node || Node->GetHidden() || !Node->GetExpanded()) return;
     // The rows below the node count as taken out and put back, which moves the selection.
     if (RowList.GetSelectedCount() == 0) return;
@@ -55,8 +56,9 @@ void TFlyNodes::RebuildRowList(TTreeCollection* Item) {
 }
 
 void TFlyNodes::ListAllRows() {
-    RowList.Clear();
+    RowList.Drop();
     FRowsCurrent = true;
+    RowList.FTouched = false;
     InsertSlotRows(this, 0, GetCount(), 0);
 }
 
@@ -205,7 +207,7 @@ void TFlyNodes::SlotsDisappear(TTreeCollection* Parent, int Index, int Count) {
         auto* const Item = static_cast<TTreeCollection*>(Slot);
         if (!FRowsCurrent || Item->HasFlag(FlagDestroying)) {
             // An item on its way out may be no node any more.
-            RowList.Remove(Slot);
+            RowList.Take(Slot);
         } else if (TFlyNode* const Node = TFlyNode::AsNode(Item)) {
             RemoveSubtreeRows(Node);
         }

@@ -198,9 +198,6 @@ int THeadlessHost::RecalcNodeHeight(TFlyNode* Node) {
     return Node && Node->GetHeightField() != -1 ? Node->GetHeightField() : FDefaultRowHeight;
 }
 
-void THeadlessHost::RefreshRowHeights() {
-    for (TFlyNode* Node = FItems->FirstExisting(); Node; Node = Node->GetNextExisting())
-        Node->SetHeightField(-1);
-}
+void THeadlessHost::RefreshRowHeights() { FItems->ResetStoredHeights(); }
 
 } // namespace quill

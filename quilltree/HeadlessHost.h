@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <typeinfo>
 
 namespace quill {
 
@@ -72,6 +73,8 @@ public:
     void SelectItem(TFlyNode* Node) override;
     void SetDropTarget(TFlyNode* Node) override;
     void RowSized(int, int, int) override {}
+    // A descendant may override the reading and storing of cells.
+    bool StoresPlainTexts() const override { return typeid(*this) == typeid(THeadlessHost); }
     std::string GetNodeCells(TFlyNode* Node, int DataCol) override;
     void SetNodeCells(TFlyNode* Node, int DataCol, const std::string& S) override;
     int GetStructureDataColumn() const override { return FStructureCol; }

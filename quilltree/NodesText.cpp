@@ -69,13 +69,13 @@ public:
     void WriteNode(TFlyNode& Node, int Level) {
         FLine.assign(static_cast<std::size_t>(Level), '\t');
         FRecordStart = FLine.size();
-        PutNumber(tsnIncludeImageIndex, Node.GetImageIndex());
-        PutNumber(tsnIncludeSelectedIndex, Node.GetSelectedIndex());
-        PutNumber(tsnIncludeStateIndex, Node.GetStateIndex());
-        PutNumber(tsnIncludeExpands, Node.GetExpanded() ? 1 : 0);
-        PutNumber(tsnIncludeHiddens, Node.GetHidden() ? 1 : 0);
-        PutNumber(tsnIncludeUniqueTags, Node.GetUniqueTag());
-        if (!FOptions.Contains(tsnIncludeCells) || !Node.HasCells()) {
+        if (Has(tsnIncludeImageIndex)) PutNumber(Node.GetImageIndex());
+        if (Has(tsnIncludeSelectedIndex)) PutNumber(Node.GetSelectedIndex());
+        if (Has(tsnIncludeStateIndex)) PutNumber(Node.GetStateIndex());
+        if (Has(tsnIncludeExpands)) PutNumber(Node.GetExpanded() ? 1 : 0);
+        if (Has(tsnIncludeHiddens)) PutNumber(Node.GetHidden() ? 1 : 0);
+        if (Has(tsnIncludeUniqueTags)) PutNumber(Node.GetUniqueTag());
+        if (!Has(tsnIncludeCells) || !Node.HasCells()) {
             PutText(Node.GetTextView(), true);
         } else {
             PutCells(Node);
@@ -84,8 +84,8 @@ public:
     }
 
 private:
-    void PutNumber(TSaveNodesOption Option, int Value) {
-        if (!FOptions.Contains(Option)) return;
+    bool Has(TSaveNodesOption Option) const { return FOptions.Contains(Option); }
+    void PutNumber(int Value) {
         Separate();
         AppendInt(FLine, Value);
     }
@@ -99,18 +99,17 @@ private:
         FSeparate = true;
     }
     void PutCells(TFlyNode& Node) {
-        const bool Plain = HasPlainTexts(Node, FHost);
-        const int Count = Node.GetCellCount();
-        for (int i = 0; i < Count; ++i) {
-            if (!Plain) {
-                PutText(Node.GetCell(i), Count == 1);
-            } else if (i == FStructureCol || (!FHost && i == 0 && Node.GetCellView(0).empty())) {
-                // Without a control the text goes where loading looks for it, unless a cell stands there.
-                PutText(Node.GetTextView(), Count == 1);
-            } else {
-                PutText(Node.GetCellView(i), Count == 1);
-            }
+        if (!HasPlainTexts(Node, FHost)) {
+            const int Count = Node.GetCellCount();
+            for (int i = 0; i < Count; ++i) PutText(Node.GetCell(i), Count == 1);
+            return;
         }
+        FCells.clear();
+        Node.AppendCells(FCells);
+        // Without a control the text goes where loading looks for it, unless a cell stands there.
+        const std::size_t Own = FHost ? static_cast<std::size_t>(FStructureCol) : 0;
+        if (Own < FCells.size() && (FHost || FCells[Own].empty())) FCells[Own] = Node.GetTextView();
+        for (const std::string_view Cell : FCells) PutText(Cell, FCells.size() == 1);
     }
     void WriteLine() {
         FLine += "\r\n";
@@ -123,6 +122,7 @@ private:
     INodeHost* FHost;
     int FStructureCol;
     std::string FLine;
+    std::vector<std::string_view> FCells;
     std::size_t FRecordStart = 0;
     bool FSeparate = false;
 };
@@ -186,13 +186,11 @@ private:
 
     void SplitRecord(std::string_view Record) {
         FItems.clear();
-        std::size_t BuffersUsed = 0;
+        FUnfolded.clear();
         std::string_view Item;
-        for (std::size_t Pos = 0;;) {
-            if (FBuffers.size() == BuffersUsed) FBuffers.emplace_back();
-            std::string& Buffer = FBuffers[BuffersUsed];
-            if (!NextCommaTextItem(Record, Pos, Buffer, Item)) return;
-            if (Item.data() == Buffer.data()) ++BuffersUsed;
+        for (std::size_t Pos = 0; NextCommaTextItem(Record, Pos, FBuffer, Item);) {
+            // Few items hold doubled quotes; each of those needs a text of its own.
+            if (Item.data() == FBuffer.data()) Item = FUnfolded.emplace_back(Item);
             FItems.push_back(Item);
         }
     }
@@ -280,7 +278,8 @@ private:
     };
     std::vector<TStep> FPath;
     std::vector<std::string_view> FItems;
-    std::deque<std::string> FBuffers;
+    std::string FBuffer;
+    std::deque<std::string> FUnfolded;
     std::size_t FNext = 0;
 };
 
@@ -314,11 +313,12 @@ void TFlyNodes::SaveNodesToStream(TStream& Stream, TSaveNodesOptions Options) {
             Node = Node->getFirstChild();
             ++Level;
         } else {
-            while (Node && !Node->NextSlot()) {
-                Node = Node->GetParent();
+            TTreeSlot* Next = Node->NextSlot();
+            while (!Next && (Node = Node->GetParent())) {
+                Next = Node->NextSlot();
                 --Level;
             }
-            if (Node) Node = Node->GetNextSibling();
+            if (Node) Node = TFlyNode::AsNode(Node->GetCollection()->ItemOfSlot(Next));
         }
         // Making a node of a placeholder may run a handler that deletes what is being saved.
         if (Gone.IsGone(this, Started) || Gone.IsGone(Written, Since)) return;
@@ -337,7 +337,9 @@ void TFlyNodes::LoadNodesFromStream(TStream& Stream) {
     const TUpdateBracket Bracket(this);
     if (Self) Clear();
     if (!Self) return;
-    const std::string Text = Stream.ReadRest();
+    const std::string Bytes = Stream.ReadRest();
+    std::string_view Text = Bytes;
+    if (Text.starts_with("\xEF\xBB\xBF")) Text.remove_prefix(3); // the mark that some editors put first
     TNodesReader(*this, Text).Read();
     if (Self) SortLoaded(*this);
     if (Self && FHost) FHost->RefreshRowHeights();

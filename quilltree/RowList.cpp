@@ -24,6 +24,17 @@ TFlyNode* TRowList::NodeAt(int Index) const {
     return Slot->IsPlaceholder() ? nullptr : static_cast<TFlyNode*>(static_cast<TTreeCollection*>(Slot));
 }
 
+int TRowList::Take(const TTreeSlot* Entry) {
+    const int Index = IndexOf(Entry);
+    if (Index >= 0) FList.Delete(Index);
+    return Index;
+}
+
+void TRowList::Clear() {
+    FTouched = true;
+    Drop();
+}
+
 int TRowList::Add(TTreeSlot* Entry) {
     Remove(Entry);
     FList.Add(Entry);
@@ -32,24 +43,26 @@ int TRowList::Add(TTreeSlot* Entry) {
 
 void TRowList::Insert(int Index, TTreeSlot* Entry) {
     if (Index != GetCount()) CheckIndex(Index);
+    FTouched = true;
     const int Old = Remove(Entry);
     FList.Insert(Old >= 0 && Old < Index ? Index - 1 : Index, Entry);
 }
 
 void TRowList::Delete(int Index) {
     CheckIndex(Index);
+    FTouched = true;
     FList.Delete(Index);
 }
 
 int TRowList::Remove(TTreeSlot* Entry) {
-    const int Index = IndexOf(Entry);
-    if (Index >= 0) FList.Delete(Index);
-    return Index;
+    FTouched = true;
+    return Take(Entry);
 }
 
 void TRowList::Move(int CurIndex, int NewIndex) {
     CheckIndex(CurIndex);
     CheckIndex(NewIndex);
+    FTouched = true;
     FList.Move(CurIndex, NewIndex);
 }
 
@@ -57,6 +70,7 @@ void TRowList::Exchange(int Index1, int Index2) {
     CheckIndex(Index1);
     CheckIndex(Index2);
     if (Index1 == Index2) return;
+    FTouched = true;
     FList.Move(Index1, Index2);
     FList.Move(Index1 < Index2 ? Index2 - 1 : Index2 + 1, Index1);
 }
@@ -65,6 +79,7 @@ void TRowList::SetItems(int Index, TTreeSlot* Entry) {
     CheckIndex(Index);
     const int Old = IndexOf(Entry);
     if (Old == Index) return;
+    FTouched = true;
     FList.Replace(Index, Entry);
     if (Old >= 0) FList.Delete(Old);
 }

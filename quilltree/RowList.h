@@ -38,7 +38,7 @@ public:
     void Exchange(int Index1, int Index2);
     // Puts Entry at Index in place of what stands there.
     void SetItems(int Index, TTreeSlot* Entry);
-    void Clear() { FList.Clear(); }
+    void Clear();
 
     // Selected nodes in the list, and where they are.
     int GetSelectedCount() const { return FList.GetMarkedCount(); }
@@ -57,7 +57,12 @@ private:
     friend class TFlyNode;
     void CheckIndex(int Index) const;
 
+    // For the model, which keeps the list right itself.
+    int Take(const TTreeSlot* Entry);
+    void Drop() { FList.Clear(); }
+
     TList FList;
+    bool FTouched = false; // changed through the public operations since the last listing
 };
 
 } // namespace quill

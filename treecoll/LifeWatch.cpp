@@ -43,8 +43,7 @@ void TGoneWatch::Forget(const TTreeCollection* Object) {
         Watch->FGone[Object] = ++Watch->FCount;
 }
 
-bool TGoneWatch::IsGone(const TTreeCollection* Object, unsigned Since) const {
-    if (FCount == Since) return false;
+bool TGoneWatch::WentAfter(const TTreeCollection* Object, unsigned Since) const {
     const auto Found = FGone.find(Object);
     return Found != FGone.end() && Found->second > Since;
 }

@@ -56,11 +56,14 @@ public:
     unsigned Now() const { return FCount; }
     // Whether the object that stood at this address at the time Since was destroyed later. (A new object may stand
     // there now: whoever takes a pointer notes the time.)
-    bool IsGone(const TTreeCollection* Object, unsigned Since = 0) const;
+    bool IsGone(const TTreeCollection* Object, unsigned Since = 0) const {
+        return FCount != Since && WentAfter(Object, Since);
+    }
 
 private:
     friend class TTreeCollection;
     static void Forget(const TTreeCollection* Object);
+    bool WentAfter(const TTreeCollection* Object, unsigned Since) const;
 
     TGoneWatch* FOuter;
     unsigned FCount = 0;

@@ -34,15 +34,14 @@ std::string_view View(const unsigned char* At, std::size_t Size) {
 
 } // namespace
 
-// A block is: the caption's length, the number of cells plus one (0: no list of cells), the cells' lengths, then the
-// caption's bytes and those of the cells.
+// A block is: the caption's length, the number of cells plus one (0: no list of
+// cells), the cells' lengths, then the caption's bytes and those of the cells.
 struct TPackedTexts::TLayout {
     std::size_t CaptionSize = 0;
     std::size_t CellCount = 0;
     bool WithCells = false;
     const unsigned char* Lengths = nullptr;
     const unsigned char* Bytes = nullptr;
-    std::size_t BlockSize = 0;
 };
 
 TPackedTexts::TLayout TPackedTexts::Layout() const {
@@ -52,16 +51,19 @@ TPackedTexts::TLayout TPackedTexts::Layout() const {
     L.Lengths = GetVar(GetVar(FBlock, L.CaptionSize), CountPlusOne);
     L.WithCells = CountPlusOne > 0;
     L.CellCount = L.WithCells ? CountPlusOne - 1 : 0;
+    // A length ends with the first byte whose high bit is clear.
     const unsigned char* At = L.Lengths;
-    std::size_t Sum = L.CaptionSize;
-    for (std::size_t i = 0; i < L.CellCount; ++i) {
-        std::size_t Size = 0;
-        At = GetVar(At, Size);
-        Sum += Size;
-    }
+    for (std::size_t Left = L.CellCount; Left > 0; ++At) Left -= *At < 0x80 ? 1 : 0;
     L.Bytes = At;
-    L.BlockSize = static_cast<std::size_t>(At - FBlock) + Sum;
     return L;
+}
+
+std::size_t TPackedTexts::BlockSize() const {
+    const TLayout L = Layout();
+    std::size_t Size = static_cast<std::size_t>(L.Bytes - FBlock) + L.CaptionSize;
+    std::size_t Cell = 0;
+    for (const unsigned char* At = L.Lengths; At != L.Bytes; Size += Cell) At = GetVar(At, Cell);
+    return Size;
 }
 
 std::string_view TPackedTexts::GetCaption() const {
@@ -69,7 +71,11 @@ std::string_view TPackedTexts::GetCaption() const {
     return View(L.Bytes, L.CaptionSize);
 }
 
-bool TPackedTexts::HasCells() const { return Layout().WithCells; }
+bool TPackedTexts::HasCells() const {
+    if (!FBlock) return false;
+    std::size_t CaptionSize = 0;
+    return *GetVar(FBlock, CaptionSize) != 0;
+}
 
 int TPackedTexts::GetCellCount() const { return static_cast<int>(Layout().CellCount); }
 
@@ -83,6 +89,16 @@ std::string_view TPackedTexts::GetCell(int Index) const {
         At = GetVar(At, Size);
         if (i == Index) return View(L.Bytes + Offset, Size);
         Offset += Size;
+    }
+}
+
+void TPackedTexts::AppendCells(std::vector<std::string_view>& Cells) const {
+    const TLayout L = Layout();
+    const unsigned char* Bytes = L.Bytes + L.CaptionSize;
+    std::size_t Size = 0;
+    for (const unsigned char* At = L.Lengths; At != L.Bytes; Bytes += Size) {
+        At = GetVar(At, Size);
+        Cells.push_back(View(Bytes, Size));
     }
 }
 
@@ -105,7 +121,7 @@ unsigned char* TPackedTexts::Build(std::string_view Caption, bool WithCells,
 }
 
 void TPackedTexts::Free() {
-    if (FBlock) FreeBlock(FBlock, Layout().BlockSize);
+    if (FBlock) FreeBlock(FBlock, BlockSize());
     FBlock = nullptr;
 }
 
@@ -124,17 +140,16 @@ void TPackedTexts::SetCaption(std::string_view Value) {
         Assign(Value, false, {});
         return;
     }
-    std::vector<std::string_view> Cells(static_cast<std::size_t>(GetCellCount()));
-    for (std::size_t i = 0; i < Cells.size(); ++i) Cells[i] = GetCell(static_cast<int>(i));
+    std::vector<std::string_view> Cells;
+    AppendCells(Cells);
     Assign(Value, true, Cells);
 }
 
 void TPackedTexts::SetCell(int Index, std::string_view Value) {
     if (Index < 0) return;
     std::vector<std::string_view> Cells;
-    const int Count = GetCellCount();
-    for (int i = 0; i < Count; ++i) Cells.push_back(GetCell(i));
-    if (Count <= Index) Cells.resize(static_cast<std::size_t>(Index) + 1);
+    AppendCells(Cells);
+    if (Cells.size() <= static_cast<std::size_t>(Index)) Cells.resize(static_cast<std::size_t>(Index) + 1);
     Cells[static_cast<std::size_t>(Index)] = Value;
     Assign(GetCaption(), true, Cells);
 }

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quill {
 
@@ -25,6 +26,9 @@ public:
     // Empty beyond the last cell and for a negative Index.
     std::string_view GetCell(int Index) const;
 
+    // All cells in one pass, put behind what stands in Cells.
+    void AppendCells(std::vector<std::string_view>& Cells) const;
+
     void SetCaption(std::string_view Value);
     // Appends empty cells until cell Index exists, then stores Value there.
     void SetCell(int Index, std::string_view Value);
@@ -35,6 +39,7 @@ public:
 private:
     struct TLayout;
     TLayout Layout() const;
+    std::size_t BlockSize() const;
     static unsigned char* Build(std::string_view Caption, bool WithCells,
                                 std::span<const std::string_view> Cells);
     void Replace(unsigned char* Block);
