@@ -7,7 +7,11 @@
 #include "host/base/Texts.h"
 #include "quilltree/FlyNodes.h"
 
+#include <algorithm>
+#include <cstring>
 #include <deque>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -129,23 +133,79 @@ private:
 
 // --- loading ------------------------------------------------------------------------------------------------------------
 
-// Reads the records of one text; the container is inside its bracket. Nodes are made by the container's factory, and
-// may be deleted by handlers at any time.
+// The lines of a stream, as NextTextLine splits a text. Only a part of the stream is in memory at a time: the pages of
+// a big text cost more than all else that is done with them.
+class TLineReader {
+public:
+    explicit TLineReader(TStream& Stream) : FStream(Stream), FCapacity(FirstCapacity) {
+        FWindow = std::make_unique_for_overwrite<char[]>(FCapacity);
+    }
+
+    // The line is valid until the next call.
+    bool Next(std::string_view& Line) {
+        while (FPos >= FComplete) {
+            if (FAtEnd) return false;
+            Fill();
+        }
+        return NextTextLine({FWindow.get(), FComplete}, FPos, Line);
+    }
+
+private:
+    static constexpr std::size_t FirstCapacity = std::size_t{256} * 1024;
+
+    // Moves the incomplete line to the front and reads behind it, more and more while it stays incomplete.
+    void Fill() {
+        std::size_t Kept = FUsed - FPos;
+        if (Kept == FCapacity) {
+            auto Larger = std::make_unique_for_overwrite<char[]>(FCapacity * 2);
+            std::memcpy(Larger.get(), FWindow.get() + FPos, Kept);
+            FWindow = std::move(Larger);
+            FCapacity *= 2;
+        } else if (FPos > 0) {
+            std::memmove(FWindow.get(), FWindow.get() + FPos, Kept);
+        }
+        FPos = 0;
+        const auto Got = FStream.Read(FWindow.get() + Kept, static_cast<std::int64_t>(FCapacity - Kept));
+        FAtEnd = Got <= 0;
+        FUsed = Kept + static_cast<std::size_t>(std::max<std::int64_t>(Got, 0));
+        const std::string_view Text(FWindow.get(), FUsed);
+        if (FAtEnd) {
+            FComplete = FUsed;
+        } else if (const std::size_t LineFeed = Text.rfind('\n'); LineFeed != std::string_view::npos) {
+            FComplete = LineFeed + 1;
+        } else {
+            // A carriage return at the very end may be half of a pair.
+            const std::size_t Return = Text.substr(0, FUsed - 1).rfind('\r');
+            FComplete = Return == std::string_view::npos ? 0 : Return + 1;
+        }
+    }
+
+    TStream& FStream;
+    std::unique_ptr<char[]> FWindow;
+    std::size_t FCapacity;
+    std::size_t FUsed = 0;
+    std::size_t FPos = 0;
+    std::size_t FComplete = 0; // lines that end before it are whole
+    bool FAtEnd = false;
+};
+
+// Reads the records of one stream; the container is inside its bracket. Nodes are made by the container's factory,
+// and may be deleted by handlers at any time.
 class TNodesReader {
 public:
-    TNodesReader(TFlyNodes& Nodes, std::string_view Text)
+    TNodesReader(TFlyNodes& Nodes, TStream& Stream)
         : FNodes(Nodes), FNodesWatch(&Nodes), FHost(Nodes.GetHost()),
-          FStructureCol(FHost ? FHost->GetStructureCol() : 0), FText(Text) {}
+          FStructureCol(FHost ? FHost->GetStructureCol() : 0), FLines(Stream) {}
 
     void Read() {
         std::string_view Line;
-        std::size_t Pos = 0;
-        if (NextTextLine(FText, Pos, Line) && Line.find(HeaderText) != std::string_view::npos) {
+        bool Have = FLines.Next(Line);
+        if (Have && Line.find(HeaderText) != std::string_view::npos) {
             ReadHeader(Line);
-            FTextPos = Pos;
             FHeaderLines = 1;
+            Have = FLines.Next(Line);
         }
-        for (; FNodesWatch && NextTextLine(FText, FTextPos, Line); ++FLineNo) {
+        for (; Have && FNodesWatch; Have = FLines.Next(Line), ++FLineNo) {
             if (Line.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
                 throw EConvertError(Place() + "the line is too long");
             }
@@ -266,8 +326,7 @@ private:
     TGoneWatch FGone;
     INodeHost* FHost;
     int FStructureCol;
-    std::string_view FText;
-    std::size_t FTextPos = 0;
+    TLineReader FLines;
     int FLineNo = 0; // the header is not counted
     int FHeaderLines = 0;
     TSaveNodesOptions FOptions = tsnIncludeCells;

@@ -1,10 +1,11 @@
 // The tree's life, its properties, and what the node model asks of it.
-#include "host/base/Events.h"
 #include "quilltree/QuillTree.h"
+#include "host/base/Events.h"
 
 #include "host/windows/Application.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 namespace quill {
 
@@ -86,7 +87,8 @@ void TCustomQuillTree::WMKillFocus(TMessage& Message) {
 // --- properties --------------------------------------------------------------------------------------------------
 
 // Stores a property that painting reads.
-template <class T> void TCustomQuillTree::SetPainted(T& Field, T Value) {
+template <class T>
+void TCustomQuillTree::SetPainted(T& Field, T Value) {
     if (Field == Value) return;
     Field = Value;
     Invalidate();
@@ -106,17 +108,21 @@ void TCustomQuillTree::SetFitColumnToClientWidth(bool Value) {
     FFitColumnToClientWidth = Value;
     const TControlGuard Guard(this);
     UpdateScrollRange();
-    if (Guard && Value) InvalidateGrid();
+    if (Guard) InvalidateGrid();
 }
 
 void TCustomQuillTree::SetFitToHeight(bool Value) {
     if (Value == FFitToHeight) return;
     FFitToHeight = Value;
     RefreshRowHeights();
-    InvalidateGrid();
+    const TControlGuard Guard(this);
+    RowHeightsChanged();
+    if (Guard) InvalidateGrid();
 }
 
-void TCustomQuillTree::SetNodeSelectionStyle(TNodeSelectionStyle Value) { SetPainted(FNodeSelectionStyle, Value); }
+void TCustomQuillTree::SetNodeSelectionStyle(TNodeSelectionStyle Value) {
+    SetPainted(FNodeSelectionStyle, Value);
+}
 void TCustomQuillTree::SetOutlineStyle(TOutlineStyle Value) { SetPainted(FOutlineStyle, Value); }
 void TCustomQuillTree::SetOutlineColor(TColor Value) { SetPainted(FOutlineColor, Value); }
 void TCustomQuillTree::SetHotTrackColor(TColor Value) { SetPainted(FHotTrackColor, Value); }
@@ -143,22 +149,31 @@ void TCustomQuillTree::SetEnumerateNodes(bool Value) {
 }
 
 void TCustomQuillTree::EnumerateNodes() {
+    const TControlGuard Guard(this);
     FItems->SetEnumerating(true);
     FItems->SetLastUniqueTag(-1);
-    for (TFlyNode* Node = FItems->GetFirstNode(); Node; Node = Node->GetNext()) Node->SetUniqueTag(-1);
-    FItems->SetEnumerating(false);
+    // Walking makes placeholders real, which runs application code.
+    TNodeWatch Node(FItems->GetFirstNode());
+    while (Guard && Node) {
+        Node->SetUniqueTag(-1);
+        Node.Reset(Node->GetNext());
+    }
+    if (Guard) FItems->SetEnumerating(false);
 }
 
 void TCustomQuillTree::SetSortType(TSortType Value) {
     if (Value == FSortType) return;
     FSortType = Value;
     switch (Value) {
-    case stNone: break;
+    case stNone:
+        break;
     case stData:
         if (OnCompare) FItems->AlphaSort();
         break;
     case stText:
-    case stBoth: FItems->AlphaSort(); break;
+    case stBoth:
+        FItems->AlphaSort();
+        break;
     }
 }
 
@@ -207,18 +222,21 @@ void TCustomQuillTree::ForgetSelectionNodes() {
     FRangeStartNode = nullptr;
 }
 
-void TCustomQuillTree::NodeMaterialised(TFlyNode* Node) {
-    FireEvent(OnMaterialise, this, Node);
-}
+void TCustomQuillTree::NodeMaterialised(TFlyNode* Node) { FireEvent(OnMaterialise, this, Node); }
 
 void TCustomQuillTree::SetDropTarget(TFlyNode* Node) {
     FDropTargetNode = Node;
     SetDropTargetRow(Node ? Node->GetRow() : -1);
 }
 
+bool TCustomQuillTree::StoresPlainTexts() const {
+    const std::type_info& Class = typeid(*this);
+    return Class == typeid(TQuillTree) || Class == typeid(TCustomQuillTree);
+}
+
 int TCustomQuillTree::Compare(TFlyNode* Node1, TFlyNode* Node2) {
     int Result = 0;
-    if (OnCompare) OnCompare(this, Node1, Node2, Result);
+    FireEvent(OnCompare, this, Node1, Node2, Result);
     return Result;
 }
 
@@ -248,10 +266,13 @@ bool TCustomQuillTree::EditNodeText(TFlyNode* Node) {
     if (FStructureCol == -1 || FStructureCol < GetFixedCols() || FStructureCol >= GetColCount()) return false;
     const TControlGuard Guard(this);
     const TNodeWatch Watch(Node);
+    Node->MakeVisible();
+    if (!Guard || !Watch || Node->GetRow() < 0) return false;
     SetCol(FStructureCol);
     if (!Guard || !Watch) return false;
     SetRow(Node->GetRow());
-    if (!Guard || !Watch) return false;
+    // A refused move leaves another node current, whose text must not be edited instead.
+    if (!Guard || !Watch || GetRow() != Node->GetRow()) return false;
     SetFocus();
     if (Guard) SetEditorMode(true);
     return Guard && IsEditorShowing();
@@ -259,7 +280,8 @@ bool TCustomQuillTree::EditNodeText(TFlyNode* Node) {
 
 void TCustomQuillTree::EndNodeEdit(TFlyNode* Node, bool Cancel) {
     // The strict lower bound differs from starting an edit; kept so.
-    const bool HasColumn = FStructureCol != -1 && FStructureCol > GetFixedCols() && FStructureCol < GetColCount();
+    const bool HasColumn =
+        FStructureCol != -1 && FStructureCol > GetFixedCols() && FStructureCol < GetColCount();
     if (!HasColumn || GetRow() != Node->GetRow() || !IsEditorShowing()) return;
     const TControlGuard Guard(this);
     const TNodeWatch Watch(Node);

@@ -23,12 +23,12 @@ namespace quill {
 
 // Metrics of the outline, in pixels.
 namespace TreeMetrics {
-inline constexpr int TextMargin = 4;        // between the outline (or the cell edge) and the text
-inline constexpr int TextOnlyExtra = 8;     // added to the text's width by tnsTextOnly
-inline constexpr int FixedTextMargin = 4;   // on both sides of a fixed cell's text
-inline constexpr int RowTextPadding = 2;    // added to a measured row height
-inline constexpr int ButtonArm = 3;         // half length of a button's plus and minus
-inline constexpr int CheckBoxSize = 13;     // side of the system check-box glyph at scale 1
+inline constexpr int TextMargin = 4;      // between the outline (or the cell edge) and the text
+inline constexpr int TextOnlyExtra = 8;   // added to the text's width by tnsTextOnly
+inline constexpr int FixedTextMargin = 4; // on both sides of a fixed cell's text
+inline constexpr int RowTextPadding = 2;  // added to a measured row height
+inline constexpr int ButtonArm = 3;       // half length of a button's plus and minus
+inline constexpr int CheckBoxSize = 13;   // side of the system check-box glyph at scale 1
 } // namespace TreeMetrics
 
 // Side of one system check-box glyph; computed once per process.
@@ -41,11 +41,11 @@ void InitDoubleChecks();
 // Painting and every other reader take them from here.
 struct TOutlineSlots {
     int Level = 0;
-    int Button = 0;        // left edge of the slot of lines and button
+    int Button = 0; // left edge of the slot of lines and button
     bool HasButtonSlot = false;
-    int State = 0;         // left edge of the state glyph's slot
+    int State = 0; // left edge of the state glyph's slot
     bool HasStateSlot = false;
-    int Rest = 0;          // left edge of what follows: image, then text
+    int Rest = 0; // left edge of what follows: image, then text
 };
 
 using TNodeWatch = TWatch<TFlyNode>;
@@ -55,8 +55,10 @@ class TCustomQuillTree : public TCustomExGrid, public INodeHost {
 
 public:
     explicit TCustomQuillTree(TComponent* AOwner, QWidget* AParent = nullptr);
-    explicit TCustomQuillTree(QWidget* AParent) : TCustomQuillTree(static_cast<TComponent*>(nullptr), AParent) {}
-    explicit TCustomQuillTree(std::nullptr_t = nullptr) : TCustomQuillTree(static_cast<TComponent*>(nullptr)) {}
+    explicit TCustomQuillTree(QWidget* AParent)
+        : TCustomQuillTree(static_cast<TComponent*>(nullptr), AParent) {}
+    explicit TCustomQuillTree(std::nullptr_t = nullptr)
+        : TCustomQuillTree(static_cast<TComponent*>(nullptr)) {}
     ~TCustomQuillTree() override;
 
     // --- nodes ------------------------------------------------------------------------------------------------
@@ -131,7 +133,8 @@ public:
     void Paint() override;
     void DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
                   bool& ContinueRow) override;
-    virtual void DrawBackground(TCanvas& Canvas, const TRect& Rect, int ARow, int ACol, TExGridDrawState State);
+    virtual void DrawBackground(TCanvas& Canvas, const TRect& Rect, int ARow, int ACol,
+                                TExGridDrawState State);
     // Selection colours of a cell; Changed tells that BrushColor and FontColor were set.
     using TCustomExGrid::GetColor;
     virtual void GetColor(TFlyNode* Node, int ACol, int ARow, TExGridDrawState State, TColor& BrushColor,
@@ -144,22 +147,22 @@ public:
     virtual void DrawStructureButtonsLines(TCanvas& Canvas, TFlyNode* Node, int ARow, int ACol, TRect& Rect,
                                            TExGridDrawState State, TDrawOptions Options);
     // Draws the text of a structure cell; HotFont tells whether the canvas font was changed for the hot look.
-    virtual void DrawStructureCellContents(TCanvas& Canvas, TRect& Rect, bool& HotFont, TExGridDrawState State,
-                                           const std::string& Text, TFlyNode* Node, TNVVertAlign VertAlign, int ARow,
-                                           int ACol);
+    virtual void DrawStructureCellContents(TCanvas& Canvas, TRect& Rect, bool& HotFont,
+                                           TExGridDrawState State, const std::string& Text, TFlyNode* Node,
+                                           TNVVertAlign VertAlign, int ARow, int ACol);
     virtual void DrawDataNode(TCanvas& Canvas, TFlyNode* Node, const TRect& Rect, int ARow, int ACol,
                               TExGridDrawState State);
-    void DrawButton(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, TRect Rect);
-    void DrawImagelistPic(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, const TRect& Rect);
+    virtual void DrawButton(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, TRect Rect);
+    virtual void DrawImagelistPic(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, const TRect& Rect);
     // Copies glyph Index of the glyph set, or picture Index of Images (nothing without a list), into Bitmap.
     virtual void GetImage(TFlyNode* Node, int Index, TBitmap& Bitmap);
     virtual void GetBitmap(TFlyNode* Node, int Index, TBitmap& Bitmap);
     // Draws a bitmap transparently, centred horizontally in Rect.
-    void DrawImage(TCanvas& Canvas, TBitmap& Bitmap, const TRect& Rect);
+    virtual void DrawImage(TCanvas& Canvas, TBitmap& Bitmap, const TRect& Rect);
     // A dotted line from the pen position to (X, Y).
-    void InternalLineTo(TCanvas& Canvas, int X, bool Vertical, int Y);
+    virtual void InternalLineTo(TCanvas& Canvas, int X, bool Vertical, int Y);
     // The x of the outline centre of a level; always odd.
-    int GetCX(int Level);
+    virtual int GetCX(int Level);
     virtual TAlignment GetAlignment(int ACol);
     void InitGlyphs();
     TCustomImageList* GetGlyphs() const { return FGlyphs.get(); }
@@ -268,12 +271,15 @@ public:
     void SetShowLogic(bool Value);
     bool GetWordWrap() const { return FWordWrap; }
     void SetWordWrap(bool Value);
+    // Whether a plain click on a node toggles its mark, and Ctrl selects it alone.
+    bool GetToggleSelection() const { return FToggleSelection; }
+    void SetToggleSelection(bool Value) { FToggleSelection = Value; }
     bool GetAutoExpand() const { return FAutoExpand; }
     void SetAutoExpand(bool Value) { FAutoExpand = Value; }
     // Stored for programs; no painting step reads it.
     unsigned char GetFirstLevelDrawMode() const { return FFirstLevelDrawMode; }
     void SetFirstLevelDrawMode(unsigned char Value);
-    TCustomImageList* GetImages() const { return FImages; }
+    virtual TCustomImageList* GetImages() const { return FImages; }
     void SetImages(TCustomImageList* Value);
     TSortType GetSortType() const override { return FSortType; }
     void SetSortType(TSortType Value);
@@ -317,6 +323,8 @@ public:
     void ForgetSelectionNodes() override;
     void NodeMaterialised(TFlyNode* Node) override;
     void SetDropTarget(TFlyNode* Node) override;
+    // A descendant may override the reading and storing of cells.
+    bool StoresPlainTexts() const override;
     int GetStructureDataColumn() const override { return GetColumnOrder(FStructureCol); }
     bool HasCompare() const override { return static_cast<bool>(OnCompare); }
     int Compare(TFlyNode* Node1, TFlyNode* Node2) override;
@@ -360,8 +368,11 @@ private:
     void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
     void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);
-    void DrawNodePicture(TCanvas& Canvas, TFlyNode* Node, int ARow, const TRect& Cell, TExGridDrawState State, int& X);
+    void DrawNodePicture(TCanvas& Canvas, TFlyNode* Node, int ARow, const TRect& Cell, TExGridDrawState State,
+                         int& X);
     bool FireImageEvent(const TFTVExpandedEvent& Event, TFlyNode* Node);
+    bool HasRowBehind(TFlyNode* Node) const;
+    bool SelectFound(TFlyNode* Start);
     void UpdateAncestors(TFlyNode* Node, int MaxLevels);
     int LevelOf(TFlyNode* Node) const;
     int OutlineCentre(int CellLeft, int Level) const;
@@ -382,7 +393,8 @@ private:
     TGridRect SelectionColumns(int FromRow, int ToRow) const;
     void InvalidateCurrent();
     void ImageListChange(TObject* Sender);
-    template <class T> void SetPainted(T& Field, T Value);
+    template <class T>
+    void SetPainted(T& Field, T Value);
 
     std::unique_ptr<TFlyNodes> FItems;
     std::vector<int> FColumnsMap;

@@ -53,6 +53,7 @@ void TCustomQuillTree::SetStructureCol(int Value) {
     if (Value == FStructureCol) return;
     const TControlGuard Guard(this);
     if (Value >= 0) {
+        if (Value >= MaxExtentCount - 1) return; // more columns than a grid can have
         if (Value >= GetColCount()) SetColCount(Value + 1);
         if (!Guard) return;
         const int Old = FStructureCol;
@@ -114,7 +115,9 @@ void TCustomQuillTree::SetNodeCells(TFlyNode* Node, int DataCol, const std::stri
     }
 }
 
-std::string TCustomQuillTree::GetNodeData(TFlyNode* Node, int ACol) { return GetNodeCells(Node, GetColumnOrder(ACol)); }
+std::string TCustomQuillTree::GetNodeData(TFlyNode* Node, int ACol) {
+    return GetNodeCells(Node, GetColumnOrder(ACol));
+}
 
 void TCustomQuillTree::SetNodeData(TFlyNode* Node, int ACol, const std::string& S) {
     if (!Node) return;

@@ -11,15 +11,17 @@ namespace quill {
 namespace {
 
 constexpr std::array<std::string_view, 15> GlyphResources = {
-    "EXPANDED",        "COLLAPSED",       "FOPEN",         "FCLOSED",
-    "EMPTY",           "CHECKED",         "UNCHECKED",     "GRAYED",
-    "OPTIONED",        "UNOPTIONED",      "GRAYEDUNCHECKED", "GRAYEDOPTIONED",
-    "GRAYEDUNOPTIONED", "DOUBLECHECKED",  "GRAYEDDOUBLECHECKED"};
+    "EXPANDED",         "COLLAPSED",       "FOPEN",
+    "FCLOSED",          "EMPTY",           "CHECKED",
+    "UNCHECKED",        "GRAYED",          "OPTIONED",
+    "UNOPTIONED",       "GRAYEDUNCHECKED", "GRAYEDOPTIONED",
+    "GRAYEDUNOPTIONED", "DOUBLECHECKED",   "GRAYEDDOUBLECHECKED"};
 
 // Node state index to glyph kind.
-constexpr std::array<int, 11> StateGlyphs = {
-    obEmpty,           obUnchecked,      obChecked,          obGrayedChecked, obOptioned,           obUnoptioned,
-    obGrayedUnchecked, obGrayedOptioned, ObGrayedUnoptioned, ObDoubleChecked, ObGrayedDoubleChecked};
+constexpr std::array<int, 11> StateGlyphs = {obEmpty,           obUnchecked,          obChecked,
+                                             obGrayedChecked,   obOptioned,           obUnoptioned,
+                                             obGrayedUnchecked, obGrayedOptioned,     ObGrayedUnoptioned,
+                                             ObDoubleChecked,   ObGrayedDoubleChecked};
 
 // The marks inside the double-check glyphs, shared by all trees.
 std::unique_ptr<TBitmap> DoubleCheckMark;
@@ -75,7 +77,8 @@ void TCustomQuillTree::DrawImage(TCanvas& Canvas, TBitmap& Bitmap, const TRect& 
     Canvas.Draw(Rect.Left + (Rect.Width() - Bitmap.GetWidth()) / 2, Rect.Top, &Bitmap);
 }
 
-void TCustomQuillTree::DrawImagelistPic(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind, const TRect& Rect) {
+void TCustomQuillTree::DrawImagelistPic(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap Kind,
+                                        const TRect& Rect) {
     if (!FGlyphs || FGlyphs->GetCount() <= Kind) return;
     TBitmap Picture;
     GetImage(Node, Kind, Picture);
@@ -110,19 +113,40 @@ void TCustomQuillTree::DrawButton(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap 
     case obCollapsed:
         DrawExpandBox(Canvas, Frame, Kind == obCollapsed);
         break;
-    case obChecked: State = DFCS_BUTTONCHECK | DFCS_CHECKED; break;
-    case obUnchecked: State = DFCS_BUTTONCHECK; break;
-    case obGrayedChecked: State = DFCS_CHECKED | DFCS_INACTIVE; break;
-    case obOptioned: State = DFCS_BUTTONRADIO | DFCS_CHECKED; break;
-    case obUnoptioned: State = DFCS_BUTTONRADIO; break;
-    case obGrayedUnchecked: State = DFCS_INACTIVE; break;
-    case obGrayedOptioned: State = DFCS_BUTTONRADIO | DFCS_CHECKED | DFCS_INACTIVE; break;
-    case ObGrayedUnoptioned: State = DFCS_BUTTONRADIO | DFCS_INACTIVE; break;
-    case ObDoubleChecked: State = DFCS_BUTTONCHECK; break;
-    case ObGrayedDoubleChecked: State = DFCS_INACTIVE; break;
+    case obChecked:
+        State = DFCS_BUTTONCHECK | DFCS_CHECKED;
+        break;
+    case obUnchecked:
+        State = DFCS_BUTTONCHECK;
+        break;
+    case obGrayedChecked:
+        State = DFCS_CHECKED | DFCS_INACTIVE;
+        break;
+    case obOptioned:
+        State = DFCS_BUTTONRADIO | DFCS_CHECKED;
+        break;
+    case obUnoptioned:
+        State = DFCS_BUTTONRADIO;
+        break;
+    case obGrayedUnchecked:
+        State = DFCS_INACTIVE;
+        break;
+    case obGrayedOptioned:
+        State = DFCS_BUTTONRADIO | DFCS_CHECKED | DFCS_INACTIVE;
+        break;
+    case ObGrayedUnoptioned:
+        State = DFCS_BUTTONRADIO | DFCS_INACTIVE;
+        break;
+    case ObDoubleChecked:
+        State = DFCS_BUTTONCHECK;
+        break;
+    case ObGrayedDoubleChecked:
+        State = DFCS_INACTIVE;
+        break;
     case obOpen:
     case obClose:
-    case obEmpty: break;
+    case obEmpty:
+        break;
     }
     if (Kind >= obChecked) Canvas.DrawFrameControl(Frame, DFC_BUTTON, State | Flat);
     if (Kind == ObDoubleChecked || Kind == ObGrayedDoubleChecked) {
@@ -130,8 +154,8 @@ void TCustomQuillTree::DrawButton(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap 
         Frame.Inflate(-Shrink, -Shrink);
         if (!DoubleCheckMark) InitDoubleChecks();
         TBitmap& Mark = Kind == ObDoubleChecked ? *DoubleCheckMark : *GrayedDoubleCheckMark;
-        Canvas.Draw(Frame.Left + (Frame.Width() - Mark.GetWidth()) / 2, Frame.Top + (Frame.Height() - Mark.GetHeight()) / 2,
-                    &Mark);
+        Canvas.Draw(Frame.Left + (Frame.Width() - Mark.GetWidth()) / 2,
+                    Frame.Top + (Frame.Height() - Mark.GetHeight()) / 2, &Mark);
     }
     Canvas.GetBrush()->SetColor(OldBrush);
 }

@@ -89,7 +89,8 @@ THitTests TCustomQuillTree::GetHitTestInfoAt(int X, int Y) {
         const int Side = FStatesDrawed ? FButtonSize : GlyphHeight;
         const int ButtonLeft = Slot + (FIndent - Side) / 2;
         BandTop = C.Top + (C.Height() - Side) / 2;
-        if (FShowButtons && At >= ButtonLeft && At <= ButtonLeft + Side && Y >= BandTop && Y <= BandTop + Side) {
+        if (FShowButtons && At >= ButtonLeft && At <= ButtonLeft + Side && Y >= BandTop &&
+            Y <= BandTop + Side) {
             Result.Include(htOnButton);
             return Result;
         }
@@ -163,8 +164,7 @@ void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, in
 
     TFlyNode* Node = GetNodeAt(X, Y);
     if (Node && FToggleSelection) Shift = WithCtrlInverted(Shift);
-    const bool IsSelecting =
-        (Button == mbLeft && IsPlain(Shift)) || (Button == mbRight && FRightClickSelect);
+    const bool IsSelecting = (Button == mbLeft && IsPlain(Shift)) || (Button == mbRight && FRightClickSelect);
     if (Node && IsSelecting && Hit.Contains(htOnItem) && !Hit.Contains(htOnStateIcon) && HasSelection()) {
         if (Button == mbLeft || !Node->GetSelected()) {
             // A plain click leaves no other node marked.

@@ -1,6 +1,6 @@
 // The outline of the structure cell: slots, connecting lines, buttons, state glyphs and images.
-#include "host/graphics/Canvas.h"
 #include "host/base/Events.h"
+#include "host/graphics/Canvas.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -43,6 +43,14 @@ int TCustomQuillTree::GetCX(int Level) {
     return OutlineCentre((Mirrored ? GetClientWidth() - Cell.Right : Cell.Left) - GetHOffset(), Level);
 }
 
+// Whether a sibling behind Node has a row. A placeholder counts as it is: painting makes no nodes that are out of view.
+bool TCustomQuillTree::HasRowBehind(TFlyNode* Node) const {
+    const TTreeCollection* Collection = Node->GetCollection();
+    TTreeSlot* Slot = Node->NextSlot();
+    while (Slot && !FItems->RowList.Contains(Slot)) Slot = Collection->GetChildList()->Next(Slot);
+    return Slot != nullptr;
+}
+
 // --- ancestors ---------------------------------------------------------------------------------------------------
 
 // The level of a node, without walking up when the node painted last is a neighbour.
@@ -65,12 +73,13 @@ void TCustomQuillTree::UpdateAncestors(TFlyNode* Node, int MaxLevels) {
             --Level;
         }
         if (Step == Parent) {
-            const std::size_t Known = std::min(FAncestors.size(), static_cast<std::size_t>(std::max(Level, 0)));
+            const std::size_t Known =
+                std::min(FAncestors.size(), static_cast<std::size_t>(std::max(Level, 0)));
             FAncestors.resize(Known);
             FAncestorHasNext.resize(Known);
             if (Parent && Level < FAncestorsMax) {
                 FAncestors.push_back(Parent);
-                FAncestorHasNext.push_back(Parent->GetNextVisibleSibling() != nullptr);
+                FAncestorHasNext.push_back(HasRowBehind(Parent));
             }
             FAncestorsOf = Node;
             FAncestorsLevel = Level + 1;
@@ -87,7 +96,7 @@ void TCustomQuillTree::UpdateAncestors(TFlyNode* Node, int MaxLevels) {
         if (Level < MaxLevels) FAncestors.push_back(Step);
     }
     std::reverse(FAncestors.begin(), FAncestors.end());
-    for (TFlyNode* Step : FAncestors) FAncestorHasNext.push_back(Step->GetNextVisibleSibling() != nullptr);
+    for (TFlyNode* Step : FAncestors) FAncestorHasNext.push_back(HasRowBehind(Step));
 }
 
 // --- lines -------------------------------------------------------------------------------------------------------
@@ -100,7 +109,8 @@ void TCustomQuillTree::InternalLineTo(TCanvas& Canvas, int X, bool Vertical, int
     const int Step = End < Start ? -1 : 1;
     // Points far outside the clip are not walked.
     const TRect Clip = Canvas.GetClipRect();
-    const int Low = std::max(std::min(Start, End + (Step < 0 ? 1 : 0)), Vertical ? Clip.Top - 1 : Clip.Left - 1);
+    const int Low =
+        std::max(std::min(Start, End + (Step < 0 ? 1 : 0)), Vertical ? Clip.Top - 1 : Clip.Left - 1);
     const int High = std::min(std::max(Start, End - (Step > 0 ? 1 : 0)), Vertical ? Clip.Bottom : Clip.Right);
     // Single points of a mirrored canvas lie one pixel beside the mirrored picture.
     const int Shift = Canvas.GetCanvasOrientation() == coRightToLeft ? 1 : 0;
@@ -133,8 +143,8 @@ void TCustomQuillTree::DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TR
     const int Below = R.Bottom + 1;
     const int Centre = OutlineCentre(FOutlineLeft, Level);
     const int Middle = MadeOdd(R.Top + (R.Bottom - R.Top) / 2);
-    const bool HasPrev = GetPrevVisible(Node) != nullptr;
-    const bool HasNext = Node->GetNextVisibleSibling() != nullptr;
+    const bool HasPrev = FItems->RowList.First() != Node;
+    const bool HasNext = HasRowBehind(Node);
     const bool IsStandard = FOutlineStyle == olsStandardTree;
 
     if (IsStandard) {
@@ -159,9 +169,9 @@ void TCustomQuillTree::DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TR
 
     // The verticals of ancestors that go on below. A top-level ancestor has one in the standard style only.
     const int Shift = IsStandard ? 0 : FIndent;
-    for (std::size_t K = IsStandard ? 0 : 1; K < FAncestors.size(); ++K) {
-        if (!FAncestorHasNext[K]) continue;
-        const int X = OutlineCentre(FOutlineLeft, static_cast<int>(K)) - Shift;
+    for (int K = static_cast<int>(FAncestors.size()) - 1; K >= (IsStandard ? 0 : 1); --K) {
+        if (!FAncestorHasNext[static_cast<std::size_t>(K)]) continue;
+        const int X = OutlineCentre(FOutlineLeft, K) - Shift;
         OutlineLine(Canvas, {X, Above}, {X, Below});
     }
 }
@@ -245,7 +255,8 @@ void TCustomQuillTree::DrawNodePicture(TCanvas& Canvas, TFlyNode* Node, int ARow
         Picture.SetTransparent(true);
         Picture.SetTransparentMode(tmAuto);
     }
-    Canvas.Draw(X + (FIndent - Picture.GetWidth()) / 2, Cell.Top + (Cell.Height() - Picture.GetHeight()) / 2, &Picture);
+    Canvas.Draw(X + (FIndent - Picture.GetWidth()) / 2, Cell.Top + (Cell.Height() - Picture.GetHeight()) / 2,
+                &Picture);
     X += FIndent;
 }
 

@@ -12,18 +12,24 @@ constexpr TExGridDrawState SelectionLook{gdSelected, gdFocused};
 
 unsigned VerticalFlag(TNVVertAlign Align) {
     switch (Align) {
-    case tvaTop: return DT_TOP;
-    case tvaBottom: return DT_BOTTOM;
-    case tvaCenter: break;
+    case tvaTop:
+        return DT_TOP;
+    case tvaBottom:
+        return DT_BOTTOM;
+    case tvaCenter:
+        break;
     }
     return DT_VCENTER;
 }
 
 unsigned AlignmentFlag(TAlignment Align) {
     switch (Align) {
-    case taLeftJustify: return DT_LEFT;
-    case taRightJustify: return DT_RIGHT;
-    case taCenter: break;
+    case taLeftJustify:
+        return DT_LEFT;
+    case taRightJustify:
+        return DT_RIGHT;
+    case taCenter:
+        break;
     }
     return DT_CENTER;
 }
@@ -40,15 +46,19 @@ TRect DataTextRect(TRect Cell, TAlignment Align) {
 } // namespace
 
 void TCustomQuillTree::Paint() {
+    const TControlGuard Guard(this);
     FAncestorsOf = nullptr;
     TCustomExGrid::Paint();
+    // Outside a paint nodes move and the rows before are no neighbours.
+    if (Guard) FAncestorsOf = nullptr;
 }
 
 TAlignment TCustomQuillTree::GetAlignment(int ACol) { return GetColAlignMent(ACol); }
 
 // Flags of a text that wraps or is cut with an ellipsis.
 unsigned TCustomQuillTree::TextFlags() const {
-    return FWordWrap ? DT_NOPREFIX | DT_WORDBREAK : DT_END_ELLIPSIS | DT_NOPREFIX | DT_SINGLELINE | DT_VCENTER;
+    return FWordWrap ? DT_NOPREFIX | DT_WORDBREAK
+                     : DT_END_ELLIPSIS | DT_NOPREFIX | DT_SINGLELINE | DT_VCENTER;
 }
 
 bool TCustomQuillTree::SelectionSpans(int ACol) const {
@@ -56,12 +66,13 @@ bool TCustomQuillTree::SelectionSpans(int ACol) const {
     return Selection.Left <= ACol && ACol <= Selection.Right;
 }
 
-void TCustomQuillTree::DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
-                                bool& ContinueRow) {
+void TCustomQuillTree::DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect& Rect,
+                                TExGridDrawState State, bool& ContinueRow) {
     const TControlGuard Guard(this);
     // A cell outside the clip costs nothing but the user's event.
     if (Canvas.RectVisible(Rect)) {
         TFlyNode* Node = GetNodeAtRow(ARow);
+        if (!Guard) return;
         Canvas.GetBrush()->SetColor(TCustomExGrid::GetColor());
         Canvas.GetFont()->SetColor(GetFont()->GetColor());
         if (Node && Node->GetSelected()) {
@@ -80,6 +91,7 @@ void TCustomQuillTree::DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect
         if (!Guard) return;
         // The steps above are application code too.
         if (Node) Node = GetNodeAtRow(ARow);
+        if (!Guard) return;
         if (Node && ACol == FStructureCol) {
             DrawStructureNode(Canvas, Node, Rect, ARow, ACol, State);
         } else if (Node && ACol < GetColCount()) {
@@ -113,8 +125,8 @@ void TCustomQuillTree::GetColor(TFlyNode* Node, int ACol, int, TExGridDrawState 
 
 // --- structure and data cells ------------------------------------------------------------------------------------
 
-void TCustomQuillTree::DrawStructureNode(TCanvas& Canvas, TFlyNode* Node, const TRect& Rect, int ARow, int ACol,
-                                         TExGridDrawState State) {
+void TCustomQuillTree::DrawStructureNode(TCanvas& Canvas, TFlyNode* Node, const TRect& Rect, int ARow,
+                                         int ACol, TExGridDrawState State) {
     const TControlGuard Guard(this);
     const TNodeWatch Watch(Node);
     const TColor OldBrush = Canvas.GetBrush()->GetColor();
@@ -147,7 +159,8 @@ void TCustomQuillTree::DrawStructureNode(TCanvas& Canvas, TFlyNode* Node, const 
     DrawStructureCellContents(Canvas, TextRect, HotFont, State, Text, Node, tvaCenter, ARow, ACol);
     if (!Guard) return;
     Canvas.SetBkMode(OldMode);
-    if (Focused() && GetOptions().Contains(goDrawFocusSelected) && State.Contains(gdFocused) && !IsRowSelect()) {
+    if (Focused() && GetOptions().Contains(goDrawFocusSelected) && State.Contains(gdFocused) &&
+        !IsRowSelect()) {
         Canvas.DrawFocusRect(TextRect);
     }
     if (HotFont) Canvas.GetFont()->SetStyle(OldStyle);
@@ -155,9 +168,9 @@ void TCustomQuillTree::DrawStructureNode(TCanvas& Canvas, TFlyNode* Node, const 
     Canvas.GetBrush()->SetColor(OldBrush);
 }
 
-void TCustomQuillTree::DrawStructureCellContents(TCanvas& Canvas, TRect& Rect, bool& HotFont, TExGridDrawState State,
-                                                 const std::string& Text, TFlyNode* Node, TNVVertAlign VertAlign,
-                                                 int ARow, int ACol) {
+void TCustomQuillTree::DrawStructureCellContents(TCanvas& Canvas, TRect& Rect, bool& HotFont,
+                                                 TExGridDrawState State, const std::string& Text,
+                                                 TFlyNode* Node, TNVVertAlign VertAlign, int ARow, int ACol) {
     const unsigned Flags =
         FWordWrap ? DT_NOPREFIX | DT_WORDBREAK : DT_END_ELLIPSIS | DT_NOPREFIX | DT_SINGLELINE;
     if (FHotTrack && ARow == FTrackedRow && FStructureCol >= GetFixedCols()) {
@@ -211,7 +224,8 @@ void TCustomQuillTree::DrawDataNode(TCanvas& Canvas, TFlyNode* Node, const TRect
         DrawRTLText(Canvas, Text, TextRect, Flags, static_cast<int>(DT_VCENTER));
         Canvas.SetBkMode(OldMode);
     }
-    if (ACol == GetCol() && ARow == GetRow() && !IsRowSelect() && GetOptions().Contains(goDrawFocusSelected)) {
+    if (ACol == GetCol() && ARow == GetRow() && !IsRowSelect() &&
+        GetOptions().Contains(goDrawFocusSelected)) {
         TRect Focus = Rect;
         Focus.Inflate(1, 1);
         Canvas.DrawFocusRect(Focus);

@@ -4,7 +4,10 @@
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
+#include <QMetaMethod>
+
 #include <chrono>
+#include <limits>
 #include <thread>
 
 namespace quill {
@@ -27,8 +30,8 @@ void TCustomQuillTree::FixupRows() {
 }
 
 TFlyNode* TCustomQuillTree::GetNodeAtRow(int Row) {
+    if (!FItems || Row < GetFixedRows()) return nullptr;
     const int Index = Row - GetFixedRows();
-    if (!FItems || Index < 0) return nullptr;
     TFlyNode* Node = FItems->RowList.NodeAt(Index);
     return Node || Index >= FItems->RowList.GetCount() ? Node : FItems->MaterialiseRow(Index);
 }
@@ -69,7 +72,7 @@ void TCustomQuillTree::MakeVisible(TFlyNode* Node) {
 }
 
 void TCustomQuillTree::SetTopItem(TFlyNode* Node) {
-    if (!Node) return;
+    if (!Node || Node->GetOwner() != FItems.get()) return;
     const TControlGuard Guard(this);
     const TNodeWatch Watch(Node);
     Node->MakeVisible();
@@ -82,10 +85,11 @@ void TCustomQuillTree::SetFixedRows(int Value) {
     const TControlGuard Guard(this);
     // More rows are needed first, since the grid refuses fixed rows that leave no other row.
     const int Count = FItems ? FItems->GetCount() : 0;
+    constexpr std::int64_t Most = std::numeric_limits<int>::max();
     if (Count == 0) {
-        SetRowCount(Value + 1);
+        SetRowCount(static_cast<int>(std::min(Most, std::int64_t{Value} + 1)));
     } else if (Value >= Count) {
-        SetRowCount(Count + Value);
+        SetRowCount(static_cast<int>(std::min(Most, std::int64_t{Count} + Value)));
     }
     if (!Guard) return;
     TCustomExGrid::SetFixedRows(Value);
@@ -109,12 +113,12 @@ bool TCustomQuillTree::CanSlide() const {
 
 // Pixels that Count rows from Index take, cut at Limit.
 int TCustomQuillTree::SlideExtent(int Index, int Count, int Limit) {
-    int Total = 0;
+    std::int64_t Total = 0;
     for (int Row = Index; Row < Index + Count; ++Row) {
         Total += GetRowHeights(Row);
         if (Total > Limit) return Limit;
     }
-    return Total;
+    return static_cast<int>(Total);
 }
 
 // Puts the frame just drawn on the screen and leaves it there for a moment.
@@ -163,7 +167,8 @@ void TCustomQuillTree::SlideRowsUp(int Index, int Count) {
     Picture->GetCanvas()->BitBlt(0, 0, Area.Width(), Area.Height(), Canvas, Area.Left, Area.Top, SRCCOPY);
     int Offset = 0;
     for (int Step = 1; Total > 0; ++Step) {
-        Canvas.BitBlt(Area.Left, Area.Top, Area.Right, Area.Bottom, *Picture->GetCanvas(), 0, Offset, SRCCOPY);
+        Canvas.BitBlt(Area.Left, Area.Top, Area.Right, Area.Bottom, *Picture->GetCanvas(), 0, Offset,
+                      SRCCOPY);
         Total -= Step;
         if (Total > 0) {
             Offset += Step;
@@ -175,6 +180,7 @@ void TCustomQuillTree::SlideRowsUp(int Index, int Count) {
 }
 
 void TCustomQuillTree::InsertRows(int Index, int Count) {
+    if (Count <= 0) return;
     const TControlGuard Guard(this);
     if (CanSlide()) SlideRowsDown(Index, Count);
     if (!Guard) return;
@@ -192,13 +198,14 @@ void TCustomQuillTree::InsertRows(int Index, int Count) {
 }
 
 void TCustomQuillTree::DeleteRows(int Index, int Count) {
+    if (Count <= 0) return;
     const TControlGuard Guard(this);
     if (CanSlide()) SlideRowsUp(Index, Count);
     if (!Guard) return;
     if (!IsLoading() && HeightsMatter()) {
         // Under FitToHeight storing only forgets measured heights, so nothing is measured to be moved.
         for (int Row = Index + 1; Guard && Row < GetRowCount(); ++Row) {
-            SetRowHeights(Row, FFitToHeight ? 0 : GetRowHeights(Row + Count));
+            SetRowHeights(Row, FFitToHeight && GetNodeAtRow(Row) ? -1 : GetRowHeights(Row + Count));
         }
     }
     if (Guard) SetRowCount(GetRowCount() - Count);
@@ -226,7 +233,9 @@ bool TCustomQuillTree::HasUniformHeights() const {
 
 // Whether moving stored heights from row to row could change anything that can be seen or noticed.
 bool TCustomQuillTree::HeightsMatter() const {
-    return (FItems && FItems->GetHasStoredHeights()) || OnRowHeightChanging || OnRowHeightChanged;
+    static const QMetaMethod Signal = QMetaMethod::fromSignal(&TCustomExGrid::rowHeightChanged);
+    return (FItems && FItems->GetHasStoredHeights()) || OnRowHeightChanging || OnRowHeightChanged ||
+           isSignalConnected(Signal);
 }
 
 int TCustomQuillTree::GetRowHeights(int Row) {

@@ -1,8 +1,8 @@
 // Selection and keys: marks, ranges, the current node, keyboard actions and incremental search.
 #include "host/base/Collation.h"
+#include "host/base/Events.h"
 #include "host/base/Utf8.h"
 #include "host/windows/Application.h"
-#include "host/base/Events.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -28,6 +28,7 @@ void TCustomQuillTree::SetSelection(TFlyNode* Node) {
         InvalidateCurrent();
         return;
     }
+    if (Node->GetOwner() != FItems.get()) return; // another tree's rows mean nothing here
     const TNodeWatch Watch(Node);
     Node->MakeVisible();
     if (!Guard || !Watch) return;
@@ -88,10 +89,12 @@ bool TCustomQuillTree::InSelection(int ACol, int ARow) {
 
 // --- moving ------------------------------------------------------------------------------------------------------
 
-bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) {
+bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftState Shift,
+                                  TSelectionWay Way) {
     const TControlGuard Guard(this);
     TNodeWatch Old(GetNodeAtRow(GetRow()));
-    TNodeWatch New(GetNodeAtRow(ARow));
+    TNodeWatch New(Guard ? GetNodeAtRow(ARow) : nullptr);
+    if (!Guard) return false;
     const bool HadNode = New;
     bool Result = false;
     if (HadNode && ACol >= GetFixedCols()) {
@@ -123,7 +126,7 @@ bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftS
 void TCustomQuillTree::AutoExpandTo(TNodeWatch& Old, TNodeWatch& New) {
     const TControlGuard Guard(this);
     const bool Moved = Old.Get() != New.Get();
-    FItems->BeginUpdate();
+    const TUpdateBracket Bracket(FItems.get());
     if (New) New->SetExpanded(!New->GetExpanded());
     if (Guard && Moved) {
         for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
@@ -133,7 +136,6 @@ void TCustomQuillTree::AutoExpandTo(TNodeWatch& Old, TNodeWatch& New) {
             Top->Collapse(true);
         }
     }
-    if (Guard) FItems->EndUpdate();
 }
 
 void TCustomQuillTree::MarkRange(int FromRow, int ToRow, bool Mark) {
@@ -150,7 +152,8 @@ void TCustomQuillTree::Selecting(int, int ARow, TFlyNode* Node, TShiftState Shif
     if (Shift.Contains(ssShift)) {
         if (!FAnchorNode) return;
         FlushSelection();
-        if (FRangeStartNode && FRangeStartNode->GetRow() >= 0) MarkRange(FRangeStartNode->GetRow(), ARow, false);
+        if (FRangeStartNode && FRangeStartNode->GetRow() >= 0)
+            MarkRange(FRangeStartNode->GetRow(), ARow, false);
         FRangeStartNode = GetNodeAtRow(ARow);
         const int AnchorRow = FAnchorNode->GetRow();
         if (AnchorRow >= 0) MarkRange(AnchorRow, ARow, true);
@@ -167,13 +170,15 @@ void TCustomQuillTree::Selecting(int, int ARow, TFlyNode* Node, TShiftState Shif
 void TCustomQuillTree::FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) {
     const TControlGuard Guard(this);
     TFlyNode* Node = GetNodeAtRow(ARow);
+    if (!Guard) return;
     if (FShowImages) {
         // Their picture depends on being current.
         const TFlyNode* Current = GetNodeAtRow(GetRow());
         if (Current && Current->GetSelectedIndex() != -1 && GetCol() != FStructureCol) {
             InvalidateCell(FStructureCol, GetRow());
         }
-        if (Node && Node->GetSelectedIndex() != -1 && ACol != FStructureCol) InvalidateCell(FStructureCol, ARow);
+        if (Node && Node->GetSelectedIndex() != -1 && ACol != FStructureCol)
+            InvalidateCell(FStructureCol, ARow);
     }
     if (ARow != GetRow()) {
         if (IsRangeSelect() && !(Way != swNone && MoveAnchor)) {
@@ -247,23 +252,23 @@ void TCustomQuillTree::ExpandItem(TFlyNode*, bool) {}
 
 void TCustomQuillTree::FullExpand() {
     const TControlGuard Guard(this);
-    FItems->BeginUpdate();
-    for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
-        if (!FItems->NVMeta(Index)) FItems->GetNodeFromIndex(Index)->Expand(true);
+    {
+        const TUpdateBracket Bracket(FItems.get());
+        for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
+            if (!FItems->NVMeta(Index)) FItems->GetNodeFromIndex(Index)->Expand(true);
+        }
     }
-    if (!Guard) return;
-    FItems->EndUpdate();
     if (Guard) Invalidate();
 }
 
 void TCustomQuillTree::FullCollapse() {
     const TControlGuard Guard(this);
-    FItems->BeginUpdate();
-    for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
-        if (!FItems->NVMeta(Index)) FItems->GetNodeFromIndex(Index)->Collapse(true);
+    {
+        const TUpdateBracket Bracket(FItems.get());
+        for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
+            if (!FItems->NVMeta(Index)) FItems->GetNodeFromIndex(Index)->Collapse(true);
+        }
     }
-    if (!Guard) return;
-    FItems->EndUpdate();
     if (Guard) Invalidate();
 }
 
@@ -272,6 +277,7 @@ void TCustomQuillTree::FullCollapse() {
 void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     const TControlGuard Guard(this);
     TFlyNode* Node = (GetCol() == FStructureCol || IsRowSelect()) ? GetNodeAtRow(GetRow()) : nullptr;
+    if (!Guard) return;
     if (Node) {
         switch (Key) {
         case VK_ADD:
@@ -307,11 +313,21 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
             if (FShowLogic) {
                 int State = Node->GetStateIndex();
                 switch (State) {
-                case 1: State = 2; break;
-                case 2: State = 1; break;
-                case 4: State = 5; break;
-                case 5: State = 4; break;
-                default: State = -1; break;
+                case 1:
+                    State = 2;
+                    break;
+                case 2:
+                    State = 1;
+                    break;
+                case 4:
+                    State = 5;
+                    break;
+                case 5:
+                    State = 4;
+                    break;
+                default:
+                    State = -1;
+                    break;
                 }
                 if (State >= 0) {
                     Node->SetStateIndex(State);
@@ -320,7 +336,8 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
                 }
             }
             break;
-        default: break;
+        default:
+            break;
         }
     }
     if (Guard) TCustomExGrid::KeyDown(Key, Shift);
@@ -345,16 +362,24 @@ void TCustomQuillTree::WMChar(TWMKey& Message) {
     if (Now - FSearchTick > SearchWindow) FSearchText.clear();
     AppendUtf8(FSearchText, Char);
     FSearchTick = Now;
-    SetSelection(IncSearch(Start));
-    if (!Guard) return;
+    if (!SelectFound(Start)) return;
     if (GetSelection() == Start && Utf8Length(FSearchText) > 1) {
         FSearchText.clear();
         AppendUtf8(FSearchText, Char);
-        SetSelection(IncSearch(Start));
-        if (!Guard) return;
+        if (!SelectFound(Start)) return;
     }
     Message.CharCode = 0;
     Message.Result = 1;
+}
+
+// Selects what the search from Start finds; false when a handler took Start or the tree away.
+bool TCustomQuillTree::SelectFound(TFlyNode* Start) {
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Start);
+    TFlyNode* Found = IncSearch(Start);
+    if (!Guard || (Start && !Watch)) return false;
+    SetSelection(Found);
+    return Guard && (!Start || Watch);
 }
 
 TFlyNode* TCustomQuillTree::IncSearch(TFlyNode* Start) {

@@ -12,8 +12,14 @@ namespace {
 using TOutrage = std::function<void(std::unique_ptr<TTestTree>& Tree, TFlyNode* Node)>;
 
 const std::pair<const char*, TOutrage> Outrages[] = {
-    {"delete the node", [](auto&, TFlyNode* Node) { if (Node) Node->Delete(); }},
-    {"delete its parent", [](auto&, TFlyNode* Node) { if (Node && Node->GetParent()) Node->GetParent()->Delete(); }},
+    {"delete the node",
+     [](auto&, TFlyNode* Node) {
+         if (Node) Node->Delete();
+     }},
+    {"delete its parent",
+     [](auto&, TFlyNode* Node) {
+         if (Node && Node->GetParent()) Node->GetParent()->Delete();
+     }},
     {"clear the tree", [](auto& Tree, TFlyNode*) { Tree->GetItems()->Clear(); }},
     {"destroy the tree", [](auto& Tree, TFlyNode*) { Tree.reset(); }},
     {"collapse everything", [](auto& Tree, TFlyNode*) { Tree->FullCollapse(); }},
@@ -26,39 +32,57 @@ const std::pair<const char*, TOutrage> Outrages[] = {
 using TAttach = std::function<void(TTestTree& Tree, std::function<void(TFlyNode*)> Handler)>;
 
 const std::pair<const char*, TAttach> Events[] = {
-    {"OnExpanding", [](TTestTree& T, auto H) { T.OnExpanding = [H](TObject*, TFlyNode* N, bool&) { H(N); }; }},
+    {"OnExpanding",
+     [](TTestTree& T, auto H) { T.OnExpanding = [H](TObject*, TFlyNode* N, bool&) { H(N); }; }},
     {"OnExpanded", [](TTestTree& T, auto H) { T.OnExpanded = [H](TObject*, TFlyNode* N) { H(N); }; }},
-    {"OnCollapsing", [](TTestTree& T, auto H) { T.OnCollapsing = [H](TObject*, TFlyNode* N, bool&) { H(N); }; }},
+    {"OnCollapsing",
+     [](TTestTree& T, auto H) { T.OnCollapsing = [H](TObject*, TFlyNode* N, bool&) { H(N); }; }},
     {"OnCollapsed", [](TTestTree& T, auto H) { T.OnCollapsed = [H](TObject*, TFlyNode* N) { H(N); }; }},
     {"OnChanging", [](TTestTree& T, auto H) { T.OnChanging = [H](TObject*, TFlyNode* N, bool&) { H(N); }; }},
     {"OnChange", [](TTestTree& T, auto H) { T.OnChange = [H](TObject*, TFlyNode* N) { H(N); }; }},
     {"OnDeletion", [](TTestTree& T, auto H) { T.OnDeletion = [H](TObject*, TFlyNode* N) { H(N); }; }},
-    {"OnGetImageIndex", [](TTestTree& T, auto H) { T.OnGetImageIndex = [H](TObject*, TFlyNode* N) { H(N); }; }},
-    {"OnGetSelectedIndex", [](TTestTree& T, auto H) { T.OnGetSelectedIndex = [H](TObject*, TFlyNode* N) { H(N); }; }},
+    {"OnGetImageIndex",
+     [](TTestTree& T, auto H) { T.OnGetImageIndex = [H](TObject*, TFlyNode* N) { H(N); }; }},
+    {"OnGetSelectedIndex",
+     [](TTestTree& T, auto H) { T.OnGetSelectedIndex = [H](TObject*, TFlyNode* N) { H(N); }; }},
     {"OnGetEditText",
      [](TTestTree& T, auto H) {
          T.OnGetEditText = [&T, H](TObject*, int, int Row, std::string&) { H(T.GetNodeAtRow(Row)); };
      }},
     {"OnDrawCell",
      [](TTestTree& T, auto H) {
-         T.OnDrawCell = [&T, H](TObject*, TCanvas&, int, int Row, TRect, TExGridDrawState) { H(T.GetNodeAtRow(Row)); };
+         T.OnDrawCell = [&T, H](TObject*, TCanvas&, int, int Row, TRect, TExGridDrawState) {
+             H(T.GetNodeAtRow(Row));
+         };
      }},
     {"OnTopLeftChanged",
-     [](TTestTree& T, auto H) { T.OnTopLeftChanged = [&T, H](TObject*) { H(T.GetNodeAtRow(T.GetTopRow())); }; }},
+     [](TTestTree& T, auto H) {
+         T.OnTopLeftChanged = [&T, H](TObject*) { H(T.GetNodeAtRow(T.GetTopRow())); };
+     }},
 };
 
 using TOperation = std::function<void(std::unique_ptr<TTestTree>& Tree)>;
 
 // Each is one user action or call; the tree may be gone or empty after any of them.
 const std::pair<const char*, TOperation> Operations[] = {
-    {"expand", [](auto& Tree) { if (TFlyNode* N = Tree->Find("Pear")) N->Expand(true); }},
-    {"collapse", [](auto& Tree) { if (TFlyNode* N = Tree->Find("Fruit")) N->Collapse(true); }},
+    {"expand",
+     [](auto& Tree) {
+         if (TFlyNode* N = Tree->Find("Pear")) N->Expand(true);
+     }},
+    {"collapse",
+     [](auto& Tree) {
+         if (TFlyNode* N = Tree->Find("Fruit")) N->Collapse(true);
+     }},
     {"select", [](auto& Tree) { Tree->SetSelection(Tree->Find("Apple")); }},
-    {"move down", [](auto& Tree) {
+    {"move down",
+     [](auto& Tree) {
          std::uint16_t Key = VK_DOWN;
          Tree->KeyDown(Key, {});
      }},
-    {"delete", [](auto& Tree) { if (TFlyNode* N = Tree->Find("Plum")) N->Delete(); }},
+    {"delete",
+     [](auto& Tree) {
+         if (TFlyNode* N = Tree->Find("Plum")) N->Delete();
+     }},
     {"paint", [](auto& Tree) { Tree->Repaint(); }},
     {"scroll", [](auto& Tree) { Tree->SetTopRow(2); }},
     {"full expand", [](auto& Tree) { Tree->FullExpand(); }},

@@ -67,7 +67,8 @@ TEST_P(TreeMouse, AClickOnATextSelectsThatNodeAlone) {
 
 TEST_P(TreeMouse, HitsNameTheParts) {
     TFlyNode* Pear = Tree.Find("Pear");
-    EXPECT_EQ(Tree.GetHitTestInfoAt(ButtonOf(Tree, Pear).X, ButtonOf(Tree, Pear).Y), (THitTests{htOnItem, htOnButton}));
+    EXPECT_EQ(Tree.GetHitTestInfoAt(ButtonOf(Tree, Pear).X, ButtonOf(Tree, Pear).Y),
+              (THitTests{htOnItem, htOnButton}));
     const TPoint Text = Middle(Tree.DisplayRect(Pear, true));
     EXPECT_EQ(Tree.GetHitTestInfoAt(Text.X, Text.Y), (THitTests{htOnItem, htOnLabel}));
     const int Edge = GetParam() == bdRightToLeft ? Tree.GetClientWidth() - 3 : 3;

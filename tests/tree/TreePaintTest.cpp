@@ -49,7 +49,8 @@ public:
                 }
             }
         };
-        for (int X = 0; X < 120; ++X) Scan('|', X, Image.height(), [&](int Px, int Py) { return IsLine(Px, Py); });
+        for (int X = 0; X < 120; ++X)
+            Scan('|', X, Image.height(), [&](int Px, int Py) { return IsLine(Px, Py); });
         for (int Y = 0; Y < GetRowCount() * RowHeight; ++Y) {
             Scan('-', Y, 120, [&](int Py, int Px) { return IsLine(Px, Py); });
         }
@@ -180,7 +181,8 @@ TEST(TreePaint, TextsOfAllColumnsStandOnOneLineInTallRows) {
     Tree.HandleNeeded();
     TRecordingCanvas Canvas(400, 90);
     bool Continue = true;
-    for (const int Col : {0, 1}) Tree.DrawCell(Canvas, Col, 0, {Col * 200, 0, Col * 200 + 200, 90}, {}, Continue);
+    for (const int Col : {0, 1})
+        Tree.DrawCell(Canvas, Col, 0, {Col * 200, 0, Col * 200 + 200, 90}, {}, Continue);
     const auto Top = [&](int Left, int Right) {
         for (int Y = 0; Y < 90; ++Y) {
             for (int X = Left; X < Right; ++X) {

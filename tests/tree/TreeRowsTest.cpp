@@ -20,9 +20,10 @@ TEST(TreeRows, ANewTreeHoldsOneNodeAndTheStatedDefaults) {
     EXPECT_EQ(Tree.GetHotTrackColor(), clBlue);
     EXPECT_EQ(Tree.GetOutlineColor(), clGray);
     EXPECT_EQ(Tree.GetOutlineStyle(), olsStandardTree);
-    EXPECT_TRUE(Tree.GetShowButtons() && Tree.GetShowlines() && Tree.GetShowRoot() && Tree.GetStatesDrawed() &&
-                Tree.GetSmoothExpandCollapse() && Tree.GetDoubleBuffered());
-    EXPECT_FALSE(Tree.GetUniqueTags() || Tree.GetParentColor() || Tree.GetShowImages() || Tree.GetShowLogic());
+    EXPECT_TRUE(Tree.GetShowButtons() && Tree.GetShowlines() && Tree.GetShowRoot() &&
+                Tree.GetStatesDrawed() && Tree.GetSmoothExpandCollapse() && Tree.GetDoubleBuffered());
+    EXPECT_FALSE(Tree.GetUniqueTags() || Tree.GetParentColor() || Tree.GetShowImages() ||
+                 Tree.GetShowLogic());
 }
 
 TEST(TreeRows, FollowExpandingCollapsingHidingAndDeleting) {
@@ -30,7 +31,8 @@ TEST(TreeRows, FollowExpandingCollapsingHidingAndDeleting) {
     Tree.Build(Fruit);
     EXPECT_EQ(Tree.Rows(), "Fruit(+)< Apple Pear(+) Red Green Plum Nuts");
     Tree.Find("Pear")->Collapse(false);
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Plum Nuts") << "collapsing selects the focused node again";
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Plum Nuts")
+        << "collapsing selects the focused node again";
     Tree.Find("Hazel")->MakeVisible();
     EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Plum Nuts(+) Hazel");
     Tree.Find("Fruit")->Hide();
