@@ -24,7 +24,16 @@ constexpr TSaveNodesOptions SavedFields{tsnIncludeImageIndex, tsnIncludeSelected
 
 } // namespace
 
-TExplorerWindow::TExplorerWindow() : FPictures(LoadPictures()), FTree(new TQuillTree(this)) {
+// What the cells show; the search for typed letters asks the event alone.
+std::string TExplorerTree::GetEditText(int ACol, int ARow) {
+    constexpr const char* FirstStrongIsolate = "\u2068";
+    constexpr const char* PopDirectionalIsolate = "\u2069";
+    std::string Text = TQuillTree::GetEditText(ACol, ARow);
+    if (!UseRightToLeftReading() || Text.empty() || ARow < GetFixedRows()) return Text;
+    return FirstStrongIsolate + Text + PopDirectionalIsolate;
+}
+
+TExplorerWindow::TExplorerWindow() : FPictures(LoadPictures()), FTree(new TExplorerTree(this)) {
     SetUpTree(*FTree);
     FTree->SetImages(FPictures.get());
     FTree->OnGetEditText = [this](TObject*, int ACol, int ARow, std::string& Value) {

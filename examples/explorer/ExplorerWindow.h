@@ -16,13 +16,22 @@ namespace quill::examples {
 
 class TTreeStatus;
 
+// Names, paths and dates read from left to right also where everything else runs from right to left.
+class TExplorerTree : public TQuillTree {
+    Q_OBJECT
+
+public:
+    using TQuillTree::TQuillTree;
+    std::string GetEditText(int ACol, int ARow) override;
+};
+
 class TExplorerWindow : public QMainWindow {
     Q_OBJECT
 
 public:
     TExplorerWindow();
 
-    TQuillTree* GetTree() const { return FTree; }
+    TExplorerTree* GetTree() const { return FTree; }
     // Raises EDirectoryError and leaves what is shown when the directory cannot be read.
     void OpenRoot(const std::string& Path);
     void ExpandLevels(int Levels) { FFiller->ExpandLevels(Levels); }
@@ -39,7 +48,7 @@ private:
     void About();
 
     std::unique_ptr<TImageList> FPictures;
-    TQuillTree* FTree;
+    TExplorerTree* FTree;
     std::unique_ptr<TDirectoryFiller> FFiller;
     TTreeStatus* FStatus;
     bool FFitPending = true;
