@@ -357,8 +357,7 @@ void TCustomExGrid::UpdateScrollRange() {
         SetScrollPage(SB_HORZ, FColCount == 1 ? Width
                                               : MulDiv(BarScale, FColCount - MaxTopLeft.X,
                                                        std::max(1, MaxTopLeft.X - FFixedCols)));
-        if (FColCount != 1 && MaxTopLeft.X < FTopLeft.X)
-            FTopLeft.X = std::max(FFixedCols, MaxTopLeft.X);
+        if (FColCount != 1 && MaxTopLeft.X < FTopLeft.X) FTopLeft.X = std::max(FFixedCols, MaxTopLeft.X);
         if (MaxTopLeft.Y < FTopLeft.Y) FTopLeft.Y = std::max(FFixedRows, MaxTopLeft.Y);
     }
     ShowScrollPos(MaxTopLeft);

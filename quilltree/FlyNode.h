@@ -130,8 +130,8 @@ public:
     int GetCellCount() const;
     // The stored cell, without asking the control; empty beyond the last one. Valid until the next change.
     std::string_view GetCellView(int Index) const;
-    // All stored cells in one pass, put behind what stands in Cells; valid like GetCellView.
-    void AppendCells(std::vector<std::string_view>& Cells) const;
+    // The text, and all stored cells put behind what stands in Cells, in one pass; valid like GetCellView.
+    std::string_view GetAllTexts(std::vector<std::string_view>& Cells) const;
     // A node has cells 0 .. MaxCells - 1; others are ignored, since the ones before them would have to exist.
     static constexpr int MaxCells = 1 << 24;
     // Stores a cell and nothing else (no repaint).

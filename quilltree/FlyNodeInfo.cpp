@@ -51,7 +51,7 @@ const TClassInfo* TFlyNode::GetClassInfo() const {
 // Streams carry cells one by one, so that line breaks in them survive; CellsText cannot do that.
 bool TFlyNode::GetStreamList(std::vector<std::string_view>& Cells) const {
     if (!HasCells()) return false;
-    AppendCells(Cells);
+    GetAllTexts(Cells);
     return true;
 }
 

@@ -185,7 +185,7 @@ void TFlyNode::AssignFields(TFlyNode* Source) {
         FUniqueTag = Source->GetUniqueTag();
         if (!Source->HasCells()) return;
         std::vector<std::string_view> Cells;
-        Source->AppendCells(Cells);
+        Source->GetAllTexts(Cells);
         if (Source != this) StoreTexts(GetTextView(), Cells);
     });
 }

@@ -83,13 +83,11 @@ std::string_view TFlyNode::GetCellView(int Index) const {
     return Index >= 0 && Index < List.GetCount() ? std::string_view(List.Get(Index)) : std::string_view();
 }
 
-void TFlyNode::AppendCells(std::vector<std::string_view>& Cells) const {
-    if (!HasFlag(FlagListCells)) {
-        Texts().AppendCells(Cells);
-        return;
-    }
+std::string_view TFlyNode::GetAllTexts(std::vector<std::string_view>& Cells) const {
+    if (!HasFlag(FlagListCells)) return Texts().GetAll(Cells);
     const TStringList& List = *NodeExtrasIfAny()->Cells;
     for (int i = 0; i < List.GetCount(); ++i) Cells.push_back(List.Get(i));
+    return GetTextView();
 }
 
 TStringList* TFlyNode::GetCells() {
@@ -98,7 +96,7 @@ TStringList* TFlyNode::GetCells() {
     if (!HasFlag(FlagListCells)) {
         auto List = std::make_unique<TStringList>();
         std::vector<std::string_view> Cells;
-        Texts().AppendCells(Cells);
+        Texts().GetAll(Cells);
         for (const std::string_view Cell : Cells) List->Add(std::string(Cell));
         Extra.Cells = std::move(List);
         Texts().RemoveCells();
@@ -151,7 +149,7 @@ void TFlyNode::SetCell(int Index, const std::string& Value) {
 std::string TFlyNode::GetCellsText() const {
     std::string Result;
     std::vector<std::string_view> Cells;
-    AppendCells(Cells);
+    GetAllTexts(Cells);
     for (const std::string_view Cell : Cells) Result.append(Cell).append("\r\n");
     return Result;
 }

@@ -109,10 +109,10 @@ private:
             return;
         }
         FCells.clear();
-        Node.AppendCells(FCells);
+        const std::string_view Text = Node.GetAllTexts(FCells);
         // Without a control the text goes where loading looks for it, unless a cell stands there.
         const std::size_t Own = FHost ? static_cast<std::size_t>(FStructureCol) : 0;
-        if (Own < FCells.size() && (FHost || FCells[Own].empty())) FCells[Own] = Node.GetTextView();
+        if (Own < FCells.size() && (FHost || FCells[Own].empty())) FCells[Own] = Text;
         for (const std::string_view Cell : FCells) PutText(Cell, FCells.size() == 1);
     }
     void WriteLine() {
@@ -139,6 +139,10 @@ class TLineReader {
 public:
     explicit TLineReader(TStream& Stream) : FStream(Stream), FCapacity(FirstCapacity) {
         FWindow = std::make_unique_for_overwrite<char[]>(FCapacity);
+        // The mark that some editors put first is no part of the text.
+        constexpr std::string_view Mark = "\xEF\xBB\xBF";
+        while (!FAtEnd && FUsed < Mark.size()) Fill();
+        if (std::string_view(FWindow.get(), FUsed).starts_with(Mark)) FPos = Mark.size();
     }
 
     // The line is valid until the next call.
@@ -396,10 +400,7 @@ void TFlyNodes::LoadNodesFromStream(TStream& Stream) {
     const TUpdateBracket Bracket(this);
     if (Self) Clear();
     if (!Self) return;
-    const std::string Bytes = Stream.ReadRest();
-    std::string_view Text = Bytes;
-    if (Text.starts_with("\xEF\xBB\xBF")) Text.remove_prefix(3); // the mark that some editors put first
-    TNodesReader(*this, Text).Read();
+    TNodesReader(*this, Stream).Read();
     if (Self) SortLoaded(*this);
     if (Self && FHost) FHost->RefreshRowHeights();
 }

@@ -4,8 +4,6 @@
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
-#include <QMetaMethod>
-
 #include <chrono>
 #include <limits>
 #include <thread>
@@ -233,9 +231,8 @@ bool TCustomQuillTree::HasUniformHeights() const {
 
 // Whether moving stored heights from row to row could change anything that can be seen or noticed.
 bool TCustomQuillTree::HeightsMatter() const {
-    static const QMetaMethod Signal = QMetaMethod::fromSignal(&TCustomExGrid::rowHeightChanged);
     return (FItems && FItems->GetHasStoredHeights()) || OnRowHeightChanging || OnRowHeightChanged ||
-           isSignalConnected(Signal);
+           HasListener("rowHeightChanged(int,int)");
 }
 
 int TCustomQuillTree::GetRowHeights(int Row) {

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QMetaMethod>
 #include <QPalette>
 #include <QResizeEvent>
 #include <QScrollBar>
@@ -493,6 +494,11 @@ void TCustomControl::CMShowingChanged(TMessage&) {}
 void TCustomControl::CMBiDiModeChanged(TMessage&) {
     // Bars and everything mirrored are made anew.
     RecreateWnd();
+}
+
+bool TCustomControl::HasListener(const char* Signal) const {
+    const int Index = metaObject()->indexOfSignal(Signal);
+    return Index >= 0 && isSignalConnected(metaObject()->method(Index));
 }
 
 } // namespace quill

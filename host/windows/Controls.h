@@ -157,6 +157,8 @@ public:
     double GetScale() const;
     // The surface as the user sees it, brought up to date first.
     QImage GetSurfaceImage();
+    // Whether something is connected to one of our signals, named with its argument types: "changed(int)".
+    bool HasListener(const char* Signal) const;
     // Bitmap of the surface for programs and tests without Qt (client size).
     std::unique_ptr<TBitmap> CaptureClient();
     // Number of Paint calls so far, for tests and benchmarks; device pixels painted by them.
