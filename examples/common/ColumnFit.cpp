@@ -37,7 +37,7 @@ int CommonLimit(const std::vector<int>& Widths, int Room) {
 
 } // namespace
 
-void FitColumns(TCustomQuillTree& Tree) {
+void FitColumns(TCustomQuillTree& Tree, const std::vector<std::string>& Samples) {
     const int Count = Tree.GetColCount();
     if (Count < 2) return;
     TCanvas& Canvas = *Tree.GetCanvas();
@@ -53,6 +53,8 @@ void FitColumns(TCustomQuillTree& Tree) {
     };
     for (int Col = 0; Col < Count; ++Col) {
         if (Tree.GetFixedRows() > 0) Measure(Col, Tree.GetEditText(Col, 0), 0);
+        if (static_cast<std::size_t>(Col) < Samples.size())
+            Measure(Col, Samples[static_cast<std::size_t>(Col)], 0);
     }
     TFlyNode* Node = Tree.GetItems()->GetFirstNode();
     for (int Index = 0; Node && Index < SampleNodes; ++Index, Node = Node->GetNext()) {

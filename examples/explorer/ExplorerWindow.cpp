@@ -22,6 +22,9 @@ namespace {
 constexpr TSaveNodesOptions SavedFields{tsnIncludeImageIndex, tsnIncludeSelectedIndex, tsnIncludeCells,
                                         tsnIncludeExpands};
 
+// What is to come when folders are opened; dates and kinds are there from the start.
+const std::vector<std::string> WideTexts{"a_folder/a_folder/a file with a name.txt", "8,888.8 MB"};
+
 } // namespace
 
 // What the cells show; the search for typed letters asks the event alone.
@@ -97,7 +100,7 @@ void TExplorerWindow::OpenRoot(const std::string& Path) {
     }
     setWindowTitle(QString::fromStdString(Path));
     FStatus->Touch();
-    if (isVisible()) FitColumns(*FTree);
+    if (isVisible()) FitColumns(*FTree, WideTexts);
 }
 
 void TExplorerWindow::SaveOutlineFile(const std::string& FileName) {
@@ -141,7 +144,7 @@ void TExplorerWindow::About() {
 // Columns can be fitted only when the layout has given the tree its place.
 void TExplorerWindow::showEvent(QShowEvent* Event) {
     QMainWindow::showEvent(Event);
-    if (FFitPending) FitColumns(*FTree);
+    if (FFitPending) FitColumns(*FTree, WideTexts);
     FFitPending = false;
 }
 
