@@ -92,7 +92,7 @@ std::string_view TPackedTexts::GetCell(int Index) const {
     }
 }
 
-void TPackedTexts::AppendCells(std::vector<std::string_view>& Cells) const {
+std::string_view TPackedTexts::GetAll(std::vector<std::string_view>& Cells) const {
     const TLayout L = Layout();
     const unsigned char* Bytes = L.Bytes + L.CaptionSize;
     std::size_t Size = 0;
@@ -100,6 +100,7 @@ void TPackedTexts::AppendCells(std::vector<std::string_view>& Cells) const {
         At = GetVar(At, Size);
         Cells.push_back(View(Bytes, Size));
     }
+    return View(L.Bytes, L.CaptionSize);
 }
 
 unsigned char* TPackedTexts::Build(std::string_view Caption, bool WithCells,
@@ -141,14 +142,14 @@ void TPackedTexts::SetCaption(std::string_view Value) {
         return;
     }
     std::vector<std::string_view> Cells;
-    AppendCells(Cells);
+    GetAll(Cells);
     Assign(Value, true, Cells);
 }
 
 void TPackedTexts::SetCell(int Index, std::string_view Value) {
     if (Index < 0) return;
     std::vector<std::string_view> Cells;
-    AppendCells(Cells);
+    GetAll(Cells);
     if (Cells.size() <= static_cast<std::size_t>(Index)) Cells.resize(static_cast<std::size_t>(Index) + 1);
     Cells[static_cast<std::size_t>(Index)] = Value;
     Assign(GetCaption(), true, Cells);

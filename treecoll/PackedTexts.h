@@ -26,8 +26,8 @@ public:
     // Empty beyond the last cell and for a negative Index.
     std::string_view GetCell(int Index) const;
 
-    // All cells in one pass, put behind what stands in Cells.
-    void AppendCells(std::vector<std::string_view>& Cells) const;
+    // The caption, and all cells put behind what stands in Cells, in one pass.
+    std::string_view GetAll(std::vector<std::string_view>& Cells) const;
 
     void SetCaption(std::string_view Value);
     // Appends empty cells until cell Index exists, then stores Value there.

@@ -165,6 +165,32 @@ TEST_F(NodesText, BrokenFilesNameTheLineAndKeepWhatWasRead) {
     EXPECT_LT(Long.size(), 200u) << "offending texts are shortened";
 }
 
+// A stream comes in pieces; wherever they are cut, the lines are the same.
+TEST_F(NodesText, LinesMayBeLongerThanAnyBufferAndCutAnywhere) {
+    class TSlowStream : public TMemoryStream {
+    public:
+        TSlowStream(const std::string& Text, std::int64_t Step) : TMemoryStream(Text), FStep(Step) {}
+        std::int64_t Read(void* Buffer, std::int64_t Count) override {
+            return TMemoryStream::Read(Buffer, std::min(Count, FStep));
+        }
+
+    private:
+        std::int64_t FStep;
+    };
+    const std::string Text = "SaveOptions:8\r\na,1\r\n\tb\r\r\n\tc\nd\r\te\r\n";
+    for (std::int64_t Step = 1; Step < 40; ++Step) {
+        TSlowStream Stream(Text, Step);
+        Nodes.LoadNodesFromStream(Stream);
+        ASSERT_EQ(DumpItems(Nodes), "a [b],  [c], d [e]") << Step;
+    }
+    const std::string Long(5000000, 'x');
+    Load("a\n\t" + Long + "\n\t\"" + Long + "\"\"\"");
+    EXPECT_EQ(Nodes.GetFirstNode()->GetItem(0)->GetTextView(), Long);
+    EXPECT_EQ(Nodes.GetFirstNode()->GetItem(1)->GetTextView(), Long + "\"");
+    Load(std::string(300000, '\n'));
+    EXPECT_EQ(Nodes.GetCount(), 300000);
+}
+
 TEST_F(NodesText, FilesAreNamedInErrors) {
     const std::string Name = (std::filesystem::temp_directory_path() / "quill-nodes-text.txt").string();
     Plant(Nodes, "a[b]");
