@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <unordered_set>
 #include <vector>
 
@@ -40,20 +39,20 @@ void MergeSort(TItems& Items, const TLess& Less) {
     }
 }
 
-// The key of one text: its first eight bytes as a number, which decides most comparisons, and where all of it is.
+// The key of one text: eight bytes of it as a number, which decides most comparisons, and where all of it is.
 struct TTextKey {
-    std::uint64_t Prefix;
+    std::uint64_t Number;
     std::size_t Start;
     std::uint32_t Size;
     std::uint32_t Index;
 };
 
-std::uint64_t PrefixOf(std::string_view Key) {
-    std::uint64_t Prefix = 0;
+std::uint64_t FirstEightBytes(std::string_view Key) {
+    std::uint64_t Number = 0;
     for (std::size_t i = 0; i < 8; ++i) {
-        Prefix = Prefix << 8 | (i < Key.size() ? static_cast<unsigned char>(Key[i]) : 0u);
+        Number = Number << 8 | (i < Key.size() ? static_cast<unsigned char>(Key[i]) : 0u);
     }
-    return Prefix;
+    return Number;
 }
 
 void SortByKeys(TItems& Items, TTreeCollection::TTextOrder Order, bool Ascending) {
@@ -67,15 +66,24 @@ void SortByKeys(TItems& Items, TTreeCollection::TTextOrder Order, bool Ascending
         } else {
             AppendCollationKey(Bytes, Item->GetCaptionView());
         }
-        const std::string_view Key = std::string_view(Bytes).substr(Start);
-        Keys.push_back({PrefixOf(Key), Start, static_cast<std::uint32_t>(Key.size()),
+        Keys.push_back({0, Start, static_cast<std::uint32_t>(Bytes.size() - Start),
                         static_cast<std::uint32_t>(Keys.size())});
     }
-    const auto Compare = [&Bytes](const TTextKey& A, const TTextKey& B) {
-        if (A.Prefix != B.Prefix) return A.Prefix < B.Prefix ? -1 : 1;
-        return std::string_view(Bytes)
-            .substr(A.Start, A.Size)
-            .compare(std::string_view(Bytes).substr(B.Start, B.Size));
+    // Siblings often begin alike ("item 1", "item 2"); what is common to all decides nothing.
+    const auto Text = [&Bytes](const TTextKey& Key) {
+        return std::string_view(Bytes).substr(Key.Start, Key.Size);
+    };
+    const std::string_view First = Text(Keys.front());
+    std::size_t Common = First.size();
+    for (const TTextKey& Key : Keys) {
+        const std::string_view Other = Text(Key).substr(0, Common);
+        Common = static_cast<std::size_t>(std::mismatch(Other.begin(), Other.end(), First.begin()).first -
+                                          Other.begin());
+    }
+    for (TTextKey& Key : Keys) Key.Number = FirstEightBytes(Text(Key).substr(Common));
+    const auto Compare = [&](const TTextKey& A, const TTextKey& B) {
+        if (A.Number != B.Number) return A.Number < B.Number ? -1 : 1;
+        return Text(A).compare(Text(B));
     };
     // The index makes the order total, so that an unstable sort gives the stable result.
     std::sort(Keys.begin(), Keys.end(), [&](const TTextKey& A, const TTextKey& B) {

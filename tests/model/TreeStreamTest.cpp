@@ -307,7 +307,7 @@ TEST(TreeCollection, AssignCopiesCaptionAndItems) {
 
 // A chain is as deep as a tree can get; none of this may use the stack for it.
 TEST(TreeCollection, ADeepChainIsOrdinary) {
-    constexpr int Depth = 200000;
+    constexpr int Depth = 100000;
     THeadlessHost Host;
     TFlyNodes& Nodes = *Host.GetItems();
     TFlyNode* Last = nullptr;
