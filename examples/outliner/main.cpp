@@ -61,7 +61,8 @@ TArguments ReadArguments() {
         {"standard", olsStandardTree}, {"explorer", olsExplorer}, {"solid", olsExcel}};
     const auto Style = Styles.find(Parser.value("outline-style"));
     if (Style == Styles.end()) {
-        std::exit(ReportError("there is no outline style \"" + Parser.value("outline-style").toStdString() + "\""));
+        std::exit(
+            ReportError("there is no outline style \"" + Parser.value("outline-style").toStdString() + "\""));
     }
     Arguments.Style = Style->second;
     return Arguments;
