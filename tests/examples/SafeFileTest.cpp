@@ -1,5 +1,6 @@
 #include "examples/common/SafeFile.h"
 
+#include "tests/examples/ChildProcess.h"
 #include "tests/support/QtTest.h"
 
 #include <gmock/gmock.h>
@@ -11,11 +12,12 @@
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace quill::examples;
+using quill::testing::BecomeNobody;
+using quill::testing::ExpectInChild;
 using quill::testing::TTempFolder;
 using ::testing::HasSubstr;
 
@@ -47,26 +49,6 @@ std::string Refusal(const std::string& Name, const std::string& Text) {
     } catch (const ESaveError& Error) {
         return Error.GetMessage();
     }
-}
-
-// Runs Work in a process of its own, so that it may lose its rights. What Work returns is compared there.
-void ExpectInChild(const std::function<std::string()>& Work, const std::string& Part) {
-    const pid_t Child = ::fork();
-    ASSERT_NE(Child, -1);
-    if (Child == 0) {
-        const std::string Text = Work();
-        const bool Good = Text.find(Part) != std::string::npos;
-        if (!Good) fprintf(stderr, "got: %s\n", Text.c_str());
-        ::_exit(Good ? 0 : 1);
-    }
-    int Status = 0;
-    ASSERT_EQ(::waitpid(Child, &Status, 0), Child);
-    EXPECT_TRUE(WIFEXITED(Status) && WEXITSTATUS(Status) == 0);
-}
-
-// Permissions mean nothing to root.
-void BecomeNobody() {
-    if (::geteuid() == 0 && ::setresuid(65534, 65534, 65534) != 0) ::_exit(2);
 }
 
 TEST(SafeFile, WritesNewFilesAndReplacesOldOnesWithTheirPermissions) {
