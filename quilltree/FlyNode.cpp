@@ -175,7 +175,7 @@ void TFlyNode::SetOwnerField(TFlyNodes* Value) {
     TFlyNodes* const Old = GetOwner();
     if (Old == Value) return;
     // A row list holds nodes of its own container only; it forgets those that leave.
-    if (Old && Old->RowList.Take(this) >= 0) Old->FRowsCurrent = false;
+    if (Old && Old->RowList.Take(this) >= 0) Old->RowList.FCurrent = false;
     ReleaseAnchor();
     AcquireAnchor(Value ? Value->FAnchor : nullptr);
     SetHeightField(GetHeightField()); // the new container learns of a height of its own

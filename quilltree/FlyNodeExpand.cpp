@@ -265,7 +265,7 @@ void TFlyNode::SetExpandedField(bool Value) {
 
 void TFlyNode::ExpandRows() {
     TFlyNodes* const Container = GetOwner();
-    if (Container->FRowsCurrent) {
+    if (Container->RowList.FCurrent) {
         const int Row = Container->RowList.IndexOf(this);
         if (Row >= 0) Container->InsertRowsBelow(this, Row + 1);
         return;
@@ -277,7 +277,7 @@ void TFlyNode::ExpandRows() {
 void TFlyNode::CollapseRows() {
     TFlyNodes* const Container = GetOwner();
     const bool AllSelectedHaveRows = FAnchor->Selected == Container->RowList.GetSelectedCount();
-    if (!Container->FRowsCurrent || !AllSelectedHaveRows) {
+    if (!Container->RowList.FCurrent || !AllSelectedHaveRows) {
         UnlistBelow(this);
     } else if (IsNodeVisible()) {
         Container->RemoveRowsBelow(this);

@@ -72,7 +72,7 @@ void TFlyNode::MoveRowsTo(const TTreeSlot* Target) {
     const int To = Rows.IndexOf(Target);
     if (From < 0 || To < 0 || From == To) return;
     Rows.Move(From, To);
-    GetOwner()->FRowsCurrent = false;
+    GetOwner()->RowList.FCurrent = false;
     struct TFrame {
         const TFlyNode* Parent;
         int Next;

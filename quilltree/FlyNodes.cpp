@@ -248,14 +248,14 @@ void TFlyNodes::Clear() {
     Step([&] {
         LockList();
         RowList.Drop();
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
     });
     Step([&] { TTreeCollection::Clear(); });
     Step([&] {
         FLastUniqueTag = -1;
         if (GetCount() == 0) {
             RowList.Drop();
-            FRowsCurrent = true;
+            RowList.FCurrent = true;
         }
         UnlockList();
     });
@@ -277,7 +277,7 @@ void TFlyNodes::ClearCells() {
 TRowPatch::TRowPatch(TFlyNodes* Container) : FContainer(Container) {
     if (!Container) return;
     FOld = Container->FPatchInBracket;
-    if (Container->FRowsCurrent) Container->FPatchInBracket = true;
+    if (Container->RowList.FCurrent) Container->FPatchInBracket = true;
 }
 
 TRowPatch::~TRowPatch() {
@@ -344,7 +344,7 @@ void TFlyNodes::Update(TTreeCollection* Item) {
         return;
     }
     // A change outside a bracket ends with rows in tree order.
-    if (GetUpdateCount() == 0 && !FRowsCurrent) FHost->RefreshNodeList(nullptr);
+    if (GetUpdateCount() == 0 && !RowList.FCurrent) FHost->RefreshNodeList(nullptr);
     if (Self) FHost->FixupRows();
 }
 

@@ -143,9 +143,9 @@ public:
     // selection of its visible descendants then moves up to it, as when it is collapsed.
     void RebuildRowList(TTreeCollection* Item);
     // False while RowList may differ from the tree's order (inside a bracket, for example).
-    bool IsRowListCurrent() const { return FRowsCurrent; }
+    bool IsRowListCurrent() const { return RowList.FCurrent; }
     // To be called by whoever changes RowList by hand, so that the next refresh lists everything anew.
-    void RowListChanged() { FRowsCurrent = false; }
+    void RowListChanged() { RowList.FCurrent = false; }
     // The node of row-list entry Index, made from its placeholder when necessary; null outside the list, and when a
     // handler deleted the new node.
     TFlyNode* MaterialiseRow(int Index);
@@ -218,7 +218,6 @@ private:
     TFlyNode::TAnchor* FAnchor;
     bool FEnumerating = false;
     bool FSorted = false;
-    bool FRowsCurrent = true;
     // Inside the bracket of a single operation that follows its own change.
     bool FPatchInBracket = false;
     // Some node has FlagSortDue.

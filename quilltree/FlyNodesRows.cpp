@@ -1,7 +1,7 @@
 // Keeping the row list in line with the tree.
 //
 // Invariants: an entry of RowList belongs to this container (its Owner), so that it leaves the list when it goes; no
-// entry stands twice; while FRowsCurrent is set, the list is exactly what VisitVisible visits. Outside brackets it is
+// entry stands twice; while RowList.FCurrent is set, the list is exactly what VisitVisible visits. Outside brackets it is
 // set; a bracket clears it with the first change that could alter the rows, and its end lists everything anew.
 #include "quilltree/FlyNodes.h"
 #include "quilltree/VisibleWalk.h"
@@ -43,7 +43,7 @@ private:
 void TFlyNodes::RebuildRowList(TTreeCollection* Item) {
     TFlyNode* const Node = TFlyNode::AsNode(Item);
     // The list is public: what a program did to it by hand counts as well.
-    if (!FRowsCurrent || RowList.FTouched) ListAllRows();
+    if (!RowList.FCurrent) ListAllRows();
     if (!Node || Node->GetHidden() || !Node->GetExpanded()) return;
     // The rows below the node count as taken out and put back, which moves the selection.
     if (RowList.GetSelectedCount() == 0) return;
@@ -57,8 +57,7 @@ void TFlyNodes::RebuildRowList(TTreeCollection* Item) {
 
 void TFlyNodes::ListAllRows() {
     RowList.Drop();
-    FRowsCurrent = true;
-    RowList.FTouched = false;
+    RowList.FCurrent = true;
     InsertSlotRows(this, 0, GetCount(), 0);
 }
 
@@ -81,7 +80,7 @@ void TFlyNodes::TakeOver(TTreeSlot* Slot) {
 // --- following single changes -----------------------------------------------------------------------------------
 
 bool TFlyNodes::CanPatch() const {
-    return FHost && FRowsCurrent && (GetUpdateCount() == 0 || FPatchInBracket);
+    return FHost && RowList.FCurrent && (GetUpdateCount() == 0 || FPatchInBracket);
 }
 
 // Whether the children of Parent have rows, provided that the rows are current.
@@ -95,15 +94,15 @@ void TFlyNodes::NodeAppeared(TFlyNode* Node) { SlotsAppeared(Node->GetCollection
 
 // Index -1 stands for the last Count slots.
 void TFlyNodes::SlotsAppeared(TTreeCollection* Parent, int Index, int Count) {
-    if (!FRowsCurrent || !FHost || !IsRowParent(Parent)) return;
+    if (!RowList.FCurrent || !FHost || !IsRowParent(Parent)) return;
     if (!CanPatch()) {
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
         return;
     }
     if (Index < 0) Index = Parent->GetCount() - Count;
     const int Row = RowForSlot(Parent, Index);
     if (Row < 0) {
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
         return;
     }
     InsertSlotRows(Parent, Index, Count, Row);
@@ -159,7 +158,7 @@ void TFlyNodes::RemoveRowsBelow(TFlyNode* Node) {
     if (Row < 0) return;
     const int End = RowBehind(Node, Node);
     if (End < 0) {
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
         return;
     }
     const int Selected = RowList.FindSelected(Row + 1);
@@ -180,7 +179,7 @@ void TFlyNodes::RemoveSubtreeRows(TFlyNode* Node) {
     const int End = RowBehind(Node, Node);
     if (End < 0) {
         RowList.FList.Delete(Row);
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
         return;
     }
     RowList.FList.DeleteRange(Row, End - Row);
@@ -205,7 +204,7 @@ void TFlyNodes::SlotsDisappear(TTreeCollection* Parent, int Index, int Count) {
             continue;
         }
         auto* const Item = static_cast<TTreeCollection*>(Slot);
-        if (!FRowsCurrent || Item->HasFlag(FlagDestroying)) {
+        if (!RowList.FCurrent || Item->HasFlag(FlagDestroying)) {
             // An item on its way out may be no node any more.
             RowList.Take(Slot);
         } else if (TFlyNode* const Node = TFlyNode::AsNode(Item)) {
@@ -216,9 +215,9 @@ void TFlyNodes::SlotsDisappear(TTreeCollection* Parent, int Index, int Count) {
 
 // The mover has taken the rows of the child out, if it could.
 void TFlyNodes::ChildMoved(TTreeCollection* Parent, int To) {
-    if (!FRowsCurrent || !IsRowParent(Parent)) return;
+    if (!RowList.FCurrent || !IsRowParent(Parent)) return;
     if (!CanPatch() || RowList.Contains(Parent->GetPointer(To))) {
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
     } else {
         SlotsAppeared(Parent, To, 1);
     }
@@ -227,7 +226,7 @@ void TFlyNodes::ChildMoved(TTreeCollection* Parent, int To) {
 // Before everything below Node goes: takes its rows away at once, which is the same as one by one unless the current
 // row is among them.
 void TFlyNodes::DropRowsBelow(TFlyNode* Node) {
-    if (!FRowsCurrent || !Node->GetExpanded()) return;
+    if (!RowList.FCurrent || !Node->GetExpanded()) return;
     const int Row = RowList.IndexOf(Node);
     const int End = Row < 0 ? -1 : RowBehind(Node, Node);
     const int Current = FHost->GetRow() - FHost->GetFixedRows();
@@ -236,7 +235,7 @@ void TFlyNodes::DropRowsBelow(TFlyNode* Node) {
 }
 
 void TFlyNodes::ChildrenReordered(TTreeCollection* Parent) {
-    if (!FRowsCurrent || !IsRowParent(Parent)) return;
+    if (!RowList.FCurrent || !IsRowParent(Parent)) return;
     const int Row = Parent == this ? -1 : RowList.IndexOf(Parent);
     // The end is sought upwards only: the last row of the children is no more that of the last child.
     int End = -1;
@@ -251,7 +250,7 @@ void TFlyNodes::ChildrenReordered(TTreeCollection* Parent) {
         break;
     }
     if (End < 0) {
-        FRowsCurrent = false;
+        RowList.FCurrent = false;
         return;
     }
     RowList.FList.DeleteRange(Row + 1, End - Row - 1);
@@ -318,7 +317,7 @@ void TFlyNodes::CheckInvariants() const {
     }
     if (Selected > FAnchor->Selected)
         throw std::logic_error("rows: selected rows are among the selected nodes");
-    if (!FHost || !FRowsCurrent) return;
+    if (!FHost || !RowList.FCurrent) return;
     int Row = 0;
     VisitVisible(this, 0, GetCount(), [&](const TTreeSlot* Slot) {
         if (Row >= RowList.GetCount() || RowList.GetItems(Row++) != Slot) {

@@ -31,7 +31,7 @@ int TRowList::Take(const TTreeSlot* Entry) {
 }
 
 void TRowList::Clear() {
-    FTouched = true;
+    FCurrent = false;
     Drop();
 }
 
@@ -43,26 +43,26 @@ int TRowList::Add(TTreeSlot* Entry) {
 
 void TRowList::Insert(int Index, TTreeSlot* Entry) {
     if (Index != GetCount()) CheckIndex(Index);
-    FTouched = true;
+    FCurrent = false;
     const int Old = Remove(Entry);
     FList.Insert(Old >= 0 && Old < Index ? Index - 1 : Index, Entry);
 }
 
 void TRowList::Delete(int Index) {
     CheckIndex(Index);
-    FTouched = true;
+    FCurrent = false;
     FList.Delete(Index);
 }
 
 int TRowList::Remove(TTreeSlot* Entry) {
-    FTouched = true;
+    FCurrent = false;
     return Take(Entry);
 }
 
 void TRowList::Move(int CurIndex, int NewIndex) {
     CheckIndex(CurIndex);
     CheckIndex(NewIndex);
-    FTouched = true;
+    FCurrent = false;
     FList.Move(CurIndex, NewIndex);
 }
 
@@ -70,7 +70,7 @@ void TRowList::Exchange(int Index1, int Index2) {
     CheckIndex(Index1);
     CheckIndex(Index2);
     if (Index1 == Index2) return;
-    FTouched = true;
+    FCurrent = false;
     FList.Move(Index1, Index2);
     FList.Move(Index1 < Index2 ? Index2 - 1 : Index2 + 1, Index1);
 }
@@ -79,7 +79,7 @@ void TRowList::SetItems(int Index, TTreeSlot* Entry) {
     CheckIndex(Index);
     const int Old = IndexOf(Entry);
     if (Old == Index) return;
-    FTouched = true;
+    FCurrent = false;
     FList.Replace(Index, Entry);
     if (Old >= 0) FList.Delete(Old);
 }

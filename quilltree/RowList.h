@@ -55,6 +55,7 @@ public:
 private:
     friend class TFlyNodes;
     friend class TFlyNode;
+    friend class TRowPatch;
     void CheckIndex(int Index) const;
 
     // For the model, which keeps the list right itself.
@@ -62,7 +63,8 @@ private:
     void Drop() { FList.Clear(); }
 
     TList FList;
-    bool FTouched = false; // changed through the public operations since the last listing
+    // Whether the list is what the tree shows; whoever changes it through the public operations makes it doubtful.
+    bool FCurrent = true;
 };
 
 } // namespace quill

@@ -79,6 +79,37 @@ TEST_F(FlyNodes, RowsFollowEverySingleChangeOutsideABracket) {
     EXPECT_EQ(Host.GetRowCount(), 2);
 }
 
+// The list is public. Whatever a program does to it, the next change puts it right and trusts nothing in it.
+TEST_F(FlyNodes, RowsChangedByHandAreListedAnewWithTheNextChange) {
+    const std::function<void()> Changes[] = {
+        [&] { At("b")->Delete(); },
+        [&] { At("b")->Hide(); },
+        [&] { At("a")->Collapse(false); },
+        [&] { At("b")->SetIndex(1); },
+        [&] { At("b")->MoveTo(At("f"), naAddChild); },
+        [&] { Nodes.AddChild(At("b"), "x"); },
+        [&] { At("a")->CustomSort(nullptr, false); },
+        [&] { Nodes.AddPlaceholders(3); },
+        [&] { At("a")->DeleteChildren(); },
+    };
+    for (const auto& Change : Changes) {
+        for (int Seed = 0; Seed < 6; ++Seed) {
+            Nodes.Clear();
+            Plant(Nodes, "a[b[c d]+ e]+ f");
+            Nodes.RowList.Move(Seed, 5 - Seed);
+            Nodes.RowList.Exchange(1, Seed);
+            if (Seed % 2 == 0) Nodes.RowList.Delete(Seed);
+            EXPECT_FALSE(Nodes.IsRowListCurrent());
+            Change();
+            Nodes.Add(nullptr, "last");
+            EXPECT_TRUE(Nodes.IsRowListCurrent());
+            EXPECT_NO_THROW(Nodes.CheckInvariants());
+        }
+    }
+    Nodes.RowList.Clear();
+    Nodes.Clear();
+}
+
 TEST_F(FlyNodes, AddingToAParentWithASelectedChildMovesTheSelectionUp) {
     Plant(Nodes, "a[b c]+");
     At("b")->SetSelected(true);
