@@ -23,6 +23,8 @@ class TExplorerTree : public TQuillTree {
 public:
     using TQuillTree::TQuillTree;
     std::string GetEditText(int ACol, int ARow) override;
+    // Only what is shown differs, not what is stored: files are saved by whole records.
+    bool StoresPlainTexts() const override { return true; }
 };
 
 class TExplorerWindow : public QMainWindow {

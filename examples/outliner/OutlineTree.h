@@ -24,6 +24,8 @@ public:
     // The selected rows as lines, their cells separated by tabs.
     std::string SelectedText();
 
+    // This class does nothing of its own with cells, so that files load and save by whole records.
+    bool StoresPlainTexts() const override { return true; }
     bool ChangeState(TFlyNode* Node, int NewState) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
 
