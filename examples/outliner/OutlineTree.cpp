@@ -2,6 +2,8 @@
 
 #include "../common/Look.h"
 
+#include <QScopedValueRollback>
+
 #include <algorithm>
 
 namespace quill::examples {
@@ -26,7 +28,7 @@ void TOutlineTree::ShowNothing() {
 }
 
 void TOutlineTree::ShowOutline(const TOutline& Outline, std::vector<std::string> Captions) {
-    FReading = true;
+    const QScopedValueRollback<bool> Reading(FReading, true);
     FCaptions = std::move(Captions);
     GetItems()->Clear();
     // Tags are kept as they stand in the file only by a tree that numbers its nodes.
@@ -37,7 +39,6 @@ void TOutlineTree::ShowOutline(const TOutline& Outline, std::vector<std::string>
     LoadOutline(Outline, *GetItems());
     SetTopRow(GetFixedRows());
     if (TFlyNode* First = GetNodeAtRow(GetFixedRows())) SetSelection(First);
-    FReading = false;
 }
 
 // The texts of the caption row. The structure column must answer for nodes too, since the search for typed letters
