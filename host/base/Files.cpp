@@ -51,12 +51,13 @@ void ReplaceFile(const std::string& FileName, const std::function<void(TStream&)
         WriteInPlace(FileName, Write);
         return;
     }
-    std::string Temporary = Target + ".XXXXXX";
+    // A short name of its own: a long file name has no room for more letters.
+    std::string Temporary = Target.substr(0, Target.rfind('/') + 1) + ".quill-XXXXXX";
     const int Handle = ::mkostemp(Temporary.data(), O_CLOEXEC);
-    if (Handle == -1) {
-        WriteInPlace(FileName, Write);
-        return;
-    }
+    // Without room beside it the old content would be gone before the new one is safe.
+    if (Handle == -1)
+        throw EFCreateError(
+            FormatTextInFull(SFCreateError, {FileName, std::generic_category().message(errno)}));
     try {
         TFileStream Stream(Handle, Temporary);
         CopyPermissions(Handle, Exists ? &Old : nullptr);

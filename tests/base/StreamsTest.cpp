@@ -161,6 +161,10 @@ TEST_F(Files, ReplacingKeepsTheOldContentWhenItFails) {
     };
     Save("a", "old");
     EXPECT_EQ(Content("a"), "old");
+    const std::string Long(255, 'n'); // the longest name that a file can have
+    ReplaceFile(Path(Long), [](TStream& Stream) { Stream.WriteBuffer("x", 1); });
+    EXPECT_TRUE(std::filesystem::exists(Path(Long)));
+    std::filesystem::remove(Path(Long));
     EXPECT_THROW(ReplaceFile(Path("a"),
                              [](TStream& Stream) {
                                  Stream.WriteBuffer("ne", 2);
