@@ -1,7 +1,7 @@
 #include "Look.h"
 
-#include "SafeFile.h"
-
+#include "host/base/Errors.h"
+#include "host/base/Streams.h"
 #include "quilltree/QuillTree.h"
 
 #include <QApplication>
@@ -96,8 +96,8 @@ void SaveScreenshot(QWidget& Window, const std::string& FileName) {
     // Showing sets texts, texts ask for room, and room moves other things.
     for (int Round = 0; Round < 3; ++Round) QApplication::processEvents();
     QBuffer Png;
-    if (!Window.grab().save(&Png, "PNG")) throw ESaveError("The window gave no picture");
-    WriteFileSafely(FileName, Png.data().toStdString());
+    if (!Window.grab().save(&Png, "PNG")) throw Exception("The window gave no picture");
+    TMemoryStream(Png.data().toStdString()).SaveToFile(FileName);
 }
 
 } // namespace quill::examples

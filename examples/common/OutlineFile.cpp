@@ -1,7 +1,5 @@
 #include "OutlineFile.h"
 
-#include "SafeFile.h"
-
 #include "host/base/Numbers.h"
 #include "host/base/Strings.h"
 #include "quilltree/HeadlessHost.h"
@@ -119,7 +117,7 @@ std::string OutlineText(TFlyNodes& Nodes, TSaveNodesOptions Options) {
 void SaveOutline(const std::string& FileName, TFlyNodes& Nodes, TSaveNodesOptions Options) {
     TMemoryStream Stream;
     Nodes.SaveNodesToStream(Stream, Options);
-    WriteFileSafely(FileName, Stream.GetMemory());
+    Stream.SaveToFile(FileName);
 }
 
 // --- captions ----------------------------------------------------------------------------------------------------
@@ -157,7 +155,7 @@ void SaveCaptions(const std::string& FileName, const std::vector<std::string>& C
     if (Captions.empty() || Name == FileName || std::filesystem::exists(Name, Ignored)) return;
     TStringList Items;
     for (const std::string& Caption : Captions) Items.Add(Caption);
-    WriteFileSafely(Name, Items.GetCommaText() + "\n");
+    TMemoryStream(Items.GetCommaText() + "\n").SaveToFile(Name);
 }
 
 } // namespace quill::examples

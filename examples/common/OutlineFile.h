@@ -38,7 +38,7 @@ TOutline ReadOutline(std::unique_ptr<TMemoryStream> Bytes, const std::string& Fi
 // Replaces the nodes of a tree. The caller switches the tree's unique tags first.
 void LoadOutline(const TOutline& Outline, TFlyNodes& Nodes);
 std::string OutlineText(TFlyNodes& Nodes, TSaveNodesOptions Options);
-// Through WriteFileSafely. Raises ESaveError.
+// Raises EStreamError and leaves the old file as it is.
 void SaveOutline(const std::string& FileName, TFlyNodes& Nodes, TSaveNodesOptions Options);
 
 // The captions of the data columns stand beside an outline, in a file of the same name that ends in ".columns": one

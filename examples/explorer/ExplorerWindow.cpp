@@ -1,6 +1,5 @@
 #include "ExplorerWindow.h"
 
-#include "../common/ColumnFit.h"
 #include "../common/Look.h"
 #include "../common/OutlineFile.h"
 #include "../common/ToolIcons.h"
@@ -10,7 +9,6 @@
 #include <QAction>
 #include <QFileDialog>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -36,9 +34,9 @@ std::string TExplorerTree::GetEditText(int ACol, int ARow) {
     return FirstStrongIsolate + Text + PopDirectionalIsolate;
 }
 
-TExplorerWindow::TExplorerWindow() : FPictures(LoadPictures()), FTree(new TExplorerTree(this)) {
+TExplorerWindow::TExplorerWindow() : FTree(new TExplorerTree(this)) {
     SetUpTree(*FTree);
-    FTree->SetImages(FPictures.get());
+    SetTree(FTree, WideTexts);
     FTree->OnGetEditText = [this](TObject*, int ACol, int ARow, std::string& Value) {
         // The caption row, and node texts for the search for typed letters, which asks nobody else.
         if (ARow < FTree->GetFixedRows()) {
@@ -48,12 +46,8 @@ TExplorerWindow::TExplorerWindow() : FPictures(LoadPictures()), FTree(new TExplo
         }
     };
     FFiller = std::make_unique<TDirectoryFiller>(FTree);
-    setCentralWidget(FTree);
 
-    QToolBar* Tools = addToolBar(tr("Tools"));
-    Tools->setMovable(false);
-    Tools->setIconSize(QSize(16, 16));
-    MakeMenus(Tools);
+    MakeMenus(MakeToolBar());
     FStatus = new TTreeStatus(statusBar(), FTree);
     FStatus->NodeCount = [this] { return FFiller->GetNodeCount(); };
     FStatus->Text = [this] { return QString::fromStdString(FFiller->PathOf(FTree->GetSelection())); };
@@ -100,10 +94,10 @@ void TExplorerWindow::OpenRoot(const std::string& Path) {
     }
     setWindowTitle(QString::fromStdString(Path));
     FStatus->Touch();
-    if (isVisible()) FitColumns(*FTree, WideTexts);
+    FitColumnsWhenShown();
 }
 
-void TExplorerWindow::SaveOutlineFile(const std::string& FileName) {
+void TExplorerWindow::SaveFile(const std::string& FileName) {
     SaveOutline(FileName, *FTree->GetItems(), SavedFields);
     SaveCaptions(FileName, ExplorerCaptions());
 }
@@ -112,40 +106,18 @@ void TExplorerWindow::AskAndOpen() {
     const QString Old = QString::fromStdString(FFiller->PathOf(FTree->GetSelection()));
     const QString Path = QFileDialog::getExistingDirectory(this, tr("Open a Folder"), Old);
     if (Path.isEmpty()) return;
-    try {
-        OpenRoot(Path.toStdString());
-    } catch (const Exception& Error) {
-        QMessageBox::critical(this, tr("Open a Folder"), QString::fromStdString(Error.GetMessage()));
-    }
+    Attempt(tr("Open a Folder"), [&] { OpenRoot(Path.toStdString()); });
 }
 
 void TExplorerWindow::AskAndSave() {
     const QString Name = QFileDialog::getSaveFileName(
         this, tr("Save as Outline"), QStringLiteral("folder.nodes"), tr("Outlines (*.nodes);;All files (*)"));
     if (Name.isEmpty()) return;
-    try {
-        SaveOutlineFile(Name.toStdString());
-    } catch (const Exception& Error) {
-        QMessageBox::critical(this, tr("Save as Outline"), QString::fromStdString(Error.GetMessage()));
-    }
+    Attempt(tr("Save as Outline"), [&] { SaveFile(Name.toStdString()); });
 }
 
 void TExplorerWindow::About() {
-    QMessageBox Box(this);
-    Box.setWindowTitle(tr("About the Explorer"));
-    Box.setIconPixmap(ProgramIcon().pixmap(64));
-    Box.setText(tr("<h3>Explorer</h3>"));
-    Box.setInformativeText(
-        tr("Shows a folder and what is below it, read as it is opened. An example program of the "
-           "Quill controls."));
-    Box.exec();
-}
-
-// Columns can be fitted only when the layout has given the tree its place.
-void TExplorerWindow::showEvent(QShowEvent* Event) {
-    QMainWindow::showEvent(Event);
-    if (FFitPending) FitColumns(*FTree, WideTexts);
-    FFitPending = false;
+    ShowAbout("Explorer", tr("Shows a folder and what is below it, read as it is opened."));
 }
 
 } // namespace quill::examples

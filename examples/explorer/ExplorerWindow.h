@@ -3,14 +3,10 @@
 
 #include "DirectoryFiller.h"
 
-#include "host/graphics/ImageLists.h"
-
-#include <QMainWindow>
+#include "../common/ProgramWindow.h"
 
 #include <memory>
 #include <string>
-
-class QToolBar;
 
 namespace quill::examples {
 
@@ -27,7 +23,7 @@ public:
     bool StoresPlainTexts() const override { return true; }
 };
 
-class TExplorerWindow : public QMainWindow {
+class TExplorerWindow : public TProgramWindow {
     Q_OBJECT
 
 public:
@@ -37,11 +33,8 @@ public:
     // Raises EDirectoryError and leaves what is shown when the directory cannot be read.
     void OpenRoot(const std::string& Path);
     void ExpandLevels(int Levels) { FFiller->ExpandLevels(Levels); }
-    // Writes what has been read so far as a nodes file. Raises ESaveError.
-    void SaveOutlineFile(const std::string& FileName);
-
-protected:
-    void showEvent(QShowEvent* Event) override;
+    // Writes what has been read so far as a nodes file. Raises EStreamError.
+    void SaveFile(const std::string& FileName) override;
 
 private:
     void MakeMenus(QToolBar* Tools);
@@ -49,11 +42,9 @@ private:
     void AskAndSave();
     void About();
 
-    std::unique_ptr<TImageList> FPictures;
     TExplorerTree* FTree;
     std::unique_ptr<TDirectoryFiller> FFiller;
     TTreeStatus* FStatus;
-    bool FFitPending = true;
 };
 
 } // namespace quill::examples

@@ -6,8 +6,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QMessageBox>
-#include <QTimer>
 
 using namespace quill;
 using namespace quill::examples;
@@ -45,14 +43,6 @@ TArguments ReadArguments() {
     return Arguments;
 }
 
-// What needs no user. Raises what goes wrong.
-void RunBatch(TExplorerWindow& Window, const TProgramOptions& Options) {
-    if (!Options.SaveAs.empty()) Window.SaveOutlineFile(Options.SaveAs);
-    if (Options.Screenshot.empty()) return;
-    Window.show();
-    SaveScreenshot(Window, Options.Screenshot);
-}
-
 } // namespace
 
 int main(int ArgCount, char** Args) {
@@ -64,26 +54,8 @@ int main(int ArgCount, char** Args) {
     SetUpLook(Arguments.Common.Dark, Arguments.Common.RightToLeft);
 
     TExplorerWindow Window;
-    Window.resize(Arguments.Common.Size);
-    if (Arguments.Common.RightToLeft) SetRightToLeft(*Window.GetTree(), true);
-    std::string Fault;
-    try {
+    return Window.Run(Arguments.Common, QObject::tr("Open a Folder"), [&] {
         Window.OpenRoot(Arguments.Root);
         Window.ExpandLevels(Arguments.ExpandLevels);
-        if (Arguments.Common.IsBatch()) {
-            RunBatch(Window, Arguments.Common);
-            return EXIT_SUCCESS;
-        }
-    } catch (const Exception& Error) {
-        Fault = Error.GetMessage();
-    }
-    if (Arguments.Common.IsBatch()) return ReportError(Fault);
-
-    Window.show();
-    if (!Fault.empty()) {
-        QTimer::singleShot(0, &Window, [&Window, Fault] {
-            QMessageBox::critical(&Window, QObject::tr("Open a Folder"), QString::fromStdString(Fault));
-        });
-    }
-    return QApplication::exec();
+    });
 }

@@ -2,9 +2,6 @@
 
 #include "OutlineTree.h"
 
-#include "../common/ColumnFit.h"
-#include "../common/Look.h"
-#include "../common/SafeFile.h"
 #include "../common/ToolIcons.h"
 #include "../common/TreeStatus.h"
 #include "../common/ViewMenu.h"
@@ -28,13 +25,10 @@ const char* const FileFilter = "Outlines (*.nodes);;All files (*)";
 
 } // namespace
 
-TOutlinerWindow::TOutlinerWindow() : FPictures(LoadPictures()), FTree(new TOutlineTree(this)) {
-    FTree->SetImages(FPictures.get());
-    setCentralWidget(FTree);
+TOutlinerWindow::TOutlinerWindow() : FTree(new TOutlineTree(this)) {
+    SetTree(FTree);
 
-    QToolBar* Tools = addToolBar(tr("Tools"));
-    Tools->setMovable(false);
-    Tools->setIconSize(QSize(16, 16));
+    QToolBar* Tools = MakeToolBar();
     MakeFileMenu(Tools);
     MakeEditMenu();
     MakeViewMenu(Tools);
@@ -132,11 +126,7 @@ void TOutlinerWindow::AskAndOpen() {
     const QString Folder = QFileInfo(QString::fromStdString(FFileName)).path();
     const QString Name = QFileDialog::getOpenFileName(this, tr("Open an Outline"), Folder, tr(FileFilter));
     if (Name.isEmpty()) return;
-    try {
-        OpenFile(Name.toStdString());
-    } catch (const Exception& Error) {
-        QMessageBox::critical(this, tr("Open an Outline"), QString::fromStdString(Error.GetMessage()));
-    }
+    Attempt(tr("Open an Outline"), [&] { OpenFile(Name.toStdString()); });
 }
 
 bool TOutlinerWindow::Save() { return FFileName.empty() ? AskAndSave() : TrySave(FFileName); }
@@ -149,13 +139,7 @@ bool TOutlinerWindow::AskAndSave() {
 }
 
 bool TOutlinerWindow::TrySave(const std::string& FileName) {
-    try {
-        SaveFile(FileName);
-        return true;
-    } catch (const Exception& Error) {
-        QMessageBox::critical(this, tr("Save the Outline"), QString::fromStdString(Error.GetMessage()));
-        return false;
-    }
+    return Attempt(tr("Save the Outline"), [&] { SaveFile(FileName); });
 }
 
 bool TOutlinerWindow::MayClose() {
@@ -167,13 +151,6 @@ bool TOutlinerWindow::MayClose() {
 }
 
 void TOutlinerWindow::closeEvent(QCloseEvent* Event) { Event->setAccepted(MayClose()); }
-
-// Columns can be fitted only when the layout has given the tree its place.
-void TOutlinerWindow::showEvent(QShowEvent* Event) {
-    QMainWindow::showEvent(Event);
-    if (FFitPending) FitColumns(*FTree);
-    FFitPending = false;
-}
 
 // --- view and state ----------------------------------------------------------------------------------------------
 
@@ -202,11 +179,7 @@ void TOutlinerWindow::SetModified(bool Value) {
 void TOutlinerWindow::DocumentChanged() {
     FViewChanged = false;
     SetModified(false);
-    if (isVisible()) {
-        FitColumns(*FTree);
-    } else {
-        FFitPending = true;
-    }
+    FitColumnsWhenShown();
 }
 
 QString TOutlinerWindow::DocumentName() const {
@@ -225,14 +198,7 @@ void TOutlinerWindow::CopySelected() {
 }
 
 void TOutlinerWindow::About() {
-    QMessageBox Box(this);
-    Box.setWindowTitle(tr("About the Outliner"));
-    Box.setIconPixmap(ProgramIcon().pixmap(64));
-    Box.setText(tr("<h3>Outliner</h3>"));
-    Box.setInformativeText(
-        tr("Opens, shows and saves outlines in the nodes text format. An example program of the "
-           "Quill controls."));
-    Box.exec();
+    ShowAbout("Outliner", tr("Opens, shows and saves outlines in the nodes text format."));
 }
 
 } // namespace quill::examples

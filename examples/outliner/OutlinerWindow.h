@@ -2,22 +2,16 @@
 #pragma once
 
 #include "../common/OutlineFile.h"
+#include "../common/ProgramWindow.h"
 
-#include "host/graphics/ImageLists.h"
-
-#include <QMainWindow>
-
-#include <memory>
 #include <string>
-
-class QToolBar;
 
 namespace quill::examples {
 
 class TOutlineTree;
 class TTreeStatus;
 
-class TOutlinerWindow : public QMainWindow {
+class TOutlinerWindow : public TProgramWindow {
     Q_OBJECT
 
 public:
@@ -26,8 +20,8 @@ public:
     TOutlineTree* GetTree() const { return FTree; }
     // Shows a file. Raises EOutlineError and leaves the open outline as it is when the file is not good.
     void OpenFile(const std::string& FileName);
-    // Raises ESaveError and leaves the old file as it is.
-    void SaveFile(const std::string& FileName);
+    // Raises EStreamError and leaves the old file as it is.
+    void SaveFile(const std::string& FileName) override;
     // Shows an outline without nodes.
     void NewOutline();
 
@@ -36,7 +30,6 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* Event) override;
-    void showEvent(QShowEvent* Event) override;
 
 private:
     void MakeFileMenu(QToolBar* Tools);
@@ -60,7 +53,6 @@ private:
     QString DocumentName() const;
     QString StatusText() const;
 
-    std::unique_ptr<TImageList> FPictures;
     TOutlineTree* FTree;
     TTreeStatus* FStatus;
     std::string FFileName; // empty for an outline that has none yet
@@ -68,7 +60,6 @@ private:
     int FNodeCount = 0;
     // Nodes are open or closed otherwise than in the file. Said in the status bar, but nothing to ask about.
     bool FViewChanged = false;
-    bool FFitPending = true;
 };
 
 } // namespace quill::examples

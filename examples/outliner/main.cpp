@@ -7,8 +7,6 @@
 #include "../common/ProgramOptions.h"
 
 #include <QApplication>
-#include <QMessageBox>
-#include <QTimer>
 
 #include <map>
 
@@ -68,14 +66,6 @@ TArguments ReadArguments() {
     return Arguments;
 }
 
-// What needs no user. Raises what goes wrong.
-void RunBatch(TOutlinerWindow& Window, const TProgramOptions& Options) {
-    if (!Options.SaveAs.empty()) Window.SaveFile(Options.SaveAs);
-    if (Options.Screenshot.empty()) return;
-    Window.show();
-    SaveScreenshot(Window, Options.Screenshot);
-}
-
 } // namespace
 
 int main(int ArgCount, char** Args) {
@@ -88,27 +78,9 @@ int main(int ArgCount, char** Args) {
     if (!Arguments.RoundTrip.empty()) return RoundTrip(Arguments.RoundTrip) ? EXIT_SUCCESS : EXIT_FAILURE;
 
     TOutlinerWindow Window;
-    Window.resize(Arguments.Common.Size);
     Window.GetTree()->SetOutlineStyle(Arguments.Style);
-    if (Arguments.Common.RightToLeft) SetRightToLeft(*Window.GetTree(), true);
-    std::string Fault;
-    try {
+    return Window.Run(Arguments.Common, QObject::tr("Open an Outline"), [&] {
         if (!Arguments.File.empty()) Window.OpenFile(Arguments.File);
         if (Arguments.ExpandAll) Window.ExpandAll();
-        if (Arguments.Common.IsBatch()) {
-            RunBatch(Window, Arguments.Common);
-            return EXIT_SUCCESS;
-        }
-    } catch (const Exception& Error) {
-        Fault = Error.GetMessage();
-    }
-    if (Arguments.Common.IsBatch()) return ReportError(Fault);
-
-    Window.show();
-    if (!Fault.empty()) {
-        QTimer::singleShot(0, &Window, [&Window, Fault] {
-            QMessageBox::critical(&Window, QObject::tr("Open an Outline"), QString::fromStdString(Fault));
-        });
-    }
-    return QApplication::exec();
+    });
 }

@@ -1,28 +1,21 @@
 #include "host/base/Streams.h"
 #include "host/base/Errors.h"
-#include "host/base/Files.h"
 #include "host/base/Strings.h"
+
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
+#include <functional>
 #include <unistd.h>
 
 namespace quill {
 namespace {
 
-class Files : public testing::Test {
+class Files : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::string Pattern = std::filesystem::temp_directory_path() / "quill-streams-XXXXXX";
-        FFolder = mkdtemp(Pattern.data());
-    }
-    void TearDown() override { std::filesystem::remove_all(FFolder); }
-    std::string Path(const std::string& Name) const { return FFolder + "/" + Name; }
-    const std::string& Folder() const { return FFolder; }
+    std::string Path(const std::string& Name) const { return Folder.File(Name); }
 
     template <class TError>
     static std::string MessageOf(const std::function<void()>& Call) {
@@ -34,8 +27,7 @@ protected:
         return "no error";
     }
 
-private:
-    std::string FFolder;
+    const testing::TTempFolder Folder;
 };
 
 TEST(MemoryStream, ReadsWritesAndSeeks) {
@@ -101,10 +93,10 @@ TEST_F(Files, ErrorsNameTheFileAndTheReason) {
               "Cannot open file \"" + LongName + "\": No such file or directory");
     EXPECT_EQ(MessageOf<EFCreateError>([&] { TFileStream(Path("none/x"), fmCreate); }),
               "Cannot create file \"" + Path("none/x") + "\": No such file or directory");
-    EXPECT_EQ(MessageOf<EFOpenError>([&] { TFileStream(Folder(), fmOpenRead); }),
-              "Cannot open file \"" + Folder() + "\": Is a directory");
-    EXPECT_EQ(MessageOf<EFCreateError>([&] { TFileStream(Folder(), fmCreate); }),
-              "Cannot create file \"" + Folder() + "\": Is a directory");
+    EXPECT_EQ(MessageOf<EFOpenError>([&] { TFileStream(Path(""), fmOpenRead); }),
+              "Cannot open file \"" + Path("") + "\": Is a directory");
+    EXPECT_EQ(MessageOf<EFCreateError>([&] { TFileStream(Path(""), fmCreate); }),
+              "Cannot create file \"" + Path("") + "\": Is a directory");
     TFileStream(Path("a"), fmCreate);
     EXPECT_EQ(MessageOf<EFCreateError>([&] { TFileStream(Path("a") + std::string("\0b", 2), fmCreate); }),
               "Cannot create file \"" + Path("a") + "\xEF\xBF\xBD" + "b\": Invalid argument");
@@ -144,53 +136,6 @@ TEST_F(Files, PositionsBeyondFourGigabytes) {
 TEST_F(Files, HandlesAreNotInheritedByChildProcesses) {
     const TFileStream Stream(Path("a"), fmCreate);
     EXPECT_NE(fcntl(Stream.GetHandle(), F_GETFD) & FD_CLOEXEC, 0);
-}
-
-TEST_F(Files, ReplacingKeepsTheOldContentWhenItFails) {
-    const auto Names = [&] {
-        std::string Result;
-        for (const auto& Entry : std::filesystem::directory_iterator(Folder()))
-            Result += Entry.path().filename().string() + " ";
-        return Result;
-    };
-    const auto Content = [&](const std::string& Name) {
-        return TFileStream(Path(Name), fmOpenRead).ReadRest();
-    };
-    const auto Save = [&](const std::string& Name, const std::string& Text) {
-        ReplaceFile(Path(Name), [&](TStream& Stream) { Stream.WriteBuffer(Text.data(), std::ssize(Text)); });
-    };
-    Save("a", "old");
-    EXPECT_EQ(Content("a"), "old");
-    const std::string Long(255, 'n'); // the longest name that a file can have
-    ReplaceFile(Path(Long), [](TStream& Stream) { Stream.WriteBuffer("x", 1); });
-    EXPECT_TRUE(std::filesystem::exists(Path(Long)));
-    std::filesystem::remove(Path(Long));
-    EXPECT_THROW(ReplaceFile(Path("a"),
-                             [](TStream& Stream) {
-                                 Stream.WriteBuffer("ne", 2);
-                                 throw EWriteError("no space");
-                             }),
-                 EWriteError);
-    EXPECT_EQ(Content("a"), "old");
-    EXPECT_EQ(Names(), "a ");
-    EXPECT_THROW(Save("none/b", "x"), EFCreateError);
-}
-
-TEST_F(Files, ReplacingKeepsPermissionsAndLinks) {
-    namespace fs = std::filesystem;
-    const auto Save = [&](const std::string& Name, const std::string& Text) {
-        ReplaceFile(Path(Name), [&](TStream& Stream) { Stream.WriteBuffer(Text.data(), std::ssize(Text)); });
-    };
-    Save("a", "1");
-    fs::permissions(Path("a"), fs::perms(0640));
-    fs::create_symlink("a", Path("link"));
-    Save("link", "2");
-    EXPECT_TRUE(fs::is_symlink(Path("link")));
-    EXPECT_EQ(TFileStream(Path("a"), fmOpenRead).ReadRest(), "2");
-    EXPECT_EQ(fs::status(Path("a")).permissions(), fs::perms(0640));
-    fs::create_hard_link(Path("a"), Path("twin"));
-    Save("a", "3");
-    EXPECT_EQ(TFileStream(Path("twin"), fmOpenRead).ReadRest(), "3");
 }
 
 TEST_F(Files, ListsAndMemoryStreamsRoundTripThroughFiles) {

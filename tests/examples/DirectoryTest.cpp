@@ -1,11 +1,10 @@
 #include "examples/explorer/Directory.h"
 #include "examples/explorer/DirectoryFiller.h"
 
-#include "tests/examples/ChildProcess.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/QtTest.h"
 
 #include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
@@ -16,10 +15,6 @@ using quill::testing::ExpectInChild;
 using quill::testing::TTempFolder;
 
 namespace {
-
-void Put(const std::string& Name, const std::string& Text = "x") {
-    std::ofstream(Name, std::ios::binary) << Text;
-}
 
 // "name(kind marks)" of all entries, one after another.
 std::string Dump(const std::string& Path) {
@@ -81,9 +76,9 @@ protected:
 
 TEST(Directory, PutsDirectoriesFirstAndNumbersByValue) {
     const TTempFolder Folder;
-    for (const char* Name : {"file10", "file9", "file1"}) Put(Folder.File(Name), "123");
+    for (const char* Name : {"file10", "file9", "file1"}) Folder.Put(Name, "123");
     for (const char* Name : {"dir10", "dir2"}) fs::create_directory(Folder.File(Name));
-    Put(Folder.File("dir2/inside"));
+    Folder.Put("dir2/inside", "x");
     ASSERT_EQ(::mkfifo(Folder.File("pipe").c_str(), 0600), 0);
     EXPECT_EQ(Dump(Folder.File("")), "dir2(+) dir10(-) file1:3 file9:3 file10:3 pipe(special) ");
 }
@@ -122,7 +117,7 @@ TEST(Directory, SaysWhyADirectoryCannotBeRead) {
 TEST_F(Filler, ReadsADirectoryWhenItIsOpened) {
     MakeFolder("a/b/c");
     MakeFolder("empty");
-    Put(Folder.File("root/x.png"), std::string(2048, 'x'));
+    Folder.Put("root/x.png", std::string(2048, 'x'));
     TFlyNode* Root = Open();
     EXPECT_EQ(Children(Root), "[a+ empty x.png]");
     EXPECT_EQ(Fill.GetNodeCount(), 4);
@@ -134,7 +129,7 @@ TEST_F(Filler, ReadsADirectoryWhenItIsOpened) {
 
     Fill.ExpandLevels(9);
     EXPECT_EQ(Children(Root), "[a[b[c]] empty x.png]");
-    Put(Folder.File("root/empty/new"));
+    Folder.Put("root/empty/new", "x");
     Fill.Refresh(Root);
     EXPECT_EQ(Children(Root), "[a+ empty+ x.png]");
     EXPECT_EQ(Fill.GetNodeCount(), 4);

@@ -11,9 +11,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <fstream>
-#include <sstream>
-
 using namespace quill;
 using namespace quill::examples;
 using quill::testing::TTempFolder;
@@ -32,7 +29,7 @@ const char* const Tasks = "SaveOptions:28\r\n"
 class OutlinerWindow : public ::testing::Test {
 protected:
     OutlinerWindow() {
-        Write("tasks.nodes", Tasks);
+        Folder.Put("tasks.nodes", Tasks);
         Window.GetTree()->SetSmoothExpandCollapse(false);
         Window.resize(600, 400);
         Window.OpenFile(Folder.File("tasks.nodes"));
@@ -40,15 +37,6 @@ protected:
         QApplication::processEvents();
     }
 
-    void Write(const std::string& Name, const std::string& Text) {
-        std::ofstream(Folder.File(Name), std::ios::binary) << Text;
-    }
-    std::string Content(const std::string& Name) {
-        std::ifstream File(Folder.File(Name), std::ios::binary);
-        std::ostringstream Text;
-        Text << File.rdbuf();
-        return Text.str();
-    }
     TFlyNode* NodeOf(int Row) { return Window.GetTree()->GetNodeAtRow(Row); }
     // Clicks into the slot of the check mark of the node in a row.
     void ClickMark(int Row) {
@@ -114,12 +102,12 @@ TEST_F(OutlinerWindow, TicksWhatIsClicked) {
     EXPECT_EQ(States(), "-1 2 1 3 -1 5 4 ") << "of a group, one is chosen";
     QTest::keyClick(Window.GetTree(), Qt::Key_Space);
     Window.SaveFile(Folder.File("copy.nodes"));
-    EXPECT_NE(Content("copy.nodes").find("\t1,0,Done"), std::string::npos);
+    EXPECT_NE(Folder.Content("copy.nodes").find("\t1,0,Done"), std::string::npos);
 }
 
 TEST_F(OutlinerWindow, KeepsTheDocumentWhenAFileIsBroken) {
     ClickMark(2);
-    Write("broken.nodes", "SaveOptions:0\r\nA\r\n\t\t\tB\r\n");
+    Folder.Put("broken.nodes", "SaveOptions:0\r\nA\r\n\t\t\tB\r\n");
     EXPECT_THROW(Window.OpenFile(Folder.File("broken.nodes")), EOutlineError);
     EXPECT_THROW(Window.OpenFile(Folder.File("missing.nodes")), EOutlineError);
     EXPECT_THROW(Window.OpenFile(Folder.File("")), EOutlineError);
@@ -127,7 +115,7 @@ TEST_F(OutlinerWindow, KeepsTheDocumentWhenAFileIsBroken) {
     EXPECT_TRUE(Window.isWindowModified());
     EXPECT_EQ(Window.windowTitle(), "tasks.nodes[*]");
     Window.SaveFile(Folder.File("tasks.nodes"));
-    EXPECT_NE(Content("tasks.nodes").find("2,0,Open"), std::string::npos);
+    EXPECT_NE(Folder.Content("tasks.nodes").find("2,0,Open"), std::string::npos);
 }
 
 TEST_F(OutlinerWindow, AsksBeforeChangesAreLost) {
@@ -139,23 +127,23 @@ TEST_F(OutlinerWindow, AsksBeforeChangesAreLost) {
     ClickMark(2);
     EXPECT_TRUE(CloseAndAnswer(QMessageBox::Cancel));
     EXPECT_TRUE(Window.isVisible());
-    EXPECT_EQ(Content("tasks.nodes"), Tasks);
+    EXPECT_EQ(Folder.Content("tasks.nodes"), Tasks);
     EXPECT_TRUE(CloseAndAnswer(QMessageBox::Save));
     EXPECT_FALSE(Window.isVisible());
-    EXPECT_NE(Content("tasks.nodes"), Tasks);
+    EXPECT_NE(Folder.Content("tasks.nodes"), Tasks);
 }
 
 TEST_F(OutlinerWindow, SavesTheSameBytes) {
     Window.SaveFile(Folder.File("copy.nodes"));
-    EXPECT_EQ(Content("copy.nodes"), Tasks);
-    Write("tags.nodes", "SaveOptions:64\r\n7,A\r\n\t3,B\r\n");
+    EXPECT_EQ(Folder.Content("copy.nodes"), Tasks);
+    Folder.Put("tags.nodes", "SaveOptions:64\r\n7,A\r\n\t3,B\r\n");
     Window.OpenFile(Folder.File("tags.nodes"));
     Window.SaveFile(Folder.File("copy.nodes"));
-    EXPECT_EQ(Content("copy.nodes"), Content("tags.nodes"));
+    EXPECT_EQ(Folder.Content("copy.nodes"), Folder.Content("tags.nodes"));
     // The numbering of one outline is no business of the next.
     Window.OpenFile(Folder.File("tasks.nodes"));
     Window.SaveFile(Folder.File("copy.nodes"));
-    EXPECT_EQ(Content("copy.nodes"), Tasks);
+    EXPECT_EQ(Folder.Content("copy.nodes"), Tasks);
 }
 
 TEST_F(OutlinerWindow, FindsNodesByTypedLetters) {
@@ -164,7 +152,7 @@ TEST_F(OutlinerWindow, FindsNodesByTypedLetters) {
 }
 
 TEST_F(OutlinerWindow, ShowsTheTextsOfARowOnOneLine) {
-    Write("lines.nodes", "SaveOptions:8\r\nFirst\r\nH,H,H\r\n");
+    Folder.Put("lines.nodes", "SaveOptions:8\r\nFirst\r\nH,H,H\r\n");
     Window.OpenFile(Folder.File("lines.nodes"));
     TOutlineTree* Tree = Window.GetTree();
     for (const int Height : {20, 21, 24, 27, 40}) {

@@ -2,6 +2,8 @@
 // QT_QPA_PLATFORM says otherwise, and fails a test that causes a Qt warning which it did not announce.
 #pragma once
 
+#include "tests/support/TempFolder.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -20,19 +22,6 @@ private:
     friend struct TWarnings;
     std::string FText;
     int FCount = 0;
-};
-
-// A folder that is removed, with its content, when the object goes.
-class TTempFolder {
-public:
-    TTempFolder();
-    ~TTempFolder();
-    TTempFolder(const TTempFolder&) = delete;
-    TTempFolder& operator=(const TTempFolder&) = delete;
-    std::string File(const std::string& Name) const { return FPath + "/" + Name; }
-
-private:
-    std::string FPath;
 };
 
 } // namespace quill::testing

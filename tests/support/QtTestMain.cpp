@@ -3,8 +3,6 @@
 #include <QApplication>
 
 #include <cstdio>
-#include <filesystem>
-#include <random>
 #include <vector>
 
 namespace quill::testing {
@@ -40,18 +38,6 @@ TExpectQtWarning::TExpectQtWarning(std::string Text) : FText(std::move(Text)) {
 TExpectQtWarning::~TExpectQtWarning() {
     std::erase(TWarnings::Expected, this);
     EXPECT_GT(FCount, 0) << "No Qt warning with the text: " << FText;
-}
-
-TTempFolder::TTempFolder() {
-    const std::filesystem::path Base = std::filesystem::temp_directory_path();
-    std::random_device Random;
-    do FPath = (Base / ("quill-test-" + std::to_string(Random()))).string();
-    while (!std::filesystem::create_directory(FPath));
-}
-
-TTempFolder::~TTempFolder() {
-    std::error_code Ignored;
-    std::filesystem::remove_all(FPath, Ignored);
 }
 
 } // namespace quill::testing
