@@ -239,6 +239,8 @@ public:
     bool GetEnumerateNodes() const override { return FUniqueTags; }
     void SetEnumerateNodes(bool Value);
     // Numbers all nodes in document order.
+    // Whether pixels moved so far keep the outline right, whose dots and boxes keep to every second line.
+    bool CanScrollPixels(int DX, int DY) override;
     void EnumerateNodes();
     TNodeSelectionStyle GetNodeSelectionStyle() const { return FNodeSelectionStyle; }
     void SetNodeSelectionStyle(TNodeSelectionStyle Value);
@@ -387,8 +389,17 @@ private:
     void ShowFrame(int Frame);
     bool HeightsMatter() const;
     bool HasUniformHeights() const;
+    bool HasHeightWatchers() const;
+    int HeightOfRow(int Row);
+    template <class THeight>
+    void StoreHeights(int First, int Last, bool Down, THeight HeightOf);
+    int OutlinePhase() const;
+    int MadeOddRow(int Y) const { return (Y + FPhase) % 2 == 0 ? Y + 1 : Y; }
 
-    void AutoExpandTo(TNodeWatch& Old, TNodeWatch& New);
+    // What a move of the focus does to the marks as soon as it is allowed.
+    enum class TFocusMarks : unsigned char { Keep, Anchor, Add, Alone, AloneWithAnchor };
+    void ApplyMarks(TFocusMarks Marks, int Row);
+    void AutoExpandTo(TFlyNode* Old, TNodeWatch& New);
     void MarkRange(int FromRow, int ToRow, bool Mark);
     TGridRect SelectionColumns(int FromRow, int ToRow) const;
     void InvalidateCurrent();
@@ -462,3 +473,9 @@ public:
 };
 
 } // namespace quill
+    bool FAutoExpanding = false;
+    bool FSelectingAlone = false; // SetSelection asks FocusCell for it
+    bool FFocusing = false;       // FocusCell is on its way to SelectCell, with FFocusMarks
+    bool FShiftingHeights = false;
+    TFocusMarks FFocusMarks = TFocusMarks::Keep;
+    int FPhase = 0; // of the picture on the surface: OutlinePhase when it was painted

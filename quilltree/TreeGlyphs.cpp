@@ -99,8 +99,7 @@ void TCustomQuillTree::DrawButton(TCanvas& Canvas, TFlyNode* Node, TQuillBitmap 
         if (Left % 2 == 0) ++Left;
     }
     const int Top = Rect.Top + (Rect.Height() - FButtonSize) / 2;
-    TRect Frame = Bounds(Left, Top, FButtonSize, FButtonSize);
-    if (Top % 2 == 0) Frame.Offset(0, 1);
+    TRect Frame = Bounds(Left, MadeOddRow(Top), FButtonSize, FButtonSize);
 
     const unsigned Flat = GetCtl3D() ? 0 : DFCS_FLAT;
     const TColor OldBrush = Canvas.GetBrush()->GetColor();

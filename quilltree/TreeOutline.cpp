@@ -43,6 +43,27 @@ int TCustomQuillTree::GetCX(int Level) {
     return OutlineCentre((Mirrored ? GetClientWidth() - Cell.Right : Cell.Left) - GetHOffset(), Level);
 }
 
+// --- the phase ----------------------------------------------------------------------------------------------------
+// Dots, buttons and state glyphs keep to the odd lines of the unscrolled picture. Its lines are odd or even on the
+// screen according to how far it is scrolled, so that its pixels can be moved by an odd distance too. Rows of different
+// heights would have to be summed up for that; the picture then keeps to the odd lines of the screen.
+
+int TCustomQuillTree::OutlinePhase() const {
+    if (!HasUniformHeights() || (GetTopRow() - GetFixedRows()) % 2 == 0) return 0;
+    const bool HasLine = HasOption(goFixedHorzLine) || HasOption(goHorzLine);
+    return (GetDefaultRowHeight() + (HasLine ? GetGridLineWidth() : 0)) % 2;
+}
+
+bool TCustomQuillTree::CanScrollPixels(int DX, int DY) {
+    const bool Moves = DY != 0 || FStructureCol >= GetFixedCols();
+    if (!Moves || !(FShowlines || FShowButtons || FShowLogic)) return true;
+    const int Phase = OutlinePhase();
+    // Outline centres are on odd columns of the screen.
+    if (DX % 2 != 0 || (DY % 2 != 0) != (Phase != FPhase)) return false;
+    FPhase = Phase;
+    return true;
+}
+
 // Whether a sibling behind Node has a row. A placeholder counts as it is: painting makes no nodes that are out of view.
 bool TCustomQuillTree::HasRowBehind(TFlyNode* Node) const {
     const TTreeCollection* Collection = Node->GetCollection();
@@ -115,7 +136,7 @@ void TCustomQuillTree::InternalLineTo(TCanvas& Canvas, int X, bool Vertical, int
     // Single points of a mirrored canvas lie one pixel beside the mirrored picture.
     const int Shift = Canvas.GetCanvasOrientation() == coRightToLeft ? 1 : 0;
     FDots.clear();
-    for (int At = Low % 2 == 0 ? Low + 1 : Low; At <= High; At += 2) {
+    for (int At = Vertical ? MadeOddRow(Low) : MadeOdd(Low); At <= High; At += 2) {
         FDots.push_back(Vertical ? TPoint{From.X + Shift, At} : TPoint{At + Shift, From.Y});
     }
     Canvas.SetPixels(FDots, FOutlineColor);
@@ -137,12 +158,12 @@ void TCustomQuillTree::OutlineLine(TCanvas& Canvas, TPoint From, TPoint To) {
 
 void TCustomQuillTree::DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level) {
     TRect R = Cell;
-    if (R.Top % 2 != 0) --R.Top;
-    if (R.Bottom % 2 == 0) ++R.Bottom;
+    if (MadeOddRow(R.Top) == R.Top) --R.Top;
+    R.Bottom = MadeOddRow(R.Bottom);
     const int Above = R.Top - 1;
     const int Below = R.Bottom + 1;
     const int Centre = OutlineCentre(FOutlineLeft, Level);
-    const int Middle = MadeOdd(R.Top + (R.Bottom - R.Top) / 2);
+    const int Middle = MadeOddRow(R.Top + (R.Bottom - R.Top) / 2);
     const bool HasPrev = FItems->RowList.First() != Node;
     const bool HasNext = HasRowBehind(Node);
     const bool IsStandard = FOutlineStyle == olsStandardTree;

@@ -48,6 +48,13 @@ TRect DataTextRect(TRect Cell, TAlignment Align) {
 void TCustomQuillTree::Paint() {
     const TControlGuard Guard(this);
     FAncestorsOf = nullptr;
+    if (const int Phase = OutlinePhase(); Phase != FPhase) {
+        FPhase = Phase;
+        // The rest of the picture is still in the other phase.
+        TRect Painted;
+        IntersectRect(Painted, GetCanvas()->GetClipRect(), GetClientRect());
+        if (Painted != GetClientRect()) Invalidate();
+    }
     TCustomExGrid::Paint();
     // Outside a paint nodes move and the rows before are no neighbours.
     if (Guard) FAncestorsOf = nullptr;

@@ -1,6 +1,7 @@
 // Rows and nodes: the row list, placeholders, heights, and rows that slide in and out.
 #include "host/graphics/Canvas.h"
 #include "host/windows/Application.h"
+#include "quilltree/FlagScope.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -184,15 +185,12 @@ void TCustomQuillTree::InsertRows(int Index, int Count) {
     if (!Guard) return;
     SetRowCount(GetRowCount() + Count);
     if (!Guard || FFitToHeight || IsLoading() || !HeightsMatter()) return;
-    for (int Row = GetRowCount() - Count - 1; Row > Index && Guard; --Row) {
-        SetRowHeights(Row + Count, GetRowHeights(Row));
-    }
-    for (int Row = Index + 1; Guard && Row <= Index + Count; ++Row) {
-        if (TFlyNode* Node = GetNodeAtRow(Row)) {
-            const int Height = Node->GetHeightField();
-            SetRowHeights(Row, Height > 0 ? Height : GetDefaultRowHeight());
-        }
-    }
+    const int Default = GetDefaultRowHeight();
+    StoreHeights(Index + 1 + Count, GetRowCount() - 1, true,
+                 [this, Count](int Row, int) { return HeightOfRow(Row - Count); });
+    if (!Guard) return;
+    StoreHeights(Index + 1, Index + Count, false,
+                 [Default](int, int Height) { return Height > 0 ? Height : Default; });
 }
 
 void TCustomQuillTree::DeleteRows(int Index, int Count) {
@@ -201,23 +199,21 @@ void TCustomQuillTree::DeleteRows(int Index, int Count) {
     if (CanSlide()) SlideRowsUp(Index, Count);
     if (!Guard) return;
     if (!IsLoading() && HeightsMatter()) {
-        // Under FitToHeight storing only forgets measured heights, so nothing is measured to be moved.
-        for (int Row = Index + 1; Guard && Row < GetRowCount(); ++Row) {
-            SetRowHeights(Row, FFitToHeight && GetNodeAtRow(Row) ? -1 : GetRowHeights(Row + Count));
-        }
+        // Under FitToHeight storing only forgets measured heights, so nothing is measured to be moved. The last Count
+        // rows go away.
+        StoreHeights(Index + 1, GetRowCount() - Count - 1, false,
+                     [this, Count](int Row, int) { return FFitToHeight ? -1 : HeightOfRow(Row + Count); });
     }
     if (Guard) SetRowCount(GetRowCount() - Count);
 }
 
 void TCustomQuillTree::FixupRowHeights(int FromRow) {
     const TControlGuard Guard(this);
+    FromRow = std::max(FromRow, 0);
     if (HeightsMatter()) {
-        for (int Row = std::max(FromRow, 0); Guard && Row < GetRowCount(); ++Row) {
-            if (TFlyNode* Node = GetNodeAtRow(Row)) {
-                const int Height = Node->GetHeightField();
-                SetRowHeights(Row, Height < 1 ? GetDefaultRowHeight() : Height);
-            }
-        }
+        const int Default = GetDefaultRowHeight();
+        StoreHeights(FromRow, GetRowCount() - 1, false,
+                     [Default](int, int Height) { return Height < 1 ? Default : Height; });
     }
     if (Guard) InvalidateBox(0, FromRow, GetColCount() - 1, GetRowCount() - 1, false);
 }
@@ -233,6 +229,55 @@ bool TCustomQuillTree::HasUniformHeights() const {
 bool TCustomQuillTree::HeightsMatter() const {
     return (FItems && FItems->GetHasStoredHeights()) || OnRowHeightChanging || OnRowHeightChanged ||
            HasListener("rowHeightChanged(int,int)");
+}
+
+// Whether storing a height may run other code than ours.
+bool TCustomQuillTree::HasHeightWatchers() const {
+    return !StoresPlainTexts() || OnRowHeightChanging || OnRowHeightChanged ||
+           HasListener("rowHeightChanged(int,int)");
+}
+
+// The height of a row; a placeholder has the default height and is not made real to say so.
+int TCustomQuillTree::HeightOfRow(int Row) {
+    const int Index = Row - GetFixedRows();
+    const bool IsPlaceholder =
+        Index >= 0 && Index < FItems->RowList.GetCount() && !FItems->RowList.NodeAt(Index);
+    return IsPlaceholder ? GetDefaultRowHeight() : GetRowHeights(Row);
+}
+
+// Stores HeightOf(Row, the node's own height) in the nodes of the rows First .. Last, from the last row up when Down.
+// Placeholders are passed over, and the scroll range follows once.
+template <class THeight>
+void TCustomQuillTree::StoreHeights(int First, int Last, bool Down, THeight HeightOf) {
+    if (!FItems) return;
+    const TControlGuard Guard(this);
+    First = std::max(First, GetFixedRows());
+    bool Changed = false;
+    const auto Store = [&](int Row) {
+        TFlyNode* const Node = FItems->RowList.NodeAt(Row - GetFixedRows());
+        if (!Node) return;
+        const int Height = HeightOf(Row, Node->GetHeightField());
+        if (!Guard || Height == Node->GetHeightField()) return;
+        Changed = true;
+        if (HasHeightWatchers()) {
+            SetRowHeights(Row, Height);
+        } else {
+            Node->SetHeightField(FFitToHeight ? -1 : Height);
+        }
+    };
+    {
+        const TFlagScope Shifting(this, FShiftingHeights);
+        // A handler may take rows away.
+        const auto End = [this] { return GetFixedRows() + FItems->RowList.GetCount(); };
+        if (Down) {
+            for (int Row = std::min(Last, End() - 1); Guard && Row >= First; --Row) Store(Row);
+        } else {
+            for (int Row = First; Guard && Row <= Last && Row < End(); ++Row) Store(Row);
+        }
+    }
+    if (!Guard || !Changed) return;
+    InvalidateGrid();
+    RowHeightsChanged();
 }
 
 int TCustomQuillTree::GetRowHeights(int Row) {
@@ -259,8 +304,10 @@ void TCustomQuillTree::SetRowHeights(int Row, int Height) {
     RowHeightChanging(Row, Height);
     if (!Guard || !Watch) return;
     Node->SetHeightField(Height);
-    InvalidateGrid();
-    RowHeightsChanged();
+    if (!FShiftingHeights) {
+        InvalidateGrid();
+        RowHeightsChanged();
+    }
     if (Guard) RowHeightChanged(Row, Height);
 }
 

@@ -3,9 +3,11 @@
 #include "host/base/Events.h"
 #include "host/base/Utf8.h"
 #include "host/windows/Application.h"
+#include "quilltree/FlagScope.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quill {
 
@@ -13,6 +15,33 @@ namespace {
 
 // Typed characters within this time of the last one extend the search text.
 constexpr std::uint32_t SearchWindow = 1500; // milliseconds
+
+// So many placeholders may become nodes in one search; the others are passed over, so that a keystroke does not
+// create ten million nodes.
+constexpr int SearchCreates = 10000;
+
+// The state index that the space key gives to a check box or radio button; -1 for other states.
+constexpr int ToggledState(int State) {
+    switch (State) {
+    case 1:
+        return 2;
+    case 2:
+        return 1;
+    case 4:
+        return 5;
+    case 5:
+        return 4;
+    default:
+        return -1;
+    }
+}
+
+// The first child that has a row.
+TFlyNode* FirstListedChild(TFlyNode* Node) {
+    TFlyNode* Child = Node->getFirstChild();
+    while (Child && !Child->IsNodeVisible()) Child = Child->GetNextSibling();
+    return Child;
+}
 
 } // namespace
 
@@ -34,9 +63,9 @@ void TCustomQuillTree::SetSelection(TFlyNode* Node) {
     if (!Guard || !Watch) return;
     const int Row = Node->GetRow();
     if (Row < 0) return;
-    FlushSelection();
+    FSelectingAlone = true;
     FocusCell(GetCol(), Row, false, {}, swNone);
-    if (Guard && Watch) Node->SetSelected(true);
+    if (Guard) FSelectingAlone = false;
 }
 
 void TCustomQuillTree::SelectOne(int Row) {
@@ -91,6 +120,10 @@ bool TCustomQuillTree::InSelection(int ACol, int ARow) {
 
 bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftState Shift,
                                   TSelectionWay Way) {
+    const bool Focusing = std::exchange(FFocusing, false);
+    const TFocusMarks Marks = std::exchange(FFocusMarks, TFocusMarks::Keep);
+    // Branches that close under the current cell move it about; where it ends is decided by the outer call.
+    if (FAutoExpanding && !Focusing) return true;
     const TControlGuard Guard(this);
     TNodeWatch Old(GetNodeAtRow(GetRow()));
     TNodeWatch New(Guard ? GetNodeAtRow(ARow) : nullptr);
@@ -107,6 +140,8 @@ bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftS
         Result = !HadNode && FItems && FItems->RowList.GetCount() == 0;
     }
     if (Result) {
+        ApplyMarks(Marks, ARow);
+        if (!Guard) return false;
         TFlyNode* Node = GetNodeAtRow(ARow);
         if (MoveAnchor) FAnchorNode = Node;
         if (Way == swByMouse || Shift.Contains(ssShift)) Selecting(ACol, ARow, Node, Shift, MoveAnchor);
@@ -114,7 +149,7 @@ bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftS
         if (!HadNode || New) Change(New);
         if (!Guard) return false;
     }
-    if (FAutoExpand && Result && !FInButtonClick && FItems->GetCount() > 0) {
+    if (FAutoExpand && Result && !FInButtonClick && !FAutoExpanding && FItems->GetCount() > 0) {
         AutoExpandTo(Old, New);
         if (!Guard) return false;
         if (New) ARow = New->GetRow();
@@ -122,19 +157,46 @@ bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftS
     return Result;
 }
 
+// The marks of an allowed move; a refused one leaves all as they are.
+void TCustomQuillTree::ApplyMarks(TFocusMarks Marks, int Row) {
+    TFlyNode* const Node = GetNodeAtRow(Row);
+    if (!Node) return;
+    switch (Marks) {
+    case TFocusMarks::Keep:
+        break;
+    case TFocusMarks::Anchor:
+        FAnchorNode = Node;
+        break;
+    case TFocusMarks::AloneWithAnchor:
+        FAnchorNode = Node;
+        [[fallthrough]];
+    case TFocusMarks::Alone:
+        FlushSelection();
+        [[fallthrough]];
+    case TFocusMarks::Add:
+        Node->SetSelected(true);
+        break;
+    }
+}
+
 // Toggles New and closes the other branches.
-void TCustomQuillTree::AutoExpandTo(TNodeWatch& Old, TNodeWatch& New) {
+void TCustomQuillTree::AutoExpandTo(TFlyNode* Old, TNodeWatch& New) {
     const TControlGuard Guard(this);
-    const bool Moved = Old.Get() != New.Get();
+    const TFlagScope Expanding(this, FAutoExpanding);
+    const bool Moved = Old != New.Get();
     const TUpdateBracket Bracket(FItems.get());
     if (New) New->SetExpanded(!New->GetExpanded());
-    if (Guard && Moved) {
-        for (int Index = 0; Guard && Index < FItems->GetCount(); ++Index) {
-            if (FItems->NVMeta(Index)) continue;
-            TFlyNode* Top = FItems->GetNodeFromIndex(Index);
-            if (!Top->GetExpanded() || Top == New.Get() || (New && New->HasAsParent(Top))) continue;
-            Top->Collapse(true);
-        }
+    if (!Guard || !Moved) return;
+    std::vector<TFlyNode*> Open;
+    for (TTreeSlot* Slot = FItems->FirstSlot(); Slot; Slot = FItems->GetChildList()->Next(Slot)) {
+        if (Slot->IsPlaceholder()) continue;
+        TFlyNode* const Top = TFlyNode::AsNode(static_cast<TTreeCollection*>(Slot));
+        if (Top->GetExpanded() && Top != New.Get() && !(New && New->HasAsParent(Top))) Open.push_back(Top);
+    }
+    const TGoneWatch Gone;
+    for (TFlyNode* const Top : Open) {
+        if (!Gone.IsGone(Top)) Top->Collapse(true);
+        if (!Guard) return;
     }
 }
 
@@ -180,23 +242,27 @@ void TCustomQuillTree::FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftStat
         if (Node && Node->GetSelectedIndex() != -1 && ACol != FStructureCol)
             InvalidateCell(FStructureCol, ARow);
     }
+    TFocusMarks Marks = std::exchange(FSelectingAlone, false) ? TFocusMarks::Alone : TFocusMarks::Keep;
     if (ARow != GetRow()) {
         if (IsRangeSelect() && !(Way != swNone && MoveAnchor)) {
-            if (Way != swNone) FAnchorNode = FAnchorNode ? FAnchorNode : Node;
-        } else if (Node && (IsRangeSelect() || !Node->GetSelected())) {
+            // A range keeps the anchor from which it extends.
+            if (Way != swNone && (!Shift.Contains(ssShift) || !FAnchorNode)) Marks = TFocusMarks::Anchor;
+        } else if (Node && (Marks == TFocusMarks::Alone || IsRangeSelect() || !Node->GetSelected())) {
             // A plain click or arrow key leaves no other node marked.
-            FlushSelection();
-            SelectOne(ARow);
+            Marks = TFocusMarks::AloneWithAnchor;
         }
-    } else if (Node && !Node->GetSelected()) {
+    } else if (Node && !Node->GetSelected() && Marks == TFocusMarks::Keep) {
         const bool ByLeft = Shift == TShiftState(ssLeft);
         const bool ByRight = Shift == TShiftState(ssRight) && FRightClickSelect;
-        if (ByLeft || ByRight) {
-            if (!IsRangeSelect()) FlushSelection();
-            Node->SetSelected(true);
-        }
+        if (ByLeft || ByRight) Marks = IsRangeSelect() ? TFocusMarks::Add : TFocusMarks::Alone;
     }
-    if (Guard) TCustomExGrid::FocusCell(ACol, ARow, MoveAnchor, Shift, Way);
+    // SelectCell takes both, once it knows whether the move is allowed.
+    FFocusing = true;
+    FFocusMarks = Marks;
+    TCustomExGrid::FocusCell(ACol, ARow, MoveAnchor, Shift, Way);
+    if (!Guard) return;
+    FFocusing = false;
+    FFocusMarks = TFocusMarks::Keep;
 }
 
 // --- events ------------------------------------------------------------------------------------------------------
@@ -278,6 +344,12 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     const TControlGuard Guard(this);
     TFlyNode* Node = (GetCol() == FStructureCol || IsRowSelect()) ? GetNodeAtRow(GetRow()) : nullptr;
     if (!Guard) return;
+    // Arrow keys that move along the tree mark as those do that move along the rows.
+    const auto MoveTo = [&](const TFlyNode* Target) {
+        const int Row = Target ? Target->GetRow() : -1;
+        const bool NoModifiers = !Shift.Contains(ssShift) && !Shift.Contains(ssCtrl);
+        if (Row >= 0) FocusCell(GetCol(), Row, NoModifiers, Shift, swByKeyBoard);
+    };
     if (Node) {
         switch (Key) {
         case VK_ADD:
@@ -292,8 +364,8 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
             if (GetColCount() == 1 && Node->GetChildren()) {
                 if (!Node->GetExpanded()) {
                     Node->Expand(false);
-                } else if (TFlyNode* First = Node->getFirstChild(); First && First->GetRow() >= 0) {
-                    SetRow(First->GetRow());
+                } else {
+                    MoveTo(FirstListedChild(Node));
                 }
             }
             break;
@@ -301,8 +373,8 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
             if (GetColCount() == 1) {
                 if (Node->GetExpanded()) {
                     Node->Collapse(false);
-                } else if (TFlyNode* Parent = Node->GetParent()) {
-                    SetRow(Parent->GetRow());
+                } else {
+                    MoveTo(Node->GetParent());
                 }
             }
             break;
@@ -310,30 +382,10 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
             if (!IsEditorShowing()) Node->SetExpanded(!Node->GetExpanded());
             break;
         case VK_SPACE:
-            if (FShowLogic) {
-                int State = Node->GetStateIndex();
-                switch (State) {
-                case 1:
-                    State = 2;
-                    break;
-                case 2:
-                    State = 1;
-                    break;
-                case 4:
-                    State = 5;
-                    break;
-                case 5:
-                    State = 4;
-                    break;
-                default:
-                    State = -1;
-                    break;
-                }
-                if (State >= 0) {
-                    Node->SetStateIndex(State);
-                    Key = 0;
-                    return;
-                }
+            if (const int State = FShowLogic ? ToggledState(Node->GetStateIndex()) : -1; State >= 0) {
+                Node->SetStateIndex(State);
+                Key = 0;
+                return;
             }
             break;
         default:
@@ -354,7 +406,7 @@ void TCustomQuillTree::WMChar(TWMKey& Message) {
         TCustomExGrid::WMChar(Message);
         return;
     }
-    if (Char < 32) return;
+    if (Char < 32 || Char == 127) return; // no text
 
     const TControlGuard Guard(this);
     TFlyNode* Start = GetNodeAtRow(GetRow());
@@ -378,7 +430,8 @@ bool TCustomQuillTree::SelectFound(TFlyNode* Start) {
     const TNodeWatch Watch(Start);
     TFlyNode* Found = IncSearch(Start);
     if (!Guard || (Start && !Watch)) return false;
-    SetSelection(Found);
+    // Finding nothing changes nothing.
+    if (Found != Start || !HasSelection()) SetSelection(Found);
     return Guard && (!Start || Watch);
 }
 
@@ -386,31 +439,25 @@ TFlyNode* TCustomQuillTree::IncSearch(TFlyNode* Start) {
     if (!Start || !FItems) return nullptr;
     const TControlGuard Guard(this);
     const TNodeWatch StartWatch(Start);
-    TNodeWatch Node(GetNextVisible(Start));
-    bool Wrapped = false;
-    if (!Node) {
-        Node.Reset(FItems->GetFirstNode());
-        Wrapped = true;
-    }
-    while (Node && Node.Get() != Start) {
-        std::string Text;
+    TFlyNode* const Next = GetNextVisible(Start);
+    if (!Guard || !StartWatch) return nullptr;
+    int Index = Next ? FItems->RowList.IndexOf(Next) : 0;
+    int Creates = SearchCreates;
+    // Once around is enough, also when Start has no row of its own.
+    for (int Left = FItems->RowList.GetCount(); Left > 0; --Left, ++Index) {
+        if (Index >= FItems->RowList.GetCount()) Index = 0;
+        TNodeWatch Node(FItems->RowList.NodeAt(Index));
+        if (!Node && Creates-- > 0) Node.Reset(FItems->MaterialiseRow(Index));
+        if (!Guard || !StartWatch) return nullptr;
+        if (Node.Get() == Start) break;
+        if (!Node) continue;
+        std::string Shown;
         if (OnGetEditText) {
-            FireEvent(OnGetEditText, this, FStructureCol, Node->GetRow(), Text);
+            FireEvent(OnGetEditText, this, FStructureCol, Node->GetRow(), Shown);
             if (!Guard || !StartWatch) return nullptr;
-            if (!Node) break;
-        } else {
-            Text = Node->GetText();
+            if (!Node) continue;
         }
-        if (StartsTextIgnoringCase(Text, FSearchText)) return Node;
-        TFlyNode* Next = Node->GetExpanded() ? Node->getFirstChild() : nullptr;
-        if (!Next) Next = GetNextVisible(Node);
-        if (!Next) {
-            // Once around is enough, also when Start has no row of its own.
-            if (Wrapped) break;
-            Wrapped = true;
-            Next = FItems->GetFirstNode();
-        }
-        Node.Reset(Next);
+        if (StartsTextIgnoringCase(OnGetEditText ? Shown : Node->GetTextView(), FSearchText)) return Node;
     }
     return Start;
 }
