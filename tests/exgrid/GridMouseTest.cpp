@@ -48,43 +48,33 @@ TEST(GridMouse, APressSelectsItsCell) {
     for (const TCase& Case : Cases) {
         SCOPED_TRACE(Case.What);
         TMouseGrid Grid;
+        std::string Seen;
+        Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { Seen = Grid.State(); };
         Grid.Down(Case.X, Case.Y, Case.Shift);
-        EXPECT_EQ(Grid.State(), Case.State);
-        EXPECT_EQ(Show(TGridCoord{Grid.GetHittest().X, Grid.GetHittest().Y}),
-                  Show(TGridCoord{Case.X, Case.Y}));
+        EXPECT_EQ(Seen, Case.State) << "the handler sees the new cell";
+        EXPECT_EQ(Grid.GetHittest(), (TPoint{Case.X, Case.Y}));
         Grid.Up(Case.X, Case.Y);
+        EXPECT_EQ(Grid.State(), Case.State);
         EXPECT_EQ(Grid.GetGridState(), gsNormal);
     }
 }
 
 TEST(GridMouse, APressThatDoesNotCountChangesNothing) {
-    TMouseGrid Grid;
-    const std::string Before = Grid.State();
-    int Presses = 0;
-    Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++Presses; };
-    Grid.HitAllowed = false;
-    Grid.Down(160, 60);
-    EXPECT_EQ(Grid.State(), Before);
-    EXPECT_EQ(Grid.GetGridState(), gsNormal);
-    Grid.HitAllowed = true;
-    Grid.SetSkipPress(true);
-    Grid.Down(160, 60);
-    EXPECT_EQ(Grid.State(), Before);
-    Grid.SetSkipPress(false);
-    Grid.MouseDown(mbRight, ssRight, 160, 60);
-    EXPECT_EQ(Grid.State(), Before);
-    Grid.SetDesigning(true);
-    Grid.Down(160, 60);
-    EXPECT_EQ(Grid.State(), Before);
-    EXPECT_EQ(Presses, 4); // the handler hears of all of them
-}
-
-TEST(GridMouse, TheHandlerOfThePressSeesTheNewCell) {
-    TMouseGrid Grid;
-    std::string Seen;
-    Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { Seen = Grid.State(); };
-    Grid.Down(160, 60);
-    EXPECT_EQ(Seen, "2,2 [2,2..2,2] @1,1");
+    using TSetUp = void (*)(TMouseGrid&);
+    for (const TSetUp SetUp : {TSetUp([](TMouseGrid& Grid) { Grid.HitAllowed = false; }),
+                               TSetUp([](TMouseGrid& Grid) { Grid.SetSkipPress(true); }),
+                               TSetUp([](TMouseGrid& Grid) { Grid.SetDesigning(true); })}) {
+        TMouseGrid Grid;
+        const std::string Before = Grid.State();
+        int Presses = 0;
+        Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++Presses; };
+        Grid.MouseDown(mbRight, ssRight, 160, 60);
+        SetUp(Grid);
+        Grid.Down(160, 60);
+        EXPECT_EQ(Grid.State(), Before);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal);
+        EXPECT_EQ(Presses, 2) << "the handler hears of all of them";
+    }
 }
 
 TEST(GridMouse, ADragDrawsARangeFromItsFirstCell) {
@@ -136,12 +126,12 @@ TEST(GridMouse, WithoutRangesOrWithEditingADragDrawsNone) {
 
 TEST(GridMouse, ADragPastTheEdgeScrollsWithTheTimer) {
     TMouseGrid Grid;
-    Grid.Down(160, 60);
     const auto Ticks = [&](int X, int Y, int Count) {
         Grid.MousePos = {X, Y};
         for (int I = 0; I < Count; ++I) Grid.Tick();
         return Grid.State();
     };
+    Grid.Down(160, 60);
     EXPECT_EQ(Ticks(160, 60, 2), "2,2 [2,2..2,2] @1,1"); // inside
     EXPECT_EQ(Ticks(160, 300, 4), "2,2 [2,2..2,6] @1,3");
     EXPECT_EQ(Ticks(500, 300, 3), "2,2 [2,2..4,9] @2,6");
@@ -149,54 +139,28 @@ TEST(GridMouse, ADragPastTheEdgeScrollsWithTheTimer) {
     EXPECT_EQ(Ticks(10, 60, 20), "2,2 [1,1..2,2] @1,1");
     Grid.Up(10, 60);
     EXPECT_EQ(Ticks(500, 500, 2), "2,2 [1,1..2,2] @1,1");
-}
-
-TEST(GridMouse, MirroredTheTimerScrollsTheOtherWay) {
-    TMouseGrid Grid;
-    Grid.SetBiDiMode(bdRightToLeft);
-    Grid.Down(144, 60); // column 2
-    EXPECT_EQ(Grid.State(), "2,2 [2,2..2,2] @1,1");
-    Grid.MousePos = {-50, 60};
-    Grid.Tick();
-    Grid.Tick();
-    EXPECT_EQ(Grid.State(), "2,2 [2,2..4,2] @2,1");
-    Grid.MousePos = {300, 60};
-    for (int I = 0; I < 5; ++I) Grid.Tick();
-    EXPECT_EQ(Grid.State(), "2,2 [1,2..2,2] @1,1");
-}
-
-TEST(GridMouse, ATickOutsideADragEndsTheTimer) {
-    TMouseGrid Grid;
-    Grid.SetTimer(TCustomExGrid::ScrollTimerID, TCustomExGrid::ScrollTimerInterval);
-    Grid.SetGridState(gsRowMoving);
-    Grid.Tick();
-    EXPECT_TRUE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
-    Grid.SetGridState(gsNormal);
-    Grid.Tick();
     EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
+    // Mirrored it scrolls the other way.
+    Grid.SetBiDiMode(bdRightToLeft);
+    Grid.Down(144, 60);
+    EXPECT_EQ(Ticks(-50, 60, 2), "2,2 [2,2..4,2] @2,1");
+    EXPECT_EQ(Ticks(300, 60, 5), "2,2 [1,2..2,2] @1,1");
 }
 
 TEST(GridMouse, ADragEndsWhenItIsCancelledOrTheReleaseIsMissed) {
-    for (const int Way : {0, 1, 2, 3}) {
+    const std::pair<const char*, void (*)(TMouseGrid&)> Ways[] = {
+        {"the window's cancel", [](TMouseGrid& Grid) { Grid.Perform(WM_CANCELMODE, 0, 0); }},
+        {"the control's cancel", [](TMouseGrid& Grid) { Grid.Perform(CM_CANCELMODE, 0, 0); }},
+        {"a move without a button", [](TMouseGrid& Grid) { Grid.Move(240, 90, {}); }},
+        {"a new window", [](TMouseGrid& Grid) { Grid.RecreateWnd(); }},
+    };
+    for (const auto& [Name, End] : Ways) {
         TMouseGrid Grid;
         Grid.Down(160, 60);
-        switch (Way) {
-        case 0:
-            Grid.Perform(WM_CANCELMODE, 0, 0);
-            break;
-        case 1:
-            Grid.Perform(CM_CANCELMODE, 0, 0);
-            break;
-        case 2:
-            Grid.Move(240, 90, {});
-            break;
-        default:
-            Grid.RecreateWnd();
-            break;
-        }
-        EXPECT_EQ(Grid.GetGridState(), gsNormal) << Way;
-        EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID)) << Way;
-        EXPECT_EQ(Grid.State(), "2,2 [2,2..2,2] @1,1") << Way;
+        End(Grid);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal) << Name;
+        EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID)) << Name;
+        EXPECT_EQ(Grid.State(), "2,2 [2,2..2,2] @1,1") << Name;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <QImage>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 namespace quill::testing {
@@ -123,7 +124,6 @@ TEST(GridPixels, MirroredIsTheMirrorImage) {
 TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
     const unsigned Seed = 4711;
     TDice Dice(Seed);
-    int Steps = 0;
     for (int Round = 0; Round < 60; ++Round) {
         TColourGrid Grid(Dice.Pick(60, 300), Dice.Pick(50, 200));
         MakeRandom(Grid, Dice);
@@ -132,53 +132,37 @@ TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
         Grid.HasFocus = true;
         Grid.Invalidate();
         Grid.Update();
-        static constexpr std::uint16_t Keys[] = {VK_UP,   VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR,
-                                                 VK_NEXT, VK_HOME, VK_END,  VK_TAB};
-        for (int Step = 0; Step < 40; ++Step) {
-            const int Kind = Dice.Pick(0, 9);
-            const TShiftState Shift = Dice.Chance(3) ? TShiftState(ssShift) : TShiftState();
-            switch (Kind) {
-            case 0:
-            case 1:
-            case 2:
-                Grid.Press(Keys[Dice.Pick(0, 8)], Shift);
-                break;
-            case 3:
+        const std::function<void()> Operations[] = {
+            [&] {
+                static constexpr std::uint16_t Keys[] = {VK_UP,   VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR,
+                                                         VK_NEXT, VK_HOME, VK_END,  VK_TAB};
+                Grid.Press(Keys[Dice.Pick(0, 8)], Dice.Chance(3) ? TShiftState(ssShift) : TShiftState());
+            },
+            [&] {
                 Grid.ModifyScrollBar(Dice.Pick(0, 1), static_cast<unsigned>(Dice.Pick(0, 7)),
                                      static_cast<unsigned>(Dice.Pick(0, 127)), true);
-                break;
-            case 4:
-                Grid.MoveTopLeft(Dice.Pick(0, 8), Dice.Pick(0, 12));
-                break;
-            case 5:
-                Grid.SetColWidths(Dice.Pick(0, Grid.GetColCount() - 1), Dice.Pick(0, 90));
-                break;
-            case 6:
-                Grid.SetRowCount(std::max(1, Grid.GetRowCount() + Dice.Pick(-2, 3)));
-                break;
-            case 7:
-                Grid.SetColCount(Grid.GetColCount() + Dice.Pick(-1, 1));
-                break;
-            case 8:
-                if (Dice.Chance(2)) {
-                    Grid.ClearSelection();
-                } else {
-                    Grid.SetSelection({Dice.Pick(0, 3), Dice.Pick(0, 3), Dice.Pick(0, 3), Dice.Pick(0, 3)});
-                }
-                break;
-            default:
-                Grid.SetSize(Grid.GetWidth() + Dice.Pick(-9, 9), Grid.GetHeight() + Dice.Pick(-9, 9));
-                break;
-            }
+            },
+            [&] { Grid.MoveTopLeft(Dice.Pick(0, 8), Dice.Pick(0, 12)); },
+            [&] { Grid.SetColWidths(Dice.Pick(0, Grid.GetColCount() - 1), Dice.Pick(0, 90)); },
+            [&] { Grid.SetRowCount(std::max(1, Grid.GetRowCount() + Dice.Pick(-2, 3))); },
+            [&] { Grid.SetColCount(Grid.GetColCount() + Dice.Pick(-1, 1)); },
+            [&] { Grid.ClearSelection(); },
+            [&] {
+                Grid.SetSelection({Dice.Pick(0, 3), Dice.Pick(0, 3), Dice.Pick(0, 3), Dice.Pick(0, 3)});
+            },
+            [&] { Grid.SetSize(Grid.GetWidth() + Dice.Pick(-9, 9), Grid.GetHeight() + Dice.Pick(-9, 9)); },
+        };
+        for (int Step = 0; Step < 40; ++Step) {
+            // Keys more often than anything else.
+            const int Kind = std::max(0, Dice.Pick(-2, 8));
+            Operations[Kind]();
             const QImage Partial = Grid.GetSurfaceImage();
             Grid.Invalidate();
             ASSERT_TRUE(Partial == Grid.GetSurfaceImage())
                 << "seed " << Seed << ", round " << Round << ", step " << Step << ", kind " << Kind << ", "
                 << Grid.State() << ", options " << Grid.GetOptions().Bits();
-            ++Steps;
         }
     }
-    EXPECT_EQ(Steps, 60 * 40);
 }
 
 // A scrolled strip may begin on the line below a cell that is itself out of view.

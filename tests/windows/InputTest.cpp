@@ -38,17 +38,30 @@ public:
     static QPoint At(int X, int Y) { return {X + 1, Y + 1}; }
 };
 
+// A control without a frame in the upper part of a window, and below it an editor, which has the focus.
+class InputInWindow : public ::testing::Test {
+protected:
+    InputInWindow() {
+        Window.resize(300, 200);
+        Control.SetBorderStyle(bsNone);
+        Control.SetBounds(0, 0, 200, 100);
+        Other.setGeometry(0, 120, 100, 30);
+        Window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&Window));
+        Other.setFocus();
+        Handle = Window.windowHandle();
+    }
+    QDialog Window;
+    TLogControl Control{&Window};
+    QLineEdit Inner{Control.viewport()}; // as an in-place editor is
+    QLineEdit Other{&Window};
+    QWindow* Handle;
+};
+
 } // namespace
 
-TEST(Input, ClickSequence) {
-    QWidget Window;
-    Window.resize(300, 200);
-    TLogControl Control(&Window);
-    Control.SetBorderStyle(bsNone);
-    Control.SetBounds(0, 0, 200, 100);
-    Window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
-    QWindow* Handle = Window.windowHandle();
+TEST_F(InputInWindow, ClickSequence) {
+    Inner.hide();
     QTest::mouseMove(Handle, {250, 150});
     qApp->processEvents();
     Control.LogMouse = true;
@@ -125,24 +138,19 @@ TEST(Input, PositionsAreThePixelsUnderTheMouse) {
 TEST(Input, LosingTheMouseCancelsThePress) {
     TActive Control;
     Control.LogMouse = true;
-    const auto Press = [&] {
+    QDialog Dialog;
+    Dialog.setModal(true);
+    for (const bool Modal : {false, true}) {
         QTest::mousePress(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
         EXPECT_TRUE(Control.GetMouseCapture());
         Control.Take();
-    };
-    Press();
-    Control.SetEnabled(false);
-    EXPECT_EQ(Control.Take(), "cancel");
-    EXPECT_FALSE(Control.GetMouseCapture());
-    Control.SetEnabled(true);
-    QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
-    Press();
-    QDialog Dialog;
-    Dialog.setModal(true);
-    Dialog.show();
-    EXPECT_EQ(Control.Take().substr(0, 6), "cancel") << "a modal dialog takes the mouse";
-    Dialog.hide();
-    QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
+        Modal ? Dialog.show() : Control.SetEnabled(false);
+        EXPECT_EQ(Control.Take().substr(0, 6), "cancel") << (Modal ? "a modal dialog" : "disabled");
+        EXPECT_FALSE(Control.GetMouseCapture());
+        Control.SetEnabled(true);
+        Dialog.hide();
+        QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, Control.At(5, 5));
+    }
 }
 
 TEST(Input, CursorIsAskedForOnMovesWithoutButtons) {
@@ -253,7 +261,6 @@ TEST(Input, VirtualKeys) {
         int Key;
     } const Cases[] = {
         {Qt::Key_A, false, 'A'},
-        {Qt::Key_Z, false, 'Z'},
         {Qt::Key_7, false, '7'},
         {Qt::Key_7, true, VK_NUMPAD0 + 7},
         {Qt::Key_Plus, true, VK_ADD},
@@ -262,23 +269,12 @@ TEST(Input, VirtualKeys) {
         {Qt::Key_Minus, false, VK_OEM_MINUS},
         {Qt::Key_Asterisk, true, VK_MULTIPLY},
         {Qt::Key_Asterisk, false, '8'},
-        {Qt::Key_Slash, true, VK_DIVIDE},
-        {Qt::Key_F1, false, VK_F1},
-        {Qt::Key_F2, false, VK_F2},
         {Qt::Key_F24, false, VK_F24},
-        {Qt::Key_Home, true, VK_HOME},
         {Qt::Key_Up, true, VK_UP},
         {Qt::Key_PageDown, false, VK_NEXT},
         {Qt::Key_Enter, true, VK_RETURN},
         {Qt::Key_Backtab, false, VK_TAB},
-        {Qt::Key_Escape, false, VK_ESCAPE},
-        {Qt::Key_Space, false, VK_SPACE},
-        {Qt::Key_Delete, false, VK_DELETE},
-        {Qt::Key_Insert, false, VK_INSERT},
-        {Qt::Key_Alt, false, VK_MENU},
-        {Qt::Key_Menu, false, VK_APPS},
         {Qt::Key_Adiaeresis, false, 0},
-        {Qt::Key_MediaPlay, false, 0},
         {Qt::Key_unknown, false, 0},
     };
     for (const auto& Case : Cases) EXPECT_EQ(VirtualKeyFromQt(Case.Qt, Case.Keypad), Case.Key) << Case.Qt;
@@ -326,68 +322,47 @@ TEST(Input, KeysAndCharacters) {
     EXPECT_EQ(Sent(Qt::Key_A), "keydown 65") << "a consumed key yields no character";
 }
 
-TEST(Input, UnhandledKeysGoOnToTheDialog) {
-    QDialog Dialog;
-    Dialog.resize(300, 200);
-    TLogControl Control(&Dialog);
-    Control.SetBounds(0, 0, 200, 100);
-    QPushButton Default(&Dialog);
-    Default.setGeometry(0, 120, 80, 30);
+TEST_F(InputInWindow, UnhandledKeysGoOnToTheDialog) {
+    QPushButton Default(&Window);
     Default.setDefault(true);
+    Default.show();
     int Clicks = 0;
     QObject::connect(&Default, &QPushButton::clicked, [&] { ++Clicks; });
-    Dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Dialog));
     Control.SetFocus();
-    QWindow* Window = Dialog.windowHandle();
-
-    Control.Wanted = {VK_RETURN, VK_ESCAPE};
-    QTest::keyClick(Window, Qt::Key_Return);
-    QTest::keyClick(Window, Qt::Key_Escape);
-    EXPECT_EQ(Clicks, 0);
-    EXPECT_TRUE(Dialog.isVisible());
-    Control.Wanted = {};
-    Control.OnKeyPress = [](TObject*, char32_t& Key) {
-        if (Key == 13 || Key == 27) Key = 0;
+    const auto ExpectConsumed = [&](const char* By) {
+        QTest::keyClick(Handle, Qt::Key_Return);
+        QTest::keyClick(Handle, Qt::Key_Escape);
+        EXPECT_EQ(Clicks, 0) << By;
+        EXPECT_TRUE(Window.isVisible()) << By;
     };
-    QTest::keyClick(Window, Qt::Key_Return);
-    QTest::keyClick(Window, Qt::Key_Escape);
-    EXPECT_EQ(Clicks, 0);
-    EXPECT_TRUE(Dialog.isVisible());
+    Control.Wanted = {VK_RETURN, VK_ESCAPE};
+    ExpectConsumed("the control");
+    Control.Wanted = {};
+    Control.OnKeyPress = [](TObject*, char32_t& Key) { Key = 0; };
+    ExpectConsumed("the handler");
     Control.OnKeyPress = nullptr;
-    QTest::keyClick(Window, Qt::Key_Return);
+    QTest::keyClick(Handle, Qt::Key_Return);
     EXPECT_EQ(Clicks, 1);
-    QTest::keyClick(Window, Qt::Key_Escape);
-    EXPECT_FALSE(Dialog.isVisible());
+    QTest::keyClick(Handle, Qt::Key_Escape);
+    EXPECT_FALSE(Window.isVisible());
 }
 
-TEST(Input, TabMovesTheFocusUnlessWanted) {
-    QWidget Window;
-    Window.resize(300, 200);
-    TLogControl Control(&Window);
+TEST_F(InputInWindow, TabMovesTheFocusUnlessWanted) {
     Control.SetTabStop(true);
-    Control.SetBounds(0, 0, 200, 100);
     Control.LogKeys = true;
-    QLineEdit Other(&Window);
-    Other.setGeometry(0, 120, 100, 30);
-    // A child of the client area, as an in-place editor is.
-    QLineEdit Inner(Control.viewport());
-    Inner.setGeometry(0, 0, 50, 20);
-    Window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
     Control.SetFocus();
     Control.Wanted = {VK_TAB};
-    QTest::keyPress(Window.windowHandle(), Qt::Key_Tab);
-    QTest::keyPress(Window.windowHandle(), Qt::Key_Backtab, Qt::ShiftModifier);
+    QTest::keyPress(Handle, Qt::Key_Tab);
+    QTest::keyPress(Handle, Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(Control.Take(), "keydown 9; char 9; keydown 16 shift; keydown 9 shift; char 9 shift");
     EXPECT_TRUE(Control.Focused());
     Inner.setFocus();
-    QTest::keyPress(Window.windowHandle(), Qt::Key_Tab);
+    QTest::keyPress(Handle, Qt::Key_Tab);
     EXPECT_TRUE(Inner.hasFocus()) << "the editor of a control that wants Tab sees it";
     Control.SetFocus();
     Control.Wanted = {};
     Control.Take();
-    QTest::keyPress(Window.windowHandle(), Qt::Key_Tab);
+    QTest::keyPress(Handle, Qt::Key_Tab);
     EXPECT_EQ(Control.Take(), "");
     EXPECT_FALSE(Control.Focused());
 }
@@ -415,19 +390,8 @@ TEST(Input, ClipboardKeysBecomeMessagesWhenWanted) {
 
 // --- focus --------------------------------------------------------------------------------------------------------
 
-TEST(Input, FocusEntersAndLeavesTheControlAsAWhole) {
-    QWidget Window;
-    Window.resize(300, 200);
-    TLogControl Control(&Window);
-    Control.SetBounds(0, 0, 200, 100);
+TEST_F(InputInWindow, FocusEntersAndLeavesTheControlAsAWhole) {
     Control.LogFocus = true;
-    QLineEdit Inner(Control.viewport());
-    QLineEdit Other(&Window);
-    Other.setGeometry(0, 120, 100, 30);
-    Window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
-    Other.setFocus();
-    EXPECT_EQ(Control.Take(), "");
     Control.SetFocus();
     EXPECT_EQ(Control.Take(), "setfocus; enter");
     EXPECT_TRUE(Control.Focused());
@@ -461,19 +425,10 @@ TEST(Input, FocusEntersAndLeavesTheControlAsAWhole) {
         << "left before it was told that it entered";
 }
 
-TEST(Input, EnterComesBeforeThePressThatCausedIt) {
-    QWidget Window;
-    Window.resize(300, 200);
-    TLogControl Control(&Window);
-    Control.SetBounds(0, 0, 200, 100);
-    QLineEdit Other(&Window);
-    Other.setGeometry(0, 120, 100, 30);
-    Window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
-    Other.setFocus();
+TEST_F(InputInWindow, EnterComesBeforeThePressThatCausedIt) {
     Control.LogFocus = true;
     Control.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { Control.Log("down"); };
-    QTest::mouseClick(Window.windowHandle(), Qt::LeftButton, {}, {50, 50});
+    QTest::mouseClick(Handle, Qt::LeftButton, {}, {50, 50});
     EXPECT_EQ(Control.Take(), "setfocus; enter; down");
 }
 

@@ -1,4 +1,5 @@
 // A handler may destroy the control that calls it.
+#include "tests/support/Handlers.h"
 #include "tests/support/QtTest.h"
 #include "tests/windows/LogControl.h"
 
@@ -16,15 +17,33 @@
 
 using namespace quill;
 using quill::testing::SendWheel;
+using quill::testing::TAnyHandler;
 using quill::testing::TLogControl;
 
 namespace {
+
+using TDestroy = std::function<void()>;
+
+// Calls Destroy for one kind of message: not all of them have an event of their own.
+struct TMessageHook : TLogControl {
+    unsigned Msg = 0;
+    TDestroy Destroy;
+    using TLogControl::TLogControl;
+    void WndProc(TMessage& Message) override {
+        if (Message.Msg == Msg) {
+            const TDestroy Run = Destroy;
+            Run();
+            return;
+        }
+        TLogControl::WndProc(Message);
+    }
+};
 
 // A window with a control in it and another widget beside it.
 struct TScene {
     QWidget Window;
     QLineEdit Other{&Window};
-    QPointer<TLogControl> Control = new TLogControl(&Window);
+    QPointer<TMessageHook> Control = new TMessageHook(&Window);
 
     TScene() {
         Window.resize(300, 200);
@@ -42,227 +61,140 @@ struct TScene {
         qApp->processEvents();
     }
     QWindow* Handle() { return Window.windowHandle(); }
-    QPoint Inside() const { return {50, 50}; }
-};
-
-using TDestroy = std::function<void()>;
-struct TCase {
-    const char* Name;
-    std::function<void(TScene&, TDestroy)> Arm;
-    std::function<void(TScene&)> Act;
-};
-
-void PrintTo(const TCase& Case, std::ostream* Out) { *Out << Case.Name; }
-
-// Scroll messages have no event of their own.
-struct TMessageHook : TLogControl {
-    unsigned Msg = 0;
-    TDestroy Destroy;
-    using TLogControl::TLogControl;
-    void WndProc(TMessage& Message) override {
-        if (Message.Msg == Msg) {
-            const TDestroy Run = Destroy;
-            Run();
-            return;
-        }
-        TLogControl::WndProc(Message);
+    QPoint OnBar() {
+        const QScrollBar* Bar = Control->verticalScrollBar();
+        return Bar->mapTo(&Window, Bar->rect().center());
     }
 };
 
+constexpr QPoint Inside(50, 50);
+constexpr QPoint Outside(20, 160);
+
+using TArm = std::function<void(TScene&, TDestroy)>;
+using TAct = std::function<void(TScene&)>;
+
+// Ways to be called.
+template <class TClass, class TEvent>
+TArm On(TEvent TClass::*Event) {
+    return [Event](TScene& S, TDestroy D) { S.Control->*Event = TAnyHandler{D}; };
+}
+TArm OnMessage(unsigned Msg) {
+    return [Msg](TScene& S, TDestroy D) {
+        S.Control->Destroy = D;
+        S.Control->Msg = Msg;
+    };
+}
+// Does something before.
+TArm After(const TAct& Prepare, const TArm& Arm) {
+    return [=](TScene& S, TDestroy D) {
+        Prepare(S);
+        Arm(S, D);
+    };
+}
+
+// What calls.
+TAct Click(QPoint Pos, Qt::MouseButton Button = Qt::LeftButton) {
+    return [=](TScene& S) { QTest::mouseClick(S.Handle(), Button, {}, Pos); };
+}
+TAct MoveTo(QPoint Pos) {
+    return [=](TScene& S) {
+        QTest::mouseMove(S.Handle(), Pos);
+        qApp->processEvents();
+    };
+}
+TAct Press(Qt::Key Key) {
+    return [=](TScene& S) {
+        QTest::keyClick(S.Handle(), Key);
+        qApp->processEvents();
+    };
+}
+void DoubleClick(TScene& S) { QTest::mouseDClick(S.Handle(), Qt::LeftButton, {}, Inside); }
+void TurnWheel(TScene& S) { SendWheel(S.Handle(), Inside, QPoint(0, -240)); }
+void LeaveFocus(TScene& S) {
+    S.Control->SetTabStop(true);
+    S.Other.setFocus();
+}
+
+struct TCase {
+    const char* Name;
+    TArm Arm;
+    TAct Act;
+};
+
 const TCase Cases[] = {
-    {"mouse down",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnMouseDown = [D](TObject*, TMouseButton, TShiftState, int, int) { D(); };
-     },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, S.Inside()); }},
-    {"right mouse down",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnMouseDown = [D](TObject*, TMouseButton, TShiftState, int, int) { D(); };
-     },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::RightButton, {}, S.Inside()); }},
-    {"mouse up",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnMouseUp = [D](TObject*, TMouseButton, TShiftState, int, int) { D(); };
-     },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, S.Inside()); }},
-    {"click", [](TScene& S, TDestroy D) { S.Control->OnClick = [D](TObject*) { D(); }; },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, S.Inside()); }},
-    {"clicked signal",
-     [](TScene& S, TDestroy D) { QObject::connect(S.Control, &TCustomControl::clicked, D); },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, S.Inside()); }},
-    {"double click", [](TScene& S, TDestroy D) { S.Control->OnDblClick = [D](TObject*) { D(); }; },
-     [](TScene& S) { QTest::mouseDClick(S.Handle(), Qt::LeftButton, {}, S.Inside()); }},
-    {"mouse move",
-     [](TScene& S, TDestroy D) { S.Control->OnMouseMove = [D](TObject*, TShiftState, int, int) { D(); }; },
-     [](TScene& S) { QTest::mouseMove(S.Handle(), S.Inside()); }},
-    {"wheel",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnMouseWheel = [D](TObject*, TShiftState, int, TPoint, bool&) { D(); };
-     },
-     [](TScene& S) { SendWheel(S.Handle(), S.Inside(), QPoint(0, -240)); }},
-    {"wheel down",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnMouseWheelDown = [D](TObject*, TShiftState, TPoint, bool&) { D(); };
-     },
-     [](TScene& S) { SendWheel(S.Handle(), S.Inside(), QPoint(0, -240)); }},
-    {"key down",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnKeyDown = [D](TObject*, std::uint16_t&, TShiftState) { D(); };
-     },
-     [](TScene& S) { QTest::keyClick(S.Handle(), Qt::Key_A); }},
-    {"key press", [](TScene& S, TDestroy D) { S.Control->OnKeyPress = [D](TObject*, char32_t&) { D(); }; },
-     [](TScene& S) { QTest::keyClick(S.Handle(), Qt::Key_A); }},
-    {"key up",
-     [](TScene& S, TDestroy D) { S.Control->OnKeyUp = [D](TObject*, std::uint16_t&, TShiftState) { D(); }; },
-     [](TScene& S) { QTest::keyClick(S.Handle(), Qt::Key_A); }},
-    {"input method", [](TScene& S, TDestroy D) { S.Control->OnKeyPress = [D](TObject*, char32_t&) { D(); }; },
+    {"mouse_down", On(&TLogControl::OnMouseDown), Click(Inside)},
+    {"right_mouse_down", On(&TLogControl::OnMouseDown), Click(Inside, Qt::RightButton)},
+    {"mouse_up", On(&TLogControl::OnMouseUp), Click(Inside)},
+    {"click", On(&TLogControl::OnClick), Click(Inside)},
+    {"clicked_signal",
+     [](TScene& S, TDestroy D) { QObject::connect(S.Control, &TCustomControl::clicked, D); }, Click(Inside)},
+    {"double_click", On(&TLogControl::OnDblClick), DoubleClick},
+    {"mouse_move", On(&TLogControl::OnMouseMove), MoveTo(Inside)},
+    {"mouse_enter", After(MoveTo(Outside + QPoint(1, 1)), OnMessage(CM_MOUSEENTER)), MoveTo(Inside)},
+    {"mouse_leave", After(MoveTo(Inside), OnMessage(CM_MOUSELEAVE)), MoveTo(Outside)},
+    {"wheel", On(&TLogControl::OnMouseWheel), TurnWheel},
+    {"wheel_down", On(&TLogControl::OnMouseWheelDown), TurnWheel},
+    {"wheel_over_a_scroll_bar", On(&TLogControl::OnMouseWheelDown),
+     [](TScene& S) { SendWheel(S.Handle(), S.OnBar(), QPoint(0, -120)); }},
+    {"key_down", On(&TLogControl::OnKeyDown), Press(Qt::Key_A)},
+    {"key_press", On(&TLogControl::OnKeyPress), Press(Qt::Key_A)},
+    {"key_up", On(&TLogControl::OnKeyUp), Press(Qt::Key_A)},
+    {"input_method", On(&TLogControl::OnKeyPress),
      [](TScene& S) {
          QInputMethodEvent Commit;
          Commit.setCommitString(QStringLiteral("ab"));
          QApplication::sendEvent(S.Control, &Commit);
      }},
-    {"paint", [](TScene& S, TDestroy D) { S.Control->OnPaint = D; },
+    {"paint", On(&TLogControl::OnPaint),
      [](TScene& S) {
          S.Control->Invalidate();
          qApp->processEvents();
      }},
-    {"paint by Update", [](TScene& S, TDestroy D) { S.Control->OnPaint = D; },
-     [](TScene& S) { S.Control->Repaint(); }},
-    {"paint by ProcessMessages", [](TScene& S, TDestroy D) { S.Control->OnPaint = D; },
+    {"paint_by_Repaint", On(&TLogControl::OnPaint), [](TScene& S) { S.Control->Repaint(); }},
+    {"paint_by_ProcessMessages", On(&TLogControl::OnPaint),
      [](TScene& S) {
          S.Control->Invalidate();
          Application.ProcessMessages();
      }},
-    {"paint on the screen's demand", [](TScene& S, TDestroy D) { S.Control->OnPaint = D; },
+    {"paint_on_the_screens_demand", On(&TLogControl::OnPaint),
      [](TScene& S) {
          S.Control->Invalidate();
          S.Window.repaint();
      }},
-    {"first paint",
-     [](TScene& S, TDestroy D) {
-         S.Window.hide();
-         S.Control->RecreateWnd();
-         S.Control->OnPaint = D;
-     },
+    {"first_paint",
+     After(
+         [](TScene& S) {
+             S.Window.hide();
+             S.Control->RecreateWnd();
+         },
+         On(&TLogControl::OnPaint)),
      [](TScene& S) {
          S.Window.show();
          EXPECT_TRUE(QTest::qWaitForWindowExposed(&S.Window));
          qApp->processEvents();
      }},
-    {"timer",
-     [](TScene& S, TDestroy D) {
-         auto* Hook = static_cast<TMessageHook*>(S.Control.data());
-         Hook->Msg = WM_TIMER;
-         Hook->Destroy = D;
-         Hook->SetTimer(1, 1);
-     },
+    {"timer", After([](TScene& S) { S.Control->SetTimer(1, 1); }, OnMessage(WM_TIMER)),
      [](TScene&) { QTest::qWait(20); }},
-    {"enter",
-     [](TScene& S, TDestroy D) {
-         S.Other.setFocus();
-         S.Control->OnEnter = [D](TObject*) { D(); };
-     },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, S.Inside()); }},
-    {"enter by Tab",
-     [](TScene& S, TDestroy D) {
-         S.Control->SetTabStop(true);
-         S.Other.setFocus();
-         S.Control->OnEnter = [D](TObject*) { D(); };
-     },
-     [](TScene& S) {
-         QTest::keyClick(S.Handle(), Qt::Key_Tab);
-         qApp->processEvents();
-     }},
-    {"enter by SetFocus",
-     [](TScene& S, TDestroy D) {
-         S.Other.setFocus();
-         S.Control->OnEnter = [D](TObject*) { D(); };
-     },
+    {"enter_by_click", After(LeaveFocus, On(&TLogControl::OnEnter)), Click(Inside)},
+    {"enter_by_Tab", After(LeaveFocus, On(&TLogControl::OnEnter)), Press(Qt::Key_Tab)},
+    {"enter_by_SetFocus", After(LeaveFocus, On(&TLogControl::OnEnter)),
      [](TScene& S) { S.Control->SetFocus(); }},
-    {"exit by click", [](TScene& S, TDestroy D) { S.Control->OnExit = [D](TObject*) { D(); }; },
-     [](TScene& S) { QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, QPoint(20, 160)); }},
-    {"exit by Tab", [](TScene& S, TDestroy D) { S.Control->OnExit = [D](TObject*) { D(); }; },
-     [](TScene& S) { QTest::keyClick(S.Handle(), Qt::Key_Tab); }},
-    {"mouse enter",
-     [](TScene& S, TDestroy D) {
-         QTest::mouseMove(S.Handle(), QPoint(21, 161)); // not where the mouse is already
-         auto* Hook = static_cast<TMessageHook*>(S.Control.data());
-         Hook->Msg = CM_MOUSEENTER;
-         Hook->Destroy = D;
-     },
-     [](TScene& S) { QTest::mouseMove(S.Handle(), S.Inside()); }},
-    {"mouse leave",
-     [](TScene& S, TDestroy D) {
-         QTest::mouseMove(S.Handle(), S.Inside());
-         auto* Hook = static_cast<TMessageHook*>(S.Control.data());
-         Hook->Msg = CM_MOUSELEAVE;
-         Hook->Destroy = D;
-     },
-     [](TScene& S) {
-         QTest::mouseMove(S.Handle(), QPoint(20, 160));
-         qApp->processEvents();
-     }},
-    {"scroll bar button",
-     [](TScene& S, TDestroy D) {
-         auto* Hook = static_cast<TMessageHook*>(S.Control.data());
-         Hook->Msg = WM_VSCROLL;
-         Hook->Destroy = D;
-     },
-     [](TScene& S) {
-         QScrollBar* Bar = S.Control->verticalScrollBar();
-         QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, Bar->mapTo(&S.Window, Bar->rect().center()));
-         QTest::mouseClick(S.Handle(), Qt::LeftButton, {}, S.Inside());
-     }},
-    {"wheel over a scroll bar",
-     [](TScene& S, TDestroy D) {
-         S.Control->OnMouseWheelDown = [D](TObject*, TShiftState, TPoint, bool&) { D(); };
-     },
-     [](TScene& S) {
-         QScrollBar* Bar = S.Control->verticalScrollBar();
-         SendWheel(S.Handle(), Bar->mapTo(&S.Window, Bar->rect().center()), QPoint(0, -120));
-     }},
-    {"handle creation",
-     [](TScene& S, TDestroy D) {
-         auto* Hook = static_cast<TMessageHook*>(S.Control.data());
-         Hook->Msg = WM_SIZE;
-         Hook->Destroy = D;
-     },
-     [](TScene& S) { S.Control->RecreateWnd(); }},
-    {"programmed resize",
-     [](TScene& S, TDestroy D) {
-         auto* Hook = static_cast<TMessageHook*>(S.Control.data());
-         Hook->Msg = WM_SIZE;
-         Hook->Destroy = D;
-         S.Window.hide();
-     },
+    {"exit_by_click", On(&TLogControl::OnExit), Click(Outside)},
+    {"exit_by_Tab", On(&TLogControl::OnExit), Press(Qt::Key_Tab)},
+    {"scroll_bar_button", OnMessage(WM_VSCROLL), [](TScene& S) { Click(S.OnBar())(S); }},
+    {"handle_creation", OnMessage(WM_SIZE), [](TScene& S) { S.Control->RecreateWnd(); }},
+    {"programmed_resize", After([](TScene& S) { S.Window.hide(); }, OnMessage(WM_SIZE)),
      [](TScene& S) { S.Control->SetBounds(0, 0, 90, 90); }},
 };
 
-class Lifetime : public ::testing::TestWithParam<TCase> {};
+void PrintTo(const TCase& Case, std::ostream* Out) { *Out << Case.Name; }
 
-std::string CaseName(const ::testing::TestParamInfo<TCase>& Info) {
-    std::string Result = Info.param.Name;
-    for (char& C : Result)
-        if (C == ' ' || C == '\'') C = '_';
-    return Result;
-}
+class Lifetime : public ::testing::TestWithParam<TCase> {};
 
 } // namespace
 
 TEST_P(Lifetime, ControlMayGoInTheHandler) {
     TScene Scene;
-    delete Scene.Control;
-    auto* Hook = new TMessageHook(&Scene.Window);
-    Scene.Control = Hook;
-    Hook->ExtraStyle = WS_HSCROLL | WS_VSCROLL;
-    Hook->SetBounds(0, 0, 200, 140);
-    Hook->show();
-    for (const int Bar : {SB_HORZ, SB_VERT}) {
-        Hook->SetScrollRange(Bar, 0, 127, false);
-        Hook->ShowScrollBar(Bar, true);
-    }
-    Hook->SetFocus();
-    qApp->processEvents();
     int Calls = 0;
     GetParam().Arm(Scene, [&] {
         ++Calls;
@@ -272,13 +204,13 @@ TEST_P(Lifetime, ControlMayGoInTheHandler) {
     EXPECT_EQ(Calls, 1);
     EXPECT_FALSE(Scene.Control);
     // The window goes on working.
-    QTest::mouseClick(Scene.Handle(), Qt::LeftButton, {}, QPoint(20, 160));
-    QTest::keyClick(Scene.Handle(), Qt::Key_X);
-    qApp->processEvents();
+    Click(Outside)(Scene);
+    Press(Qt::Key_X)(Scene);
     EXPECT_EQ(Scene.Other.text(), QStringLiteral("x"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Handlers, Lifetime, ::testing::ValuesIn(Cases), CaseName);
+INSTANTIATE_TEST_SUITE_P(Handlers, Lifetime, ::testing::ValuesIn(Cases),
+                         [](const auto& Info) { return std::string(Info.param.Name); });
 
 TEST(LifetimeOthers, GuardSeesTheBeginOfDestruction) {
     struct TProbe : TCustomControl {
@@ -326,13 +258,4 @@ TEST(LifetimeOthers, TimerRunsOnlyWhileEnabledWithAHandler) {
     Timer.SetInterval(0);
     QTest::qWait(10);
     EXPECT_EQ(Ticks, Before);
-}
-
-TEST(LifetimeOthers, ChildOfAControlAsOwnerAndParent) {
-    auto Owner = std::make_unique<TLogControl>();
-    QPointer<TCustomControl> Child = new TCustomControl(Owner.get(), Owner->viewport());
-    Owner->show();
-    qApp->processEvents();
-    Owner.reset();
-    EXPECT_FALSE(Child);
 }

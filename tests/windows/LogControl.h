@@ -101,109 +101,50 @@ public:
     }
 
 private:
-    static std::string At(const TMessage& Message) {
-        const TPoint P = PointFromParam(Message.LParam);
-        return " " + std::to_string(P.X) + "," + std::to_string(P.Y);
-    }
     void LogMessage(const TMessage& Message) {
-        const auto Mouse = [&](const char* Name) {
-            if (!LogMouse) return;
-            const std::string Shift = ShiftText(ShiftFromParam(Message.WParam));
-            Log(Name + At(Message) + (Shift.empty() ? "" : " " + Shift));
+        struct TName {
+            unsigned Msg;
+            const char* Name;
         };
-        const auto Key = [&](const char* Name) {
-            if (!LogKeys) return;
-            const std::string Shift = ShiftText(ShiftFromParam(static_cast<std::uintptr_t>(Message.LParam)));
-            Log(Name + std::string(" ") + std::to_string(Message.WParam) +
-                (Shift.empty() ? "" : " " + Shift));
+        static constexpr TName Mouse[] = {{WM_MOUSEMOVE, "move"},    {WM_LBUTTONDOWN, "ldown"},
+                                          {WM_LBUTTONUP, "lup"},     {WM_LBUTTONDBLCLK, "ldbl"},
+                                          {WM_RBUTTONDOWN, "rdown"}, {WM_RBUTTONUP, "rup"},
+                                          {WM_MBUTTONDOWN, "mdown"}, {WM_MBUTTONUP, "mup"}};
+        static constexpr TName Keys[] = {{WM_KEYDOWN, "keydown"}, {WM_KEYUP, "keyup"}, {WM_CHAR, "char"}};
+        const struct {
+            bool On;
+            TName Entry;
+        } Others[] = {{LogMouse, {CM_MOUSEENTER, "mouseenter"}},
+                      {LogMouse, {CM_MOUSELEAVE, "mouseleave"}},
+                      {LogMouse, {WM_CANCELMODE, "cancel"}},
+                      {LogKeys, {WM_CUT, "cut"}},
+                      {LogKeys, {WM_COPY, "copy"}},
+                      {LogKeys, {WM_PASTE, "paste"}},
+                      {LogFocus, {WM_SETFOCUS, "setfocus"}},
+                      {LogFocus, {WM_KILLFOCUS, "killfocus"}},
+                      {LogWindow, {CM_FONTCHANGED, "font"}},
+                      {LogWindow, {CM_BIDIMODECHANGED, "bidi"}}};
+        const auto Key = static_cast<std::uintptr_t>(Message.LParam);
+        const TPoint P = PointFromParam(Message.LParam);
+        const std::string At = std::to_string(P.X) + "," + std::to_string(P.Y);
+        const std::string WParam = std::to_string(Message.WParam);
+        const auto LogWithShift = [&](const std::string& Line, std::uintptr_t State) {
+            const std::string Shift = ShiftText(ShiftFromParam(State));
+            Log(Line + (Shift.empty() ? "" : " ") + Shift);
         };
-        const auto LogIf = [&](bool On, const std::string& Line) {
-            if (On) Log(Line);
-        };
-        switch (Message.Msg) {
-        case WM_MOUSEMOVE:
-            Mouse("move");
-            break;
-        case WM_LBUTTONDOWN:
-            Mouse("ldown");
-            break;
-        case WM_LBUTTONUP:
-            Mouse("lup");
-            break;
-        case WM_LBUTTONDBLCLK:
-            Mouse("ldbl");
-            break;
-        case WM_RBUTTONDOWN:
-            Mouse("rdown");
-            break;
-        case WM_RBUTTONUP:
-            Mouse("rup");
-            break;
-        case WM_RBUTTONDBLCLK:
-            Mouse("rdbl");
-            break;
-        case WM_MBUTTONDOWN:
-            Mouse("mdown");
-            break;
-        case WM_MBUTTONUP:
-            Mouse("mup");
-            break;
-        case CM_MOUSEENTER:
-            LogIf(LogMouse, "mouseenter");
-            break;
-        case CM_MOUSELEAVE:
-            LogIf(LogMouse, "mouseleave");
-            break;
-        case WM_CANCELMODE:
-            LogIf(LogMouse, "cancel");
-            break;
-        case WM_KEYDOWN:
-            Key("keydown");
-            break;
-        case WM_KEYUP:
-            Key("keyup");
-            break;
-        case WM_CHAR:
-            Key("char");
-            break;
-        case WM_CUT:
-            LogIf(LogKeys, "cut");
-            break;
-        case WM_COPY:
-            LogIf(LogKeys, "copy");
-            break;
-        case WM_PASTE:
-            LogIf(LogKeys, "paste");
-            break;
-        case WM_SETFOCUS:
-            LogIf(LogFocus, "setfocus");
-            break;
-        case WM_KILLFOCUS:
-            LogIf(LogFocus, "killfocus");
-            break;
-        case WM_SIZE:
-            LogIf(LogWindow, "size" + At(Message));
-            break;
-        case CM_SHOWINGCHANGED:
-            LogIf(LogWindow, Message.WParam ? "shown" : "hidden");
-            break;
-        case CM_FONTCHANGED:
-            LogIf(LogWindow, "font");
-            break;
-        case CM_BIDIMODECHANGED:
-            LogIf(LogWindow, "bidi");
-            break;
-        case WM_HSCROLL:
-        case WM_VSCROLL:
-            LogIf(LogScroll, (Message.Msg == WM_HSCROLL ? "h" : "v") + std::to_string(Message.WParam) + " " +
-                                 std::to_string(Message.LParam));
-            break;
-        case WM_TIMER:
-            LogIf(LogWindow, "timer " + std::to_string(Message.WParam));
-            break;
-        default:
-            break;
-        }
+        for (const TName& Entry : Mouse)
+            if (LogMouse && Entry.Msg == Message.Msg)
+                LogWithShift(std::string(Entry.Name) + " " + At, Message.WParam);
+        for (const TName& Entry : Keys)
+            if (LogKeys && Entry.Msg == Message.Msg)
+                LogWithShift(std::string(Entry.Name) + " " + WParam, Key);
+        for (const auto& [On, Entry] : Others)
+            if (On && Entry.Msg == Message.Msg) Log(Entry.Name);
+        if (LogWindow && Message.Msg == WM_SIZE) Log("size " + At);
+        if (LogWindow && Message.Msg == WM_TIMER) Log("timer " + WParam);
+        if (LogWindow && Message.Msg == CM_SHOWINGCHANGED) Log(Message.WParam ? "shown" : "hidden");
+        if (LogScroll && (Message.Msg == WM_HSCROLL || Message.Msg == WM_VSCROLL))
+            Log((Message.Msg == WM_HSCROLL ? "h" : "v") + WParam + " " + std::to_string(Message.LParam));
     }
 
     std::vector<std::string> FLines;
