@@ -106,8 +106,9 @@ void TCustomExGrid::CreateWnd() {
     FFlatScrollBars = false;
     if (FScrollBars != ssNone) {
         if (!UseRightToLeftAlignment()) FFlatScrollBars = InitializeFlatScrollBars();
-        if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, ColorToRGB(FScrollBarsColor), false);
+        if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, FScrollBarsColor, false);
     }
+    if (!FFlatScrollBars) SetScrollBarLook(sblRegular, FScrollBarsColor, false);
     for (const int Bar : {SB_HORZ, SB_VERT}) {
         if (HasBar(Bar)) continue;
         SetScrollRange(Bar, 0, 0, false);

@@ -212,10 +212,11 @@ public:
     void SetScrollBarsStyle(TScrollBarStyle Value);
     TColor GetScrollBarsColor() const { return FScrollBarsColor; }
     void SetScrollBarsColor(TColor Value);
-    // Whether the bars of this window are drawn flat.
+    // Whether the bars of this window obey ScrollBarsStyle and ScrollBarsColor. Those of a right-to-left grid never
+    // do; they look the platform's way.
     bool GetFlatScrollBars() const { return FFlatScrollBars; }
-    // The seam to the flat bars: makes them for the window and tells whether that succeeded; styles and colours a
-    // bar. ABkColor is 0x00BBGGRR.
+    // The seam to the flat bars: makes them for the window and tells whether that succeeded; styles and colours them.
+    // System colours stay what they are, so that the bars follow the palette.
     virtual bool InitializeFlatScrollBars();
     virtual void SetFlatScrollBarProps(TScrollBarStyle AStyle, TColor ABkColor, bool Redraw);
 
@@ -238,6 +239,8 @@ public:
     void UpdateScrollPos();
     void UpdateScrollRange();
     virtual void TimedScroll(TGridScrollDirections Direction);
+    // A row, and a column (or the step of an only column).
+    TPoint GetWheelLine() override;
     // Ends the timed scrolling.
     void StopDrag();
     // The mouse position in client pixels, as the timed scrolling reads it.

@@ -102,16 +102,17 @@ void TCustomExGrid::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     if (Target != FCurrent) {
         const bool NoModifiers = !Shift.Contains(ssShift) && !Shift.Contains(ssCtrl);
         FocusCell(Target.X, Target.Y, NoModifiers, Shift, swByKeyBoard);
-    } else if (Moves && FCurrent.Y == FRowCount - 1) {
+    } else if (Moves && FCurrent.Y == FRowCount - 1 && !IsGridEmpty()) {
         AppendRow();
     }
 }
 
 // The next (or previous) column with a tab stop, in the following row when the end is passed. A walk that finds no
-// other column leaves the current cell as it is.
+// other column leaves the current cell as it is. The current cell may stand outside the scrollable columns, so the
+// walk is counted.
 TGridCoord TCustomExGrid::NextTabCell(bool Back) {
     TGridCoord Next = FCurrent;
-    do {
+    for (int Left = FColCount - FFixedCols; Left > 0; --Left) {
         if (Back) {
             if (--Next.X < FFixedCols) {
                 Next.X = FColCount - 1;
@@ -121,9 +122,11 @@ TGridCoord TCustomExGrid::NextTabCell(bool Back) {
             Next.X = FFixedCols;
             if (++Next.Y >= FRowCount) Next.Y = FFixedRows;
         }
-        if (Next.X == FCurrent.X) return FCurrent;
-    } while (!GetTabStops(Next.X));
-    return Next;
+        Next.X = std::max(Next.X, FFixedCols);
+        if (Next.X == FCurrent.X) break;
+        if (GetTabStops(Next.X)) return Next;
+    }
+    return FCurrent;
 }
 
 void TCustomExGrid::KeyPress(char32_t& Key) {

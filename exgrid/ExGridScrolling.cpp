@@ -64,7 +64,8 @@ void TCustomExGrid::MoveTopLeft(int ALeft, int ATop) {
     if (!Guard) return;
     const TGridCoord OldTopLeft = FTopLeft;
     FTopLeft = Fitted();
-    TopLeftMoved(OldTopLeft);
+    // A handler that was painting may have moved it there already.
+    if (FTopLeft != OldTopLeft) TopLeftMoved(OldTopLeft);
 }
 
 // Instead of painting everything anew, the pixels that stay valid are moved where that gives the same picture.
@@ -151,9 +152,8 @@ void TCustomExGrid::ModifyScrollBar(int ScrollBar, unsigned ScrollCode, unsigned
     const int Min = Axis.FixedCellCount;
     const int Max = std::max(Min, OfAxis(MaxTopLeft));
     const int Origin = Axis.FirstGridCell;
-    // The steps depend on the origin alone, so they are the same in every round below.
+    // 0 for requests that name a position.
     std::int64_t Step = 0;
-    bool Relative = true;
     std::int64_t Target = Origin;
     switch (ScrollCode) {
     case SB_LINEUP:
@@ -174,25 +174,22 @@ void TCustomExGrid::ModifyScrollBar(int ScrollBar, unsigned ScrollCode, unsigned
             const int Offset =
                 MulDiv(static_cast<int>(std::min<unsigned>(Pos, BarScale)), Max - Min, BarScale);
             Target = Direction < 0 ? Max - Offset : Min + Offset;
-            Relative = false;
         }
         break;
     case SB_TOP:
         Target = Min;
-        Relative = false;
         break;
     case SB_BOTTOM:
         Target = Max;
-        Relative = false;
         break;
     default:
         break;
     }
-    if (Relative && Step != 0) {
-        // Cells without extent are passed over.
-        do {
-            Target += Step;
-        } while (Target > Min && Target < Max && Axis.GetExtent(static_cast<int>(Target)) <= 0);
+    if (Step != 0) {
+        Target += Step;
+        // Cells without extent are passed over. A page is made once: another one would leave out what is between.
+        while (Target > Min && Target < Max && Axis.GetExtent(static_cast<int>(Target)) <= 0)
+            Target += Step > 0 ? 1 : -1;
     }
     const int NewOrigin = static_cast<int>(std::clamp<std::int64_t>(Target, Min, Max));
     const int OtherMin = Horz ? FFixedRows : FFixedCols;
@@ -373,18 +370,29 @@ void TCustomExGrid::SetScrollBars(TScrollStyle Value) {
 void TCustomExGrid::SetScrollBarsStyle(TScrollBarStyle Value) {
     if (Value == FScrollBarsStyle) return;
     FScrollBarsStyle = Value;
-    if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, ColorToRGB(FScrollBarsColor), true);
+    if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, FScrollBarsColor, true);
 }
 
 void TCustomExGrid::SetScrollBarsColor(TColor Value) {
     if (Value == FScrollBarsColor) return;
     FScrollBarsColor = Value;
-    if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, ColorToRGB(FScrollBarsColor), true);
+    if (FFlatScrollBars) SetFlatScrollBarProps(FScrollBarsStyle, FScrollBarsColor, true);
 }
 
-bool TCustomExGrid::InitializeFlatScrollBars() { return false; }
+bool TCustomExGrid::InitializeFlatScrollBars() { return true; }
 
-void TCustomExGrid::SetFlatScrollBarProps(TScrollBarStyle, TColor, bool) {}
+void TCustomExGrid::SetFlatScrollBarProps(TScrollBarStyle AStyle, TColor ABkColor, bool Redraw) {
+    static constexpr TScrollBarLook Looks[] = {sblRegular, sblEncarta, sblFlat};
+    const TControlGuard Guard(this);
+    SetScrollBarLook(Looks[std::clamp<int>(AStyle, sbsRegular, sbsFlat)], ABkColor, Redraw);
+    // Bars of another thickness leave another client size, perhaps one that needs no second bar.
+    if (Guard) UpdateScrollRange();
+}
+
+TPoint TCustomExGrid::GetWheelLine() {
+    const int Width = FColCount == 1 ? GetCanvas()->TextWidth("0") : GetColWidths(FTopLeft.X);
+    return {std::max(1, Width), std::max(1, GetRowHeights(FTopLeft.Y))};
+}
 
 // --- wheel ----------------------------------------------------------------------------------------------------
 

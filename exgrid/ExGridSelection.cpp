@@ -150,16 +150,19 @@ void TCustomExGrid::MoveAnchor(const TGridCoord& NewAnchor) {
 
 void TCustomExGrid::ClampInView(const TGridCoord& Coord) {
     if (!HandleAllocated()) return;
+    const TGridCoord Cell = Coord;
     TExGridDI DI;
-    CalcDI(DI);
-    if (Coord.X >= DI.Horz.FirstGridCell && Coord.X <= DI.Horz.LastFullVisibleCell &&
-        Coord.Y >= DI.Vert.FirstGridCell && Coord.Y <= DI.Vert.LastFullVisibleCell)
-        return;
-    const TGridCoord OldTopLeft = FTopLeft;
-    const TGridCoord MaxTopLeft = CalcMaxTopLeft(Coord, DI);
+    const auto InView = [&] {
+        CalcDI(DI);
+        return Cell.X >= DI.Horz.FirstGridCell && Cell.X <= DI.Horz.LastFullVisibleCell &&
+               Cell.Y >= DI.Vert.FirstGridCell && Cell.Y <= DI.Vert.LastFullVisibleCell;
+    };
+    if (InView()) return;
     const TControlGuard Guard(this);
-    Update(); // before pixels move
-    if (!Guard || FTopLeft != OldTopLeft) return;
+    Update(); // before pixels move; handlers that paint may change everything
+    if (!Guard || InView()) return;
+    const TGridCoord OldTopLeft = FTopLeft;
+    const TGridCoord MaxTopLeft = CalcMaxTopLeft(Cell, DI);
     // Fixed cells are always in view, and the origin stays among the scrollable cells.
     const auto Fit = [](int& First, int Value, int Last, int Max, int Fixed, int Count) {
         if (Value < Fixed) return;
@@ -170,8 +173,8 @@ void TCustomExGrid::ClampInView(const TGridCoord& Coord) {
         }
         First = std::clamp(First, Fixed, std::max(Fixed, Count - 1));
     };
-    Fit(FTopLeft.X, Coord.X, DI.Horz.LastFullVisibleCell, MaxTopLeft.X, FFixedCols, FColCount);
-    Fit(FTopLeft.Y, Coord.Y, DI.Vert.LastFullVisibleCell, MaxTopLeft.Y, FFixedRows, FRowCount);
+    Fit(FTopLeft.X, Cell.X, DI.Horz.LastFullVisibleCell, MaxTopLeft.X, FFixedCols, FColCount);
+    Fit(FTopLeft.Y, Cell.Y, DI.Vert.LastFullVisibleCell, MaxTopLeft.Y, FFixedRows, FRowCount);
     TopLeftMoved(OldTopLeft);
 }
 

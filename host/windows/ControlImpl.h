@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/windows/Controls.h"
+#include "host/windows/ScrollBars.h"
 
 #include <QImage>
 #include <QPointer>
@@ -100,8 +101,10 @@ struct TCustomControl::TImpl {
         TImpl& Impl;
         TControlGuard Guard;
     };
+    // What was turned and makes no whole notch yet; what a device moved in pixels and makes no whole unit of a notch.
     int WheelDelta = 0;
     int HorizontalWheelDelta = 0;
+    QPoint WheelPixelRest;
     bool WheelHandled = false;
 
     // Asks for a call of WokenUp from the event loop.
@@ -113,6 +116,8 @@ struct TCustomControl::TImpl {
     TPoint ClientPos(const QMouseEvent& Event) const;
     bool HandleMouse(QMouseEvent& Event);
     bool HandleWheel(QWheelEvent& Event);
+    QPoint TakeWheelDelta(const QWheelEvent& Event);
+    void DropWheelRests();
     // Sends a key or character; consumed tells that CharCode became 0. Handled collects the results.
     bool SendKey(unsigned Msg, char32_t CharCode, TShiftState Shift, bool& Handled, bool& Consumed);
     bool SendText(const QString& Text, TShiftState Shift, bool& Handled);
@@ -123,7 +128,7 @@ struct TCustomControl::TImpl {
 
     // --- scroll bars (ControlScrollBars.cpp) ------------------------------------------------------------------
     struct TBar {
-        QPointer<QScrollBar> Widget;
+        QPointer<TControlScrollBar> Widget;
         int Pos = 0;
         bool MayExist = false;
         bool Shown = false;

@@ -17,12 +17,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
 namespace quill {
 
 namespace {
+
+// A notch of a wheel, in eighths of a degree, and the most that one event may turn.
+constexpr int WheelNotch = 120;
+constexpr int MostWheelDelta = 100 * WheelNotch;
 
 // Our own event: something waits to be done from the event loop.
 QEvent::Type WakeUpEvent() {
@@ -175,20 +180,53 @@ bool TCustomControl::TImpl::HandleMouse(QMouseEvent& Event) {
     return true;
 }
 
+void TCustomControl::TImpl::DropWheelRests() {
+    WheelDelta = 0;
+    HorizontalWheelDelta = 0;
+    WheelPixelRest = {};
+}
+
+// What a wheel or touchpad moved, in eighths of a degree; pixels are converted so that a line's pixels make a notch.
+QPoint TCustomControl::TImpl::TakeWheelDelta(const QWheelEvent& Event) {
+    const QPoint Pixels = Event.pixelDelta();
+    // Drivers under X11 report steps of any size as pixels, also for plain wheels.
+    static const bool PixelsAreReliable = QGuiApplication::platformName() != QLatin1String("xcb");
+    if (Pixels.isNull() || (!PixelsAreReliable && !Event.angleDelta().isNull())) return Event.angleDelta();
+    static constexpr int Shortest = 8;
+    static constexpr int Longest = 96;
+    const TPoint Asked = Control.GetWheelLine();
+    const auto Convert = [](int Moved, int Line, int Default, int& Rest) {
+        Line = std::clamp(Line > 0 ? Line : Default, Shortest, Longest);
+        if (Moved == 0) return 0;
+        if ((Rest < 0) != (Moved < 0)) Rest = 0;
+        const std::int64_t Units = std::int64_t{Moved} * WheelNotch + Rest;
+        Rest = static_cast<int>(Units % Line);
+        return static_cast<int>(std::clamp<std::int64_t>(Units / Line, -MostWheelDelta, MostWheelDelta));
+    };
+    const int TextLine = Control.fontMetrics().height();
+    return {Convert(Pixels.x(), Asked.X, TextLine, WheelPixelRest.rx()),
+            Convert(Pixels.y(), Asked.Y, TextLine, WheelPixelRest.ry())};
+}
+
 bool TCustomControl::TImpl::HandleWheel(QWheelEvent& Event) {
-    // Devices that report pixels only: a notch is about three lines of text.
-    constexpr int PixelFactor = 3;
-    const QPoint Delta = Event.angleDelta().isNull() ? Event.pixelDelta() * PixelFactor : Event.angleDelta();
-    const TShiftState Shift = ShiftFromQt(Event.modifiers(), Event.buttons());
-    const QPoint Global = Event.globalPosition().toPoint();
     const TControlGuard Guard(&Control);
     const TDispatch Dispatch(*this);
     Event.accept();
     if (!DeliverWaiting()) return true;
-    bool Handled = false;
+    if (Event.phase() == Qt::ScrollBegin) DropWheelRests();
+    QPoint Delta = TakeWheelDelta(Event);
+    Delta = {std::clamp(Delta.x(), -MostWheelDelta, MostWheelDelta),
+             std::clamp(Delta.y(), -MostWheelDelta, MostWheelDelta)};
+    const TShiftState Shift = ShiftFromQt(Event.modifiers(), Event.buttons());
+    const QPoint Global = Event.globalPosition().toPoint();
+    // Whoever takes the first event of a gesture gets all of it, so a control that scrolls takes it however little
+    // it moves.
+    const bool Scrolls = Control.GetWheelLine().Y > 0;
+    bool Handled = Scrolls && Delta.isNull();
     if (Delta.y() != 0) {
         Handled = Control.Perform(WM_MOUSEWHEEL, MakeWheelParam(Delta.y(), Shift),
-                                  MakePointParam(Global.x(), Global.y())) != 0;
+                                  MakePointParam(Global.x(), Global.y())) != 0 ||
+                  (Scrolls && std::abs(Delta.y()) < WheelNotch);
         if (!Guard) return true;
     }
     if (Delta.x() != 0 && Bars[SB_HORZ].Shown) {
@@ -196,15 +234,15 @@ bool TCustomControl::TImpl::HandleWheel(QWheelEvent& Event) {
         int& Sum = HorizontalWheelDelta;
         if ((Sum < 0) != (Delta.x() < 0)) Sum = 0;
         Sum += Delta.x();
-        constexpr int Notch = 120;
-        while (std::abs(HorizontalWheelDelta) >= Notch) {
+        while (std::abs(HorizontalWheelDelta) >= WheelNotch) {
             // Qt reports a turn to the right as negative.
             const bool Right = HorizontalWheelDelta < 0;
-            HorizontalWheelDelta += Right ? Notch : -Notch;
+            HorizontalWheelDelta += Right ? WheelNotch : -WheelNotch;
             Control.Perform(WM_HSCROLL, Right ? SB_LINEDOWN : SB_LINEUP, 0);
             if (!Guard) return true;
         }
     }
+    if (Event.phase() == Qt::ScrollEnd) DropWheelRests();
     Event.setAccepted(Handled);
     return true;
 }

@@ -3,7 +3,9 @@
 
 #include "host/windows/ScrollBars.h"
 
+#include <QCoreApplication>
 #include <QPointer>
+#include <QResizeEvent>
 
 #include <algorithm>
 
@@ -12,7 +14,7 @@ namespace quill {
 void TCustomControl::TImpl::InstallBars() {
     for (const int Bar : {SB_HORZ, SB_VERT}) {
         const Qt::Orientation Orientation = Bar == SB_HORZ ? Qt::Horizontal : Qt::Vertical;
-        QScrollBar* Widget = CreateScrollBar(Orientation);
+        auto* Widget = new TControlScrollBar(Orientation);
         Bars[static_cast<std::size_t>(Bar)].Widget = Widget;
         if (Bar == SB_HORZ)
             Control.setHorizontalScrollBar(Widget);
@@ -161,6 +163,27 @@ int TCustomControl::GetScrollBarSize(int Bar) const {
     if (!Found) return 0;
     const QSize Hint = Found->Widget->sizeHint();
     return Bar == SB_HORZ ? Hint.height() : Hint.width();
+}
+
+void TCustomControl::SetScrollBarLook(TScrollBarLook Look, TColor Background, bool Redraw) {
+    const TControlGuard Guard(this);
+    const auto Sizes = [this] { return QSize(GetScrollBarSize(SB_VERT), GetScrollBarSize(SB_HORZ)); };
+    const QSize OldSizes = Sizes();
+    for (TImpl::TBar& Bar : FImpl->Bars) {
+        if (!Bar.Widget) continue;
+        Bar.Widget->SetLook(Look, Background);
+        if (Redraw) Bar.Widget->update();
+    }
+    if (Sizes() == OldSizes) return;
+    // The bars' new thickness changes the client area at once, not in some later turn of the event loop.
+    QResizeEvent Event(size(), size());
+    QCoreApplication::sendEvent(this, &Event);
+    if (Guard) FImpl->ClientResized();
+}
+
+TScrollBarLook TCustomControl::GetScrollBarLook() const {
+    const TImpl::TBar* Found = FImpl->FindBar(SB_VERT);
+    return Found ? Found->Widget->GetLook() : sblRegular;
 }
 
 // Positions come through SetScrollPos only.

@@ -33,6 +33,8 @@ using TControlStyle = TSet<TControlStyleValue>;
 enum TControlStateValue { csLButtonDown, csClicked };
 using TControlState = TSet<TControlStateValue>;
 enum TScrollStyle { ssNone, ssHorizontal, ssVertical, ssBoth };
+// How scroll bars look: the platform's way; flat, and raised under the mouse; always flat.
+enum TScrollBarLook { sblRegular, sblEncarta, sblFlat };
 enum TDragMode { dmManual, dmAutomatic };
 enum TDragKind { dkDrag, dkDock };
 
@@ -240,6 +242,13 @@ public:
     bool IsScrollBarShown(int Bar) const;
     // Thickness of a vertical (horizontal) bar in pixels.
     int GetScrollBarSize(int Bar) const;
+    // The look of both bars. Background lies under thumb and arrows of the flat looks; a system colour follows the
+    // palette. Bars of another thickness change the client size.
+    void SetScrollBarLook(TScrollBarLook Look, TColor Background, bool Redraw);
+    TScrollBarLook GetScrollBarLook() const;
+    // The pixels that one line of each bar stands for, by which devices that report pixels scroll (the contents then
+    // follow the finger). An extent of 0 is a control that the wheel does not scroll by itself.
+    virtual TPoint GetWheelLine() { return {}; }
 
     // --- timers -----------------------------------------------------------------------------------------------
     // WM_TIMER with that identifier every Interval milliseconds; setting it again restarts it.
