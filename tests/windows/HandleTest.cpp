@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QPointer>
 #include <QTest>
 
 using namespace quill;
@@ -41,31 +42,26 @@ TEST(Handle, IsCreatedOnceInOrderAndToldItsSize) {
     EXPECT_EQ(Control.Take(), "hidden");
 }
 
-TEST(Handle, IsCreatedByTheFirstShow) {
-    TLogControl Control;
-    Control.LogWindow = true;
-    Control.SetBorderStyle(bsNone);
-    Control.SetBounds(0, 0, 120, 80);
-    Control.show();
-    EXPECT_EQ(Control.Take(), "params; create; handle; size 120,80; shown");
-}
-
-TEST(Handle, DestructorDestroysItThroughTheDescendant) {
-    std::string Log;
-    struct TControl : TCustomControl {
-        std::string& FLog;
-        explicit TControl(std::string& ALog) : TCustomControl(nullptr), FLog(ALog) {}
+TEST(Handle, IsCreatedByTheFirstShowAndDestroyedThroughTheDescendant) {
+    struct TControl : TLogControl {
+        std::string& State;
+        explicit TControl(std::string& AState) : State(AState) {}
         ~TControl() override { BeginDestruction(); }
         void DestroyWnd() override {
-            FLog += HasState(csDestroying) ? "destroying" : "alive";
-            TCustomControl::DestroyWnd();
+            State = HasState(csDestroying) ? "destroying" : "alive";
+            TLogControl::DestroyWnd();
         }
     };
+    std::string State;
     {
-        TControl Control(Log);
-        Control.HandleNeeded();
+        TControl Control(State);
+        Control.LogWindow = true;
+        Control.SetBorderStyle(bsNone);
+        Control.SetBounds(0, 0, 120, 80);
+        Control.show();
+        EXPECT_EQ(Control.Take(), "params; create; handle; size 120,80; shown");
     }
-    EXPECT_EQ(Log, "destroying");
+    EXPECT_EQ(State, "destroying");
 }
 
 TEST(Handle, RecreatingKeepsFocusTimersGoAndAllIsInvalid) {
@@ -84,7 +80,7 @@ TEST(Handle, RecreatingKeepsFocusTimersGoAndAllIsInvalid) {
     EXPECT_EQ(Control.GetInvalidBounds(), Control.GetClientRect());
 }
 
-TEST(Handle, ClientSizeOfAHiddenControlIsRight) {
+TEST(Handle, ClientSizeIsRightBeforeTheControlIsShown) {
     TLogControl Control;
     Control.ExtraStyle = WS_HSCROLL | WS_VSCROLL;
     Control.LogWindow = true;
@@ -103,6 +99,10 @@ TEST(Handle, ClientSizeOfAHiddenControlIsRight) {
     EXPECT_EQ(Control.Take(), "size " + std::to_string(200 - V) + ",150");
     Control.ShowScrollBar(SB_HORZ, true);
     EXPECT_EQ(Control.GetClientHeight(), 150 - H);
+    Control.Take();
+    Control.show();
+    EXPECT_EQ(Control.Take(), "shown") << "with the size that it had before";
+    Control.hide();
     Control.SetClientSize(100, 50);
     EXPECT_EQ(SizeText(Control), "100x50");
     Control.ShowScrollBar(SB_VERT, false);
@@ -123,19 +123,6 @@ TEST(Handle, ClientSizeOfAHiddenControlIsRight) {
 
     Control.resize(90, 40);
     EXPECT_EQ(SizeText(Control), "90x40") << "sized as a widget";
-}
-
-TEST(Handle, ShownControlHasTheSizeItHadHidden) {
-    TLogControl Control;
-    Control.ExtraStyle = WS_VSCROLL;
-    Control.SetBounds(0, 0, 200, 150);
-    Control.HandleNeeded();
-    Control.ShowScrollBar(SB_VERT, true);
-    const std::string Hidden = SizeText(Control);
-    Control.LogWindow = true;
-    Control.show();
-    EXPECT_EQ(SizeText(Control), Hidden);
-    EXPECT_EQ(Control.Take(), "shown");
 }
 
 TEST(Handle, TabStopDecidesTheFocusPolicyUnlessTheProgramDid) {
@@ -255,29 +242,18 @@ TEST(Handle, PaletteReachesTheCanvasAndRepaints) {
 }
 
 TEST(Handle, OwnerAndParentMayGoInAnyOrder) {
-    struct TSignal : TCustomControl {
-        bool& Gone;
-        TSignal(TComponent* AOwner, QWidget* AParent, bool& AGone)
-            : TCustomControl(AOwner, AParent), Gone(AGone) {}
-        ~TSignal() override { Gone = true; }
-    };
-    {
-        bool Gone = false;
-        auto Parent = std::make_unique<QWidget>();
-        TComponent Owner;
-        new TSignal(&Owner, Parent.get(), Gone);
-        Parent.reset();
-        EXPECT_TRUE(Gone);
-        EXPECT_EQ(Owner.GetComponentCount(), 0);
-    }
-    {
-        bool Gone = false;
-        QWidget Parent;
+    for (const bool OwnerFirst : {false, true}) {
+        auto Parent = std::make_unique<TLogControl>();
         auto Owner = std::make_unique<TComponent>();
-        new TSignal(Owner.get(), &Parent, Gone);
-        Owner.reset();
-        EXPECT_TRUE(Gone);
-        EXPECT_TRUE(Parent.findChildren<QWidget*>().isEmpty());
+        QPointer<TCustomControl> Control = new TCustomControl(Owner.get(), Parent->viewport());
+        // Of one that is both.
+        QPointer<TCustomControl> Inner = new TCustomControl(Parent.get(), Parent->viewport());
+        Parent->show();
+        OwnerFirst ? Owner.reset() : Parent.reset();
+        EXPECT_FALSE(Control);
+        EXPECT_EQ(Owner ? Owner->GetComponentCount() : 0, 0);
+        Parent.reset();
+        EXPECT_FALSE(Inner);
     }
 }
 

@@ -218,25 +218,21 @@ TEST(Input, WheelCollectsNotches) {
     EXPECT_EQ(Log, "");
 }
 
-TEST(Input, UnusedWheelGoesToTheParent) {
-    struct TParent : QWidget {
+TEST_F(InputInWindow, UnusedWheelGoesToTheParent) {
+    struct TCounter : QObject {
         int Wheels = 0;
-        void wheelEvent(QWheelEvent* Event) override {
-            ++Wheels;
-            Event->accept();
+        bool eventFilter(QObject*, QEvent* Event) override {
+            Wheels += Event->type() == QEvent::Wheel;
+            return false;
         }
-    } Parent;
-    Parent.resize(200, 100);
-    TLogControl Control(&Parent);
-    Control.SetBounds(0, 0, 200, 100);
-    Parent.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Parent));
-    SendWheel(Parent.windowHandle(), {50, 50}, {0, -120});
-    EXPECT_EQ(Parent.Wheels, 1);
+    } Counter;
+    Window.installEventFilter(&Counter);
+    SendWheel(Handle, {50, 50}, {0, -120});
+    EXPECT_EQ(Counter.Wheels, 1);
     Control.OnMouseWheelDown = [](TObject*, TShiftState, TPoint, bool& Handled) { Handled = true; };
-    SendWheel(Parent.windowHandle(), {50, 50}, {0, -120});
-    SendWheel(Parent.windowHandle(), {50, 50}, {0, -30});
-    EXPECT_EQ(Parent.Wheels, 1) << "parts of used notches are used";
+    SendWheel(Handle, {50, 50}, {0, -120});
+    SendWheel(Handle, {50, 50}, {0, -30});
+    EXPECT_EQ(Counter.Wheels, 1) << "parts of used notches are used";
 }
 
 TEST(Input, HorizontalWheelScrollsLines) {
