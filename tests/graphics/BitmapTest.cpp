@@ -4,8 +4,7 @@
 #include "tests/graphics/Pictures.h"
 #include "tests/support/QtTest.h"
 
-#include <QFile>
-
+#include <map>
 #include <optional>
 
 namespace quill {
@@ -47,15 +46,10 @@ TEST(Bitmap, CopiesShareUntilOneIsDrawnOn) {
     B.GetCanvas()->SetPixel(0, 0, clBlue);
     D.GetCanvas()->SetPixel(3, 3, clYellow);
     const auto Pixels = [](TBitmap& Bitmap) {
+        const std::map<TColor, char> Letters{
+            {clGreen, 'g'}, {clWhite, 'w'}, {clBlack, 'k'}, {clBlue, 'b'}, {clYellow, 'y'}};
         std::string Result;
-        for (int I = 0; I < 4; ++I) {
-            const TColor Color = Bitmap.GetCanvas()->GetPixel(I, I);
-            Result += Color == clGreen   ? 'g'
-                      : Color == clWhite ? 'w'
-                      : Color == clBlack ? 'k'
-                      : Color == clBlue  ? 'b'
-                                         : 'y';
-        }
+        for (int I = 0; I < 4; ++I) Result += Letters.at(Bitmap.GetCanvas()->GetPixel(I, I));
         return Result;
     };
     EXPECT_EQ(Pixels(A), "ggkg");
@@ -116,28 +110,26 @@ TEST(Bitmap, IsDrawnSharpWhereSizesMatch) {
 
 TEST(Bitmap, LeavesOutItsTransparentColour) {
     TBitmap Bitmap = Sample();
-    Bitmap.SetTransparent(true);
-    EXPECT_EQ(Bitmap.GetTransparentColor(), clRed);
-    const auto Paint = [](TBitmap& Source) {
+    const auto Paint = [&] {
         TPictureCanvas Canvas(4, 4);
-        Canvas.Draw(0, 0, &Source);
+        Canvas.Draw(0, 0, &Bitmap);
         return Art(Canvas.Image);
     };
-    EXPECT_EQ(Paint(Bitmap), "####\n####\n####\n.###\n");
-    Bitmap.GetCanvas()->SetPixel(2, 0, clRed);
-    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n") << "drawing renews what was prepared";
-    Bitmap.SetTransparentColor(clGreen);
-    EXPECT_EQ(Paint(Bitmap), "..#.\n....\n....\n#...\n");
-    Bitmap.SetTransparentColor(clDefault);
-    EXPECT_EQ(Bitmap.GetTransparentMode(), tmAuto);
-    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n");
-    Bitmap.SetTransparent(false);
-    EXPECT_EQ(Paint(Bitmap), "####\n####\n####\n####\n");
-    Bitmap.MakeTransparent(clRed);
-    EXPECT_TRUE(Bitmap.HasAlpha());
-    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n");
+    const char* const WithoutRed = "##.#\n####\n####\n.###\n";
     Bitmap.SetTransparent(true);
-    EXPECT_EQ(Paint(Bitmap), "##.#\n####\n####\n.###\n") << "alpha alone decides";
+    EXPECT_EQ(Paint(), "####\n####\n####\n.###\n") << "that of the pixel at the bottom left";
+    Bitmap.GetCanvas()->SetPixel(2, 0, clRed);
+    EXPECT_EQ(Paint(), WithoutRed) << "drawing renews what was prepared";
+    Bitmap.SetTransparentColor(clGreen);
+    EXPECT_EQ(Paint(), "..#.\n....\n....\n#...\n");
+    Bitmap.SetTransparentColor(clDefault);
+    EXPECT_EQ(Paint(), WithoutRed);
+    Bitmap.SetTransparent(false);
+    EXPECT_EQ(Paint(), "####\n####\n####\n####\n");
+    Bitmap.MakeTransparent(clRed);
+    EXPECT_EQ(Paint(), WithoutRed);
+    Bitmap.SetTransparent(true);
+    EXPECT_EQ(Paint(), WithoutRed) << "alpha alone decides";
 }
 
 TEST(Bitmap, KeepsPixelsWhenResized) {
@@ -189,37 +181,29 @@ TEST(Bitmap, LoadsAndSavesFiles) {
     EXPECT_TRUE(Loaded.GetImage(1.0) == Bitmap.GetImage(1.0));
     EXPECT_EQ(Loaded.GetImage(2.0).width(), 8);
     EXPECT_THROW(Loaded.LoadFromFile(Folder.File("missing.png")), EFOpenError);
-    QFile Text(QString::fromStdString(Folder.File("text.png")));
-    ASSERT_TRUE(Text.open(QIODevice::WriteOnly));
-    Text.write("no picture");
-    Text.close();
+    Folder.Put("text.png", "no picture");
     EXPECT_THROW(Loaded.LoadFromFile(Folder.File("text.png")), EReadError);
     EXPECT_THROW(Bitmap.SaveToFile(Folder.File("missing/p.png")), EFCreateError);
     EXPECT_EQ(Loaded.GetWidth(), 4) << "a failed load changes nothing";
 }
 
 TEST(Bitmap, ResourcesHaveBothRepresentations) {
-    struct TCase {
-        const char* Name;
-        int Side;
-    };
-    for (const TCase& Case :
-         {TCase{"EXPANDED", 15}, TCase{"COLLAPSED", 15}, TCase{"FOPEN", 16}, TCase{"FCLOSED", 16},
-          TCase{"EMPTY", 15}, TCase{"CHECKED", 15}, TCase{"UNCHECKED", 15}, TCase{"GRAYED", 15},
-          TCase{"OPTIONED", 15}, TCase{"UNOPTIONED", 15}, TCase{"GRAYEDUNCHECKED", 15},
-          TCase{"GRAYEDOPTIONED", 15}, TCase{"GRAYEDUNOPTIONED", 15}, TCase{"DOUBLECHECKED", 15},
-          TCase{"GRAYEDDOUBLECHECKED", 15}, TCase{"DCIMG", 9}, TCase{"GDCIMG", 9}}) {
+    for (const char* Name : {"EXPANDED", "COLLAPSED", "FOPEN", "FCLOSED", "EMPTY", "CHECKED", "UNCHECKED",
+                             "GRAYED", "OPTIONED", "UNOPTIONED", "GRAYEDUNCHECKED", "GRAYEDOPTIONED",
+                             "GRAYEDUNOPTIONED", "DOUBLECHECKED", "GRAYEDDOUBLECHECKED", "DCIMG", "GDCIMG"}) {
+        SCOPED_TRACE(Name);
+        const std::string Text = Name;
+        const int Side = Text[0] == 'F' ? 16 : Text.ends_with("DCIMG") ? 9 : 15;
         TBitmap Bitmap;
-        ASSERT_TRUE(Bitmap.LoadFromResourceName(Case.Name)) << Case.Name;
-        EXPECT_EQ(Bitmap.GetWidth(), Case.Side) << Case.Name;
-        EXPECT_EQ(Bitmap.GetHeight(), Case.Side) << Case.Name;
-        EXPECT_EQ(Bitmap.GetImage(2.0).size(), QSize(2 * Case.Side, 2 * Case.Side)) << Case.Name;
+        ASSERT_TRUE(Bitmap.LoadFromResourceName(Name));
+        EXPECT_EQ(Bitmap.GetImage(1.0).size(), QSize(Side, Side));
+        EXPECT_EQ(Bitmap.GetImage(2.0).size(), QSize(2 * Side, 2 * Side));
         // Qt's own ratio must not shrink what is drawn.
         Bitmap.SetTransparentColor(clBlack);
         Bitmap.SetTransparent(true);
         TPictureCanvas Fine(20, 20, 2.0, 0xFF00FF00);
         Fine.Draw(0, 0, &Bitmap);
-        EXPECT_EQ(InkBounds(Fine.Image, 0xFF00FF00), QRect(0, 0, 2 * Case.Side, 2 * Case.Side)) << Case.Name;
+        EXPECT_EQ(InkBounds(Fine.Image, 0xFF00FF00), QRect(0, 0, 2 * Side, 2 * Side));
     }
     TBitmap None = Sample();
     EXPECT_FALSE(None.LoadFromResourceName("NOSUCH"));
@@ -279,13 +263,14 @@ TEST(ImageList, CutsWidePicturesAndMasks) {
 
 TEST(ImageList, TellsItsLinks) {
     int Changes = 0;
-    const auto Count = [&](TObject*) { ++Changes; };
     auto List = std::make_unique<TCustomImageList>(nullptr, 4, 4);
     TChangeLink Link;
-    Link.OnChange = Count;
-    List->OnChange = Count;
-    List->RegisterChanges(&Link);
-    List->RegisterChanges(&Link);
+    Link.OnChange = List->OnChange = [&](TObject*) { ++Changes; };
+    {
+        TChangeLink Short;
+        Short.OnChange = Link.OnChange;
+        for (TChangeLink* Each : {&Link, &Link, &Short}) List->RegisterChanges(Each);
+    }
     List->Add(Sample());
     EXPECT_EQ(Changes, 2);
     List->BeginUpdate();
@@ -294,18 +279,11 @@ TEST(ImageList, TellsItsLinks) {
     EXPECT_EQ(Changes, 2);
     List->EndUpdate();
     EXPECT_EQ(Changes, 4);
-    {
-        TChangeLink Short;
-        Short.OnChange = Count;
-        List->RegisterChanges(&Short);
-    }
-    List->Add(Sample());
-    EXPECT_EQ(Changes, 6);
-    EXPECT_EQ(Link.GetSender(), List.get());
     TCustomImageList Other;
-    Other.RegisterChanges(&Link);
-    EXPECT_EQ(Link.GetSender(), &Other);
-    List->RegisterChanges(&Link);
+    for (TCustomImageList* Each : {&Other, List.get()}) {
+        Each->RegisterChanges(&Link);
+        EXPECT_EQ(Link.GetSender(), Each);
+    }
     List.reset();
     EXPECT_EQ(Link.GetSender(), nullptr);
 }

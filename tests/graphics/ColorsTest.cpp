@@ -50,70 +50,63 @@ std::map<std::string, QPalette> Palettes() {
     return Result;
 }
 
-TEST(Colors, InactiveSelectionCanBeSeenAndReadOnEveryPalette) {
+TEST(Colors, CanBeToldApartOnEveryPalette) {
     for (const auto& [Name, Palette] : Palettes()) {
+        SCOPED_TRACE(Name);
         const auto Color = [P = Palette](TColor System) { return ColorToRGB(System, P); };
-        EXPECT_GE(Contrast(Color(clInactiveCaption), Color(clHighlightText)), 4.4) << Name;
-        EXPECT_GE(Contrast(Color(clInactiveCaption), Color(clWindow)), 1.5) << Name;
-        EXPECT_NE(Color(clInactiveCaption), Color(clHighlight)) << Name;
-    }
-}
-
-TEST(Colors, EdgesCanBeToldFromTheFace) {
-    for (const auto& [Name, Palette] : Palettes()) {
-        const auto Color = [P = Palette](TColor System) { return Luminance(ColorToRGB(System, P)); };
-        EXPECT_LT(Color(cl3DDkShadow), Color(clBtnShadow)) << Name;
-        EXPECT_LT(Color(clBtnShadow), Color(clBtnFace)) << Name;
-        EXPECT_GT(Color(clBtnHighlight), Color(clBtnFace)) << Name;
+        EXPECT_GE(Contrast(Color(clInactiveCaption), Color(clHighlightText)), 4.4);
+        EXPECT_GE(Contrast(Color(clInactiveCaption), Color(clWindow)), 1.5);
+        EXPECT_NE(Color(clInactiveCaption), Color(clHighlight));
+        EXPECT_LT(Luminance(Color(cl3DDkShadow)), Luminance(Color(clBtnShadow)));
+        EXPECT_LT(Luminance(Color(clBtnShadow)), Luminance(Color(clBtnFace)));
+        EXPECT_GT(Luminance(Color(clBtnHighlight)), Luminance(Color(clBtnFace)));
         EXPECT_EQ(IsDarkPalette(Palette), Name.find("dark") != std::string::npos);
     }
 }
 
-TEST(Colors, ChecksAreVisibleOnEveryPaletteAtEveryScale) {
-    for (const auto& [Name, Palette] : Palettes()) {
-        for (const double Scale : {1.0, 1.5, 2.0}) {
-            const auto Paint = [&, P = Palette](unsigned State, int Side) {
-                TPictureCanvas Canvas(20, 20, Scale);
-                Canvas.SetPalette(P);
-                Canvas.GetBrush()->SetColor(clWindow);
-                Canvas.FillRect({0, 0, 20, 20});
-                Canvas.DrawFrameControl({3, 3, 3 + Side, 3 + Side}, DFC_BUTTON, State);
-                return Canvas.Image;
-            };
-            const TColor Window = ColorToRGB(clWindow, Palette);
-            const QRgb Ground = qRgb(static_cast<int>(Window & 0xFF), static_cast<int>(Window >> 8 & 0xFF),
-                                     static_cast<int>(Window >> 16 & 0xFF));
-            for (const int Side : {11, 13, 15}) {
-                const int Edge = static_cast<int>(std::floor(3 * Scale + 0.5));
-                const int Length = static_cast<int>(std::floor((3 + Side) * Scale + 0.5)) - Edge;
-                for (const unsigned Look : {0u, DFCS_FLAT}) {
-                    const QImage Empty = Paint(Look, Side);
-                    EXPECT_EQ(InkBounds(Empty, Ground), QRect(Edge, Edge, Length, Length)) << Name << Side;
-                    // All four sides, and the inside as it was.
-                    const int Middle = Edge + Length / 2;
-                    for (const QPoint P :
-                         {QPoint(Edge, Middle), QPoint(Middle, Edge), QPoint(Edge + Length - 1, Middle),
-                          QPoint(Middle, Edge + Length - 1)})
-                        EXPECT_GE(std::abs(qGray(Empty.pixel(P)) - qGray(Ground)), 20)
-                            << Name << " " << Scale;
-                    EXPECT_EQ(Empty.pixel(Middle, Middle), Ground) << Name;
-                    for (const unsigned Kind : {DFCS_BUTTONCHECK, DFCS_BUTTONRADIO}) {
-                        const QImage Checked = Paint(Look | Kind | DFCS_CHECKED, Side);
-                        const QImage Unchecked = Paint(Look | Kind, Side);
-                        const QImage Inactive = Paint(Look | Kind | DFCS_CHECKED | DFCS_INACTIVE, Side);
-                        int Dark = 0;
-                        for (int Y = 0; Y < Checked.height(); ++Y)
-                            for (int X = 0; X < Checked.width(); ++X)
-                                Dark +=
-                                    std::abs(qGray(Checked.pixel(X, Y)) - qGray(Unchecked.pixel(X, Y))) > 120;
-                        EXPECT_GE(Dark, static_cast<int>(9 * Scale * Scale))
-                            << Name << " " << Scale << " " << Kind;
-                        EXPECT_FALSE(Inactive == Checked) << Name;
-                    }
-                }
-            }
-        }
+// Each check fills its rectangle with a frame of four sides around the ground, and its mark can be seen.
+void ExpectVisibleChecks(const QPalette& Palette, double Scale, int Side, unsigned Look) {
+    const auto Paint = [&](unsigned State) {
+        TPictureCanvas Canvas(20, 20, Scale);
+        Canvas.SetPalette(Palette);
+        Canvas.GetBrush()->SetColor(clWindow);
+        Canvas.FillRect({0, 0, 20, 20});
+        Canvas.DrawFrameControl({3, 3, 3 + Side, 3 + Side}, DFC_BUTTON, State);
+        return Canvas.Image;
+    };
+    const auto Difference = [](QRgb A, QRgb B) { return std::abs(qGray(A) - qGray(B)); };
+    const QImage Empty = Paint(Look);
+    const QRgb Ground = Empty.pixel(0, 0);
+    const QRect Frame = InkBounds(Empty, Ground);
+    const int Edge = static_cast<int>(std::floor(3 * Scale + 0.5));
+    const int Length = static_cast<int>(std::floor((3 + Side) * Scale + 0.5)) - Edge;
+    EXPECT_EQ(Frame, QRect(Edge, Edge, Length, Length));
+    const QPoint Middle(Edge + Length / 2, Edge + Length / 2);
+    EXPECT_EQ(Empty.pixel(Middle), Ground);
+    for (const QPoint P : {QPoint(Frame.left(), Middle.y()), QPoint(Middle.x(), Frame.top()),
+                           QPoint(Frame.right(), Middle.y()), QPoint(Middle.x(), Frame.bottom())})
+        EXPECT_GE(Difference(Empty.pixel(P), Ground), 20);
+    for (const unsigned Kind : {DFCS_BUTTONCHECK, DFCS_BUTTONRADIO}) {
+        const QImage Checked = Paint(Look | Kind | DFCS_CHECKED);
+        const QImage Unchecked = Paint(Look | Kind);
+        int Marked = 0;
+        for (int Y = 0; Y < Checked.height(); ++Y)
+            for (int X = 0; X < Checked.width(); ++X)
+                Marked += Difference(Checked.pixel(X, Y), Unchecked.pixel(X, Y)) > 120;
+        EXPECT_GE(Marked, static_cast<int>(9 * Scale * Scale)) << Kind;
+        EXPECT_FALSE(Paint(Look | Kind | DFCS_CHECKED | DFCS_INACTIVE) == Checked);
     }
+}
+
+TEST(Colors, ChecksAreVisibleOnEveryPaletteAtEveryScale) {
+    for (const auto& [Name, Palette] : Palettes())
+        for (const double Scale : {1.0, 1.5, 2.0})
+            for (const int Side : {11, 13, 15})
+                for (const unsigned Look : {0u, DFCS_FLAT}) {
+                    SCOPED_TRACE(Name + " at " + std::to_string(Scale) + ", " + std::to_string(Side) +
+                                 " wide");
+                    ExpectVisibleChecks(Palette, Scale, Side, Look);
+                }
 }
 
 TEST(Colors, EdgesFollowTheirFlags) {
@@ -123,27 +116,20 @@ TEST(Colors, EdgesFollowTheirFlags) {
     Palette.setColor(QPalette::Dark, QColor(0x80, 0x80, 0x80));
     Canvas.SetPalette(Palette);
     Canvas.GetBrush()->SetColor(clBtnFace);
-    const auto Dump = [&] {
-        std::string Result;
-        for (int Y = 0; Y < 4; ++Y) {
-            for (int X = 0; X < 5; ++X) {
-                const TColor Color = Canvas.GetPixel(X, Y);
-                Result += Color == ColorToRGB(clBtnFace, Palette)        ? '.'
-                          : Color == ColorToRGB(clBtnHighlight, Palette) ? 'L'
-                          : Color == ColorToRGB(clBtnShadow, Palette)    ? 'D'
-                                                                         : '?';
-            }
-            Result += '\n';
-        }
-        return Result;
-    };
+    const std::map<TColor, char> Letters{{ColorToRGB(clBtnFace, Palette), '.'},
+                                         {ColorToRGB(clBtnHighlight, Palette), 'L'},
+                                         {ColorToRGB(clBtnShadow, Palette), 'D'}};
     const auto Draw = [&](bool Mirrored, unsigned Edge, unsigned Flags) {
-        Canvas.SetMirrored(false, 5);
         Canvas.FillRect({0, 0, 5, 4});
         Canvas.SetMirrored(Mirrored, 5);
         Canvas.DrawEdge({0, 0, 5, 4}, Edge, Flags);
         Canvas.SetMirrored(false, 5);
-        return Dump();
+        std::string Result;
+        for (int Y = 0; Y < 4; ++Y) {
+            for (int X = 0; X < 5; ++X) Result += Letters.at(Canvas.GetPixel(X, Y));
+            Result += '\n';
+        }
+        return Result;
     };
     EXPECT_EQ(Draw(false, BDR_RAISEDINNER, BF_RECT), "LLLLD\nL...D\nL...D\nDDDDD\n");
     EXPECT_EQ(Draw(false, BDR_SUNKENOUTER, BF_RECT), "DDDDL\nD...L\nD...L\nLLLLL\n");
@@ -174,26 +160,20 @@ TEST(Tools, SizeAndHeightFollowTheInch) {
 
 TEST(Tools, NotifyOnlyChanges) {
     int Changes = 0;
-    const auto Count = [&](TObject*) { ++Changes; };
-    TFont Font;
+    TFont Font, Copy;
     TBrush Brush;
     TPen Pen;
-    Font.OnChange = Brush.OnChange = Pen.OnChange = Count;
+    Font.OnChange = Copy.OnChange = Brush.OnChange = Pen.OnChange = [&](TObject*) { ++Changes; };
     Font.SetName("Serif");
     Font.SetName("Serif");
-    Font.SetStyle({fsBold});
     Brush.SetStyle(bsClear);
     Brush.SetColor(Brush.GetColor()); // makes it solid again
     Pen.SetWidth(3);
     Pen.SetWidth(-1);
+    Copy.Assign(&Font);
+    Copy.Assign(&Font);
     EXPECT_EQ(Changes, 5);
     EXPECT_EQ(Brush.GetStyle(), bsSolid);
-    EXPECT_EQ(Pen.GetWidth(), 3);
-    TFont Copy;
-    Copy.OnChange = Count;
-    Copy.Assign(&Font);
-    Copy.Assign(&Font);
-    EXPECT_EQ(Changes, 6);
     EXPECT_TRUE(Copy.SameShape(Font));
     EXPECT_THROW(Font.Assign(&Pen), EConvertError);
     EXPECT_THROW(Font.Assign(nullptr), EConvertError);

@@ -57,18 +57,16 @@ TEST(Text, FitsWhereItWasMeasured) {
 
 TEST(Text, StaysInsideItsRectangle) {
     for (const double Scale : {1.0, 1.5}) {
-        for (const unsigned Align : {DT_LEFT, DT_CENTER, DT_RIGHT}) {
-            for (const unsigned Fit : {0u, DT_END_ELLIPSIS}) {
-                for (const bool Mirrored : {false, true}) {
-                    TPictureCanvas Canvas(120, 30, Scale);
-                    Canvas.SetMirrored(Mirrored, 120);
-                    TRect Rect{20, 8, 61, 18};
-                    Canvas.DrawText("A text far too long for this", Rect, Cell | Align | Fit);
-                    EXPECT_EQ(Rect, (TRect{20, 8, 61, 18}));
-                    const QRect Ink = InkBounds(Canvas.Image);
-                    ASSERT_FALSE(Ink.isEmpty());
-                    EXPECT_TRUE(Canvas.ToDeviceRect(Rect).contains(Ink));
-                }
+        for (const unsigned Align : {DT_LEFT, DT_CENTER, DT_RIGHT, DT_RIGHT | DT_END_ELLIPSIS}) {
+            for (const bool Mirrored : {false, true}) {
+                TPictureCanvas Canvas(120, 30, Scale);
+                Canvas.SetMirrored(Mirrored, 120);
+                TRect Rect{20, 8, 61, 18};
+                Canvas.DrawText("A text far too long for this", Rect, Cell | Align);
+                EXPECT_EQ(Rect, (TRect{20, 8, 61, 18}));
+                const QRect Ink = InkBounds(Canvas.Image);
+                EXPECT_FALSE(Ink.isEmpty());
+                EXPECT_TRUE(Canvas.ToDeviceRect(Rect).contains(Ink));
             }
         }
     }
@@ -109,9 +107,8 @@ TEST(Text, IsAlignedInItsRectangle) {
 }
 
 TEST(Text, EndsInAnEllipsisOnlyWhenItDoesNotFit) {
-    TPictureCanvas Canvas(300, 20);
     const std::string Text = "Several words in a row";
-    const int Full = Canvas.TextWidth(Text);
+    const int Full = TCanvas().TextWidth(Text);
     const auto Paint = [&](int Width, unsigned Flags) {
         TPictureCanvas Result(300, 20);
         TRect Rect{0, 0, Width, 20};
@@ -119,14 +116,13 @@ TEST(Text, EndsInAnEllipsisOnlyWhenItDoesNotFit) {
         return Result.Image;
     };
     EXPECT_TRUE(Paint(Full, DT_END_ELLIPSIS) == Paint(Full, 0));
+    EXPECT_FALSE(Paint(Full - 1, DT_END_ELLIPSIS) == Paint(Full - 1, 0));
     int Before = Full + 1;
     for (int Width = Full - 1; Width > 0; --Width) {
-        const QRect Ink = InkBounds(Paint(Width, DT_END_ELLIPSIS));
-        EXPECT_LE(Ink.right(), Width);
-        EXPECT_LE(Ink.right(), Before);
-        Before = Ink.right();
+        const int Right = InkBounds(Paint(Width, DT_END_ELLIPSIS)).right();
+        EXPECT_LE(Right, std::min(Width, Before));
+        Before = Right;
     }
-    EXPECT_FALSE(Paint(Full - 1, DT_END_ELLIPSIS) == Paint(Full - 1, 0));
 }
 
 TEST(Text, BreaksIntoLines) {
@@ -141,10 +137,8 @@ TEST(Text, BreaksIntoLines) {
     };
     const TCase Cases[] = {
         {"", 1, 0, 1},
-        {"a", 1, 0, 1},
         {"a\n", 1, 0, 1},
         {"a\nb", 1, 0, 2},
-        {"a\rb", 1, 0, 2},
         {"a\r\nb", 1, 0, 2},
         {"a\n\nb", 1, 0, 3},
         {"\n\n", 1, 0, 2},
@@ -152,7 +146,6 @@ TEST(Text, BreaksIntoLines) {
         {"mmmm mmmm mmmm", 9, DT_WORDBREAK, 1},
         {"mmmm mmmm mmmm", 1, DT_WORDBREAK, 3},
         {"mmmm mmmm mmmm", 1, 0, 1},
-        {"mmmm mmmm\nmmmm", 1, DT_WORDBREAK, 3},
         {"mmmm mmmm mmmm", 1, DT_WORDBREAK | DT_SINGLELINE, 1},
         {"mmmmmmmmmmmm", 1, DT_WORDBREAK, 1},
         {"mmmm mmmm", 0, DT_WORDBREAK, 2},
@@ -211,47 +204,38 @@ TEST(Text, UnderlinesTheCharacterAfterAPrefix) {
         Canvas.DrawText(Text, Rect, DT_SINGLELINE);
         return Canvas.Image;
     };
-    EXPECT_TRUE(Paint("File") == Paint("File"));
     EXPECT_GT(InkBounds(Paint("File&n")).bottom(), InkBounds(Paint("Filen")).bottom());
 }
 
 TEST(Text, StylesChangeTheirOwnThing) {
-    TPictureCanvas Canvas(200, 40);
-    const int Plain = Canvas.TextWidth("nun");
-    const auto Ink = [&](TFontStyles Style) {
+    const auto Ink = [](TFontStyles Style) {
         TPictureCanvas Picture(200, 40);
         Picture.GetFont()->SetStyle(Style);
         Picture.TextOut(2, 2, "nun");
         return Picture.Image;
     };
-    Canvas.GetFont()->SetStyle({fsBold});
-    EXPECT_GT(Canvas.TextWidth("nun"), Plain);
-    Canvas.GetFont()->SetStyle({fsUnderline, fsStrikeOut});
-    EXPECT_EQ(Canvas.TextWidth("nun"), Plain);
     for (const TFontStyle Style : {fsBold, fsItalic, fsUnderline, fsStrikeOut})
         EXPECT_FALSE(Ink({}) == Ink(Style)) << Style;
-    // The lines run under the whole text.
-    const QRect Underlined = InkBounds(Ink({fsUnderline}));
-    EXPECT_EQ(Underlined.left(), 2);
-    EXPECT_EQ(Underlined.width(), Plain);
+    EXPECT_GT(InkBounds(Ink(fsBold)).width(), InkBounds(Ink({})).width());
+    const int Plain = TCanvas().TextWidth("nun");
+    EXPECT_EQ(InkBounds(Ink({fsUnderline, fsStrikeOut})).left(), 2) << "the lines run under the whole text";
+    EXPECT_EQ(InkBounds(Ink({fsUnderline, fsStrikeOut})).width(), Plain);
 }
 
 TEST(Text, HeightsAreThoseOfTheFont) {
     TCanvas Canvas;
-    for (const int Height : {12, 20, 33, 60}) {
+    for (const int Height : {12, 20, 60}) {
         Canvas.GetFont()->SetHeight(Height);
         EXPECT_NEAR(Canvas.TextHeight("Ag"), Height, 2) << "a positive height is that of the line";
         Canvas.GetFont()->SetHeight(-Height);
         EXPECT_GT(Canvas.TextHeight("Ag"), Height);
         const TTextMetrics Metrics = Canvas.GetTextMetrics();
-        EXPECT_EQ(Metrics.Height, Canvas.TextHeight("Ag"));
-        EXPECT_EQ(Metrics.Ascent + Metrics.Descent, Metrics.Height);
-        EXPECT_GT(Metrics.AveCharWidth, 0);
+        EXPECT_EQ(Metrics.Ascent + Metrics.Descent, Canvas.TextHeight("Ag"));
     }
-    Canvas.GetFont()->SetHeight(0);
-    EXPECT_GT(Canvas.TextHeight("Ag"), 0);
-    Canvas.GetFont()->SetHeight(std::numeric_limits<int>::min());
-    EXPECT_GT(Canvas.TextHeight("Ag"), 0);
+    for (const int Height : {0, std::numeric_limits<int>::min()}) {
+        Canvas.GetFont()->SetHeight(Height);
+        EXPECT_GT(Canvas.TextHeight("Ag"), 0);
+    }
 }
 
 TEST(Text, FollowsTheApplicationsFont) {
@@ -269,43 +253,35 @@ TEST(Text, FollowsTheApplicationsFont) {
 }
 
 TEST(Text, FillsItsBackgroundWhenOpaque) {
-    TPictureCanvas Canvas(200, 40, 1.0, 0xFF000000);
-    Canvas.GetBrush()->SetColor(clYellow);
-    Canvas.GetFont()->SetColor(clYellow);
-    EXPECT_EQ(Canvas.SetBkMode(OPAQUE), TRANSPARENT);
-    Canvas.TextOut(5, 6, "nun");
-    const TSize Extent = Canvas.TextExtent("nun");
-    EXPECT_EQ(InkBounds(Canvas.Image, 0xFF000000), QRect(5, 6, Extent.cx, Extent.cy));
-    EXPECT_EQ(Canvas.GetPenPos(), (TPoint{5 + Extent.cx, 6}));
-    TPictureCanvas Clear(200, 40, 1.0, 0xFF000000);
-    Clear.SetBkMode(OPAQUE);
-    Clear.GetBrush()->SetStyle(bsClear);
-    Clear.GetFont()->SetColor(clYellow);
-    Clear.TextOut(5, 6, "nun");
-    EXPECT_EQ(Clear.GetPixel(5, 6), clBlack);
+    const TSize Extent = TCanvas().TextExtent("nun");
+    const auto Paint = [](bool Mirrored, TBrushStyle Style) {
+        TPictureCanvas Canvas(200, 40, 1.0, 0xFF000000);
+        Canvas.SetMirrored(Mirrored, 200);
+        Canvas.GetBrush()->SetColor(clYellow);
+        Canvas.GetBrush()->SetStyle(Style);
+        Canvas.GetFont()->SetColor(clYellow);
+        EXPECT_EQ(Canvas.SetBkMode(OPAQUE), TRANSPARENT);
+        Canvas.TextOut(5, 6, "nun");
+        return InkBounds(Canvas.Image, 0xFF000000);
+    };
+    EXPECT_EQ(Paint(false, bsSolid), QRect(5, 6, Extent.cx, Extent.cy));
+    EXPECT_LT(Paint(false, bsClear).height(), Extent.cy);
     // Mirrored, the text ends where the mapped point is.
-    TPictureCanvas Mirrored(200, 40);
-    Mirrored.SetMirrored(true, 200);
-    Mirrored.GetBrush()->SetColor(clYellow);
-    Mirrored.SetBkMode(OPAQUE);
-    Mirrored.TextOut(10, 0, "nun");
-    EXPECT_EQ(InkBounds(Mirrored.Image), QRect(190 - Extent.cx, 0, Extent.cx, Extent.cy));
+    EXPECT_EQ(Paint(true, bsSolid), QRect(195 - Extent.cx, 6, Extent.cx, Extent.cy));
 }
 
 TEST(Text, ReadsFromRightToLeftWhenAsked) {
-    const auto Paint = [](unsigned Flags, int TextFlags) {
+    const auto Paint = [](unsigned Flags) {
         TPictureCanvas Canvas(200, 40);
-        Canvas.SetTextFlags(TextFlags);
-        if (TextFlags != 0) {
-            Canvas.TextOut(0, 0, "Hello.");
-        } else {
-            TRect Rect{0, 0, 200, 40};
-            Canvas.DrawText("Hello.", Rect, DT_SINGLELINE | Flags);
-        }
+        TRect Rect{0, 0, 200, 40};
+        Canvas.DrawText("Hello.", Rect, DT_SINGLELINE | Flags);
         return Canvas.Image;
     };
-    EXPECT_FALSE(Paint(DT_RTLREADING, 0) == Paint(0, 0)) << "the full stop goes to the left";
-    EXPECT_TRUE(Paint(0, ETO_RTLREADING) == Paint(DT_RTLREADING, 0));
+    EXPECT_FALSE(Paint(DT_RTLREADING) == Paint(0)) << "the full stop goes to the left";
+    TPictureCanvas Canvas(200, 40);
+    Canvas.SetTextFlags(ETO_RTLREADING);
+    Canvas.TextOut(0, 0, "Hello.");
+    EXPECT_TRUE(Canvas.Image == Paint(DT_RTLREADING));
 }
 
 TEST(Text, LooksTheSameWhetherShapedOrPlaced) {
@@ -358,52 +334,40 @@ TEST(Text, LooksTheSameWhetherShapedOrPlaced) {
 
 TEST(Text, OfAnyLengthIsDrawnAndMeasured) {
     TPictureCanvas Canvas(300, 100);
-    const std::size_t Megabyte = std::size_t{1} << 20;
-    const std::string Words = [&] {
+    const auto Repeat = [](const std::string& Text) {
         std::string Result;
-        while (Result.size() < Megabyte) Result += "some words and ";
+        while (Result.size() < std::size_t{1} << 20) Result += Text;
         return Result;
-    }();
-    const TSize Whole = Canvas.TextExtent(Words);
-    const TSize Tenth = Canvas.TextExtent(std::string_view(Words).substr(0, Words.size() / 10));
-    EXPECT_NEAR(static_cast<double>(Whole.cx) / Tenth.cx, 10.0, 0.5);
-    EXPECT_EQ(Whole.cy, Tenth.cy);
+    };
+    const std::string Words = Repeat("some words and ");
+    const double Tenth = Canvas.TextWidth(Words.substr(0, Words.size() / 10));
+    EXPECT_NEAR(Canvas.TextWidth(Words) / Tenth, 10.0, 0.5);
     TRect Rect{0, 0, 300, 100};
     Canvas.DrawText(Words, Rect, DT_SINGLELINE | DT_END_ELLIPSIS);
     EXPECT_FALSE(InkBounds(Canvas.Image).isEmpty());
-    TRect Wrapped{0, 0, 300, 0};
-    EXPECT_GT(Canvas.DrawText(Words, Wrapped, DT_WORDBREAK | DT_CALCRECT), 100000);
-    EXPECT_LE(Wrapped.Width(), 300);
-    std::string Lines;
-    for (int I = 0; I < 100000; ++I) Lines += "line\n";
+    EXPECT_GT(Canvas.DrawText(Words, Rect, DT_WORDBREAK | DT_CALCRECT), 100000);
+    EXPECT_LE(Rect.Width(), 300);
     TRect All;
-    EXPECT_EQ(Canvas.DrawText(Lines, All, DT_CALCRECT), 100000 * Canvas.TextHeight("line"));
+    EXPECT_GT(Canvas.DrawText(Repeat("line\n"), All, DT_CALCRECT), 200000 * Canvas.TextHeight("line"));
     EXPECT_EQ(All.Width(), Canvas.TextWidth("line"));
     // A cut inside a character is none.
-    std::string Euros;
-    while (Euros.size() < Megabyte) Euros += "\xE2\x82\xAC";
-    EXPECT_GT(Canvas.TextWidth(Euros), 1000);
-    EXPECT_GT(Canvas.TextWidth(std::string(Megabyte, '\xFF')), 1000);
+    for (const char* Text : {"\xE2\x82\xAC", "\xFF"}) EXPECT_GT(Canvas.TextWidth(Repeat(Text)), 1000);
 }
 
 TEST(Text, CacheIsBounded) {
     text::ClearCache();
     TCanvas Canvas;
     for (int I = 0; I < 9000; ++I) Canvas.TextWidth("Text number " + std::to_string(I));
-    text::TCacheFigures Figures = text::CacheFigures();
-    EXPECT_LE(Figures.Entries, 8192u);
-    EXPECT_LE(Figures.Bytes, std::size_t{8} << 20);
-    const std::uint64_t Hits = Figures.Hits;
+    EXPECT_LE(text::CacheFigures().Entries, 8192u);
+    const std::uint64_t Hits = text::CacheFigures().Hits;
     Canvas.TextWidth("Text number 8999");
     EXPECT_EQ(text::CacheFigures().Hits, Hits + 1);
     for (int I = 0; I < 120; ++I) Canvas.TextWidth(std::to_string(I) + std::string(4000, 'x'));
     EXPECT_LE(text::CacheFigures().Bytes, std::size_t{8} << 20);
     for (int I = 1; I < 270; ++I) {
         Canvas.GetFont()->SetHeight(-I);
-        Canvas.TextWidth("x");
+        EXPECT_GT(Canvas.TextWidth("x"), 0) << "more fonts than are kept";
     }
-    Canvas.GetFont()->SetHeight(-12);
-    EXPECT_GT(Canvas.TextWidth("x"), 0);
 }
 
 } // namespace
