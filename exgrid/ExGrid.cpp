@@ -1,5 +1,5 @@
 // Construction, simple properties, the window and its messages, and what travels in component streams.
-#include "exgrid/ExGrid.h"
+#include "exgrid/GridDrag.h"
 
 #include "host/base/Filers.h"
 
@@ -118,7 +118,7 @@ void TCustomExGrid::CreateWnd() {
 }
 
 void TCustomExGrid::DestroyWnd() {
-    CancelMode();
+    LeaveMode();
     FFlatScrollBars = false;
     TCustomControl::DestroyWnd();
 }

@@ -6,6 +6,7 @@
 #include "host/windows/Controls.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,9 @@ public:
     // The timer that scrolls while the mouse is held outside the cells; milliseconds.
     static constexpr int ScrollTimerID = 1;
     static constexpr int ScrollTimerInterval = 60;
+    // How near to a border of a fixed cell a press sizes, and the least extent that the mouse gives; pixels.
+    static constexpr int SizingZone = 4;
+    static constexpr int MinSizedExtent = 8;
     // A count from here on is too large for an array of extents.
     static constexpr int MaxExtentCount = 0x7FFFFFE;
 
@@ -298,19 +302,44 @@ public:
     int GetDropTargetRow() const { return FDropTargetRow; }
     void SetDropTargetRow(int Value) { FDropTargetRow = Value; }
     virtual bool AllowDesignSizing() { return true; }
+    // Whether the border of a column may be dragged, pointed to in row ARow.
     virtual bool CanColSizing(int ACol, int ARow);
-    // The zones at cell borders where a press starts sizing: State, the sized Index, the border's position and its
-    // distance from the mouse. gsNormal everywhere else.
+    // The zones at cell borders where a press starts sizing: columns in the fixed rows with goColSizing, rows in the
+    // fixed columns with goRowSizing. State, the sized Index, the border's position in the grid's own direction and
+    // its distance from the mouse; gsNormal everywhere else. DI is the present layout.
     virtual void CalcSizingState(int X, int Y, TGridState& State, int& Index, int& SizingPos, int& SizingOfs,
                                  TExGridDI& DI);
-    // Begin: may the move start at Origin; Check: may it go to Destination; End: may it be done. MousePt in client
-    // pixels. All may change Origin and Destination.
+    // The width that shows the visible texts of a column wholly; -1 when it has none.
+    int GetFitColWidth(int ACol);
+    // The same for one cell; -1 for none.
+    virtual int GetCellFitWidth(int ACol, int ARow);
+    // Gives a column that width; a double click on its border does the same.
+    void FitColumn(int ACol);
+    // Moving by mouse: in fixed rows columns with goColMoving, in fixed columns rows with goRowMoving. The hooks ask:
+    // may it start at Origin (called at the press, before it is known whether the mouse will move), may it go to
+    // Destination, may it be done. All may change Origin and Destination; MousePt in client pixels.
     virtual bool BeginColumnDrag(int& Origin, int& Destination, const TPoint& MousePt);
     virtual bool BeginRowDrag(int& Origin, int& Destination, const TPoint& MousePt);
     virtual bool CheckColumnDrag(int& Origin, int& Destination, const TPoint& MousePt);
     virtual bool CheckRowDrag(int& Origin, int& Destination, const TPoint& MousePt);
+    // Called at the end also when nothing moves.
     virtual bool EndColumnDrag(int& Origin, int& Destination, const TPoint& MousePt);
     virtual bool EndRowDrag(int& Origin, int& Destination, const TPoint& MousePt);
+    // Does what the mouse asked for: MoveRow here.
+    virtual void DropRow(int FromIndex, int ToIndex);
+    // Whether rows are moved by any of their cells; here when there is no fixed column to take them by.
+    virtual bool MovesRowsByCells() const;
+    // Whether the mouse is sizing a column or row, or has been pressed where it may move one; and which.
+    bool IsDragging() const { return FDrag != nullptr; }
+    int GetDragIndex() const;
+    // Its extent before it was sized.
+    int GetDragOldExtent() const;
+    // Ends sizing or moving and takes it back, as Esc does.
+    virtual void CancelDrag();
+    // A fixed cell was pressed and released, and neither sized nor moved.
+    virtual void FixedCellClick(int ACol, int ARow);
+    // The fixed cell that is held down now, (-1, -1) for none.
+    TGridCoord GetPressedFixed() const { return FPressedFixed; }
 
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
@@ -357,6 +386,7 @@ public:
     void WMMouseMove(TWMMouse& Message) override;
     void WMLButtonDown(TWMMouse& Message) override;
     void WMChar(TWMKey& Message) override;
+    void WMSetCursor(TMessage& Message) override;
     void WMHScroll(TWMScroll& Message) override;
     void WMVScroll(TWMScroll& Message) override;
     void WMTimer(TWMTimer& Message) override;
@@ -398,6 +428,7 @@ Q_SIGNALS:
 private:
     // Values per column or row; empty until the first write. Entry 0 is the count, index I is entry I + 1.
     using TExtents = std::vector<int>;
+    struct TDrag; // exgrid/GridDrag.h
 
     void CalcAxis(TExGridAxisDI& Axis, int Extent) const;
     void CalcFixedAxis(TExGridAxisDI& Axis) const;
@@ -422,6 +453,22 @@ private:
     void ExtendDrag(const TGridCoord& Cell);
     void Press(TMouseButton Button, TShiftState Shift, int X, int Y);
     void PressCell(const TGridCoord& Cell, TMouseButton Button, TShiftState Shift);
+    int AlongAxis(const TPoint& Pos, bool Columns) const;
+    void SetPressedFixed(const TGridCoord& Cell);
+    void BeginSizing(TGridState State, int Index, const TPoint& Pos, bool Fit);
+    void SizeTo(const TPoint& Pos);
+    void SizeCell(bool Columns, int Index, int Extent);
+    void BeginMoving(TGridState State, const TGridCoord& Cell, const TPoint& Pos);
+    bool ShowDrag();
+    bool IsDragShown() const;
+    void MoveDragTo(const TPoint& Pos);
+    void AimDrag();
+    void MoveAndScroll(const TPoint& Pos);
+    void GetDragRects(TRect& Picture, TRect& Mark, TRect& Line);
+    void InvalidateDrag();
+    void DrawDrag();
+    void DropDrag(const TPoint& Pos);
+    void LeaveMode();
     void CancelMode();
     void DrawFocus(TCanvas& ACanvas);
     int GetPaintShift(const TExGridDI& DI);
@@ -443,6 +490,8 @@ private:
     TGridCoord FDragStart = NoGridCoord; // fixed corner of a range that the mouse draws
     TGridCoord FClickCell =
         NoGridCoord; // current cell that was pressed again and opens the editor on release
+    TGridCoord FPressedFixed = NoGridCoord;
+    std::unique_ptr<TDrag> FDrag; // what the mouse sizes or moves
     TInplaceEdit* FInplaceEdit = nullptr;
     TPoint FHitTest;
     TGridOptions FOptions{goFixedVertLine, goFixedHorzLine, goVertLine, goHorzLine, goRangeSelect};

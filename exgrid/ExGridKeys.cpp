@@ -23,6 +23,11 @@ bool TCustomExGrid::CanGridAcceptKey(std::uint16_t, TShiftState) { return !IsGri
 void TCustomExGrid::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     const TControlGuard Guard(this);
     TCustomControl::KeyDown(Key, Shift);
+    if (Guard && Key == VK_ESCAPE && IsDragging()) {
+        Key = 0;
+        CancelDrag();
+        return;
+    }
     if (!Guard || !CanGridAcceptKey(Key, Shift) || !Guard || Key == 0) return;
 
     const int Direction = UseRightToLeftAlignment() ? -1 : 1;
@@ -171,8 +176,8 @@ void TCustomExGrid::CMWantSpecialKey(TWMKey& Message) {
         if (HasOption(goEditing)) Message.Result = 1;
         break;
     case VK_ESCAPE:
-        // Without an open editor Esc is the dialog's.
-        if (HasOption(goEditing) && FEditorMode) Message.Result = 1;
+        // Esc is the dialog's unless there is something to end here.
+        if ((HasOption(goEditing) && FEditorMode) || IsDragging()) Message.Result = 1;
         break;
     default:
         break;

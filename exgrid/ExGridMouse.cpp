@@ -1,5 +1,6 @@
-// The mouse: presses that select, drags that extend a range, the hooks of sizing and moving.
-#include "exgrid/ExGrid.h"
+// The mouse: presses that select, drags that extend a range, clicks on fixed cells. Sizing and moving have files of
+// their own.
+#include "exgrid/GridDrag.h"
 
 #include <algorithm>
 
@@ -11,29 +12,15 @@ bool TCustomExGrid::MouseHit(int, int) { return true; }
 
 bool TCustomExGrid::CanButtonSelect(TMouseButton Button) { return Button == mbLeft; }
 
-bool TCustomExGrid::CanColSizing(int, int) { return true; }
+void TCustomExGrid::FixedCellClick(int, int) {}
 
-// The zones at the borders of fixed cells belong here, with goColSizing and goRowSizing (at design time with
-// AllowDesignSizing) and CanColSizing.
-void TCustomExGrid::CalcSizingState(int, int, TGridState& State, int& Index, int& SizingPos, int& SizingOfs,
-                                    TExGridDI&) {
-    State = gsNormal;
-    Index = -1;
-    SizingPos = 0;
-    SizingOfs = 0;
+// A descendant may draw it held down.
+void TCustomExGrid::SetPressedFixed(const TGridCoord& Cell) {
+    if (Cell == FPressedFixed) return;
+    InvalidateCell(FPressedFixed.X, FPressedFixed.Y);
+    FPressedFixed = Cell;
+    InvalidateCell(Cell.X, Cell.Y);
 }
-
-bool TCustomExGrid::BeginColumnDrag(int&, int&, const TPoint&) { return true; }
-
-bool TCustomExGrid::BeginRowDrag(int&, int&, const TPoint&) { return true; }
-
-bool TCustomExGrid::CheckColumnDrag(int&, int&, const TPoint&) { return true; }
-
-bool TCustomExGrid::CheckRowDrag(int&, int&, const TPoint&) { return true; }
-
-bool TCustomExGrid::EndColumnDrag(int&, int&, const TPoint&) { return true; }
-
-bool TCustomExGrid::EndRowDrag(int&, int&, const TPoint&) { return true; }
 
 // --- pressing, dragging, releasing ----------------------------------------------------------------------------
 
@@ -54,28 +41,40 @@ void TCustomExGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int
 }
 
 void TCustomExGrid::Press(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    if (FDrag) return; // another button while the left one sizes or moves
     const TControlGuard Guard(this);
     const bool Designing = HasState(csDesigning);
     if (!Designing && CanFocus() && !Focused()) {
         SetFocus();
         if (!Guard) return;
     }
-    // The second press of a double click has its own message.
-    if (Shift.Contains(ssDouble)) return;
     TExGridDI DI;
     CalcDI(DI);
+    const TPoint Pos{X, Y};
     if (Button == mbLeft) {
         TGridState State = gsNormal;
         int Index = -1;
         int SizingPos = 0;
         int SizingOfs = 0;
         CalcSizingState(X, Y, State, Index, SizingPos, SizingOfs, DI);
-        if (State != gsNormal) return; // where sizing begins
+        if (State != gsNormal) {
+            BeginSizing(State, Index, Pos, Shift.Contains(ssDouble));
+            return;
+        }
     }
-    if (Designing || !CanButtonSelect(Button)) return;
     const TGridCoord Cell = CalcCoordFromPoint(X, Y, DI);
-    // Presses on fixed cells are where moving begins (BeginColumnDrag, BeginRowDrag).
-    if (Cell.X < FFixedCols || Cell.Y < FFixedRows) return;
+    const bool OnFixed = Cell.X < FFixedCols || Cell.Y < FFixedRows;
+    if (Button == mbLeft && !Designing && OnFixed && Cell.X >= 0 && Cell.Y >= 0) {
+        SetPressedFixed(Cell);
+        if (HasOption(goColMoving) && Cell.X >= FFixedCols) {
+            BeginMoving(gsColMoving, Cell, Pos);
+        } else if (HasOption(goRowMoving) && Cell.Y >= FFixedRows) {
+            BeginMoving(gsRowMoving, Cell, Pos);
+        }
+        return;
+    }
+    // The second press of a double click has its own message.
+    if (OnFixed || Designing || Shift.Contains(ssDouble) || !CanButtonSelect(Button)) return;
     if (!MouseHit(X, Y) || !Guard) return;
     PressCell(Cell, Button, Shift);
 }
@@ -87,6 +86,11 @@ void TCustomExGrid::PressCell(const TGridCoord& Cell, TMouseButton Button, TShif
     FocusCell(Cell.X, Cell.Y, NoModifiers, Shift, swByMouse);
     if (!Guard || Button != mbLeft) return;
     if (NoModifiers && WasCurrent) FClickCell = Cell;
+    if (HasOption(goRowMoving) && NoModifiers && MovesRowsByCells() && FGridState == gsNormal &&
+        FCurrent.Y == Cell.Y) {
+        BeginMoving(gsRowMoving, Cell, FHitTest);
+        if (!Guard || FGridState != gsNormal) return;
+    }
     if (HasOption(goRangeSelect) && FGridState == gsNormal && FCurrent.Y == Cell.Y) {
         FGridState = gsSelecting;
         FDragStart = FAnchor;
@@ -98,9 +102,21 @@ void TCustomExGrid::WMMouseMove(TWMMouse& Message) {
     FHitTest = {Message.XPos, Message.YPos};
     const TControlGuard Guard(this);
     TCustomControl::WMMouseMove(Message);
-    if (!Guard || FGridState != gsSelecting) return;
+    if (!Guard || (FGridState != gsSelecting && !FDrag)) return;
     if (!Message.Shift.Contains(ssLeft)) {
         CancelMode(); // the release went elsewhere
+        return;
+    }
+    const TPoint Pos{Message.XPos, Message.YPos};
+    if (FDrag) {
+        if (FDrag->IsSizing()) {
+            SizeTo(Pos);
+        } else {
+            MoveDragTo(Pos);
+            if (!Guard || !IsDragShown()) return;
+            FClickCell = NoGridCoord;
+            SetPressedFixed(NoGridCoord);
+        }
         return;
     }
     TExGridDI DI;
@@ -143,19 +159,23 @@ void TCustomExGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y
     const TControlGuard Guard(this);
     FHitTest = {X, Y};
     const TGridCoord Pressed = FClickCell;
-    CancelMode();
+    const TGridCoord PressedFixed = FPressedFixed;
+    if (Button == mbLeft && FDrag && !FDrag->IsSizing()) {
+        DropDrag({X, Y});
+    } else if (Button == mbLeft || !FDrag) {
+        LeaveMode();
+    }
+    if (!Guard) return;
     TCustomControl::MouseUp(Button, Shift, X, Y);
-    if (!Guard || Button != mbLeft || Pressed == NoGridCoord || Pressed != FCurrent) return;
+    if (!Guard || Button != mbLeft) return;
+    if (PressedFixed != NoGridCoord) {
+        if (MouseCoord(X, Y) == PressedFixed) FixedCellClick(PressedFixed.X, PressedFixed.Y);
+        return;
+    }
+    if (Pressed == NoGridCoord || Pressed != FCurrent) return;
     if (HasOption(goEditing) && FPlainClick && !FEditorMode && MouseCoord(X, Y) == Pressed &&
         NeedToShowEditor() && Guard)
         ShowEditor();
-}
-
-void TCustomExGrid::CancelMode() {
-    KillTimer(ScrollTimerID);
-    FGridState = gsNormal;
-    FDragStart = NoGridCoord;
-    FClickCell = NoGridCoord;
 }
 
 void TCustomExGrid::WMCancelMode(TMessage& Message) {

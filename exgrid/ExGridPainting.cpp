@@ -48,7 +48,11 @@ void TCustomExGrid::ChangeGridOrientation(bool RightToLeft) {
     GetCanvas()->SetMirrored(RightToLeft, GetClientWidth());
 }
 
-void TCustomExGrid::Paint() { DrawOn(*GetCanvas(), true); }
+void TCustomExGrid::Paint() {
+    const TControlGuard Guard(this);
+    DrawOn(*GetCanvas(), true);
+    if (Guard && IsDragShown()) DrawDrag();
+}
 
 void TCustomExGrid::DrawOn(TCanvas& ACanvas, bool Full) {
     const TControlGuard Guard(this);

@@ -82,7 +82,8 @@ void TCustomExGrid::TopLeftMoved(const TGridCoord& OldTopLeft) {
         const bool VertMoves = AxisDelta(DI.Vert, OldTopLeft.Y, FTopLeft.Y, DY);
         // Columns without width are painted without their line, so that the distance does not hold for them.
         const bool Exact = DX == 0 || (GetPaintShift(DI) == 0 && !HasEmptyColumn(OldTopLeft.X, FTopLeft.X));
-        if (HorzMoves && VertMoves && (DX == 0 || DY == 0) && Exact && CanScrollPixels(DX, DY)) {
+        if (HorzMoves && VertMoves && (DX == 0 || DY == 0) && Exact && !IsDragShown() &&
+            CanScrollPixels(DX, DY)) {
             if (DX != 0 || DY != 0) ScrollDataInfo(DX, DY, DI);
         } else {
             InvalidateGrid();
@@ -445,11 +446,11 @@ void TCustomExGrid::WMTimer(TWMTimer& Message) {
             if (Pos.Y < DI.Vert.FixedBoundary) Direction.Include(sdUp);
             if (Pos.Y > DI.Vert.FullVisBoundary) Direction.Include(sdDown);
             if (!Direction.IsEmpty()) TimedScroll(Direction);
-        } else if (FGridState != gsRowMoving && FGridState != gsColMoving) {
+        } else if (FGridState == gsRowMoving || FGridState == gsColMoving) {
+            MoveAndScroll(GetMouseClientPos());
+        } else {
             KillTimer(ScrollTimerID);
         }
-        // gsRowMoving and gsColMoving: the moves by mouse go on from here when the mouse has moved since the last
-        // tick (a column only when it has moved by more than the drag threshold).
     }
     if (Guard) TCustomControl::WMTimer(Message);
 }

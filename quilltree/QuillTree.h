@@ -117,6 +117,22 @@ public:
     void SizeChanged(int OldColCount, int OldRowCount) override;
     void ColumnWidthChanged(int Index, int Value) override;
 
+    // --- captions ---------------------------------------------------------------------------------------------
+    // Texts of columns, by data column, shown in the first fixed row (FixedRows 1 and more) where OnGetEditText
+    // answers nothing. They move with their columns. None to begin with.
+    static constexpr int CaptionRow = 0;
+    std::string GetCaptions(int DataCol) const;
+    void SetCaptions(int DataCol, const std::string& Value);
+    // The data column whose caption shows the sort arrow, -1 for none. Only shown: sorting is the program's, when
+    // OnCaptionClick tells that a caption was clicked.
+    int GetSortColumn() const { return FSortColumn; }
+    void SetSortColumn(int DataCol);
+    TSortDirection GetSortDirection() const { return FSortDirection; }
+    void SetSortDirection(TSortDirection Value);
+    virtual void CaptionClick(int DataCol);
+    void FixedCellClick(int ACol, int ARow) override;
+    int GetCellFitWidth(int ACol, int ARow) override;
+
     // --- texts ------------------------------------------------------------------------------------------------
     std::string GetNodeCells(TFlyNode* Node, int DataCol) override;
     void SetNodeCells(TFlyNode* Node, int DataCol, const std::string& S) override;
@@ -177,6 +193,13 @@ public:
     // The node's rectangle from the structure cell to the client edge, or only its text part.
     TRect DisplayRect(TFlyNode* Node, bool TextOnly);
     bool MouseHit(int X, int Y) override;
+    // The right button too with RightClickSelect, unless the node under the mouse is marked already.
+    bool CanButtonSelect(TMouseButton Button) override;
+    void CalcSizingState(int X, int Y, TGridState& State, int& Index, int& SizingPos, int& SizingOfs,
+                         TExGridDI& DI) override;
+    void CancelDrag() override;
+    // Only reports: rows have the order of the nodes.
+    void DropRow(int FromIndex, int ToIndex) override { RowMoved(FromIndex, ToIndex); }
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseMove(TShiftState Shift, int X, int Y) override;
@@ -218,6 +241,8 @@ public:
     void FullCollapse();
     // The next visible node whose text begins with the search text, Start itself when there is none.
     TFlyNode* IncSearch(TFlyNode* Start);
+    // Whether pixels moved so far keep the outline right, whose dots and boxes keep to every second line.
+    bool CanScrollPixels(int DX, int DY) override;
     void KeyDown(std::uint16_t& Key, TShiftState Shift) override;
     void WMChar(TWMKey& Message) override;
 
@@ -239,8 +264,6 @@ public:
     bool GetEnumerateNodes() const override { return FUniqueTags; }
     void SetEnumerateNodes(bool Value);
     // Numbers all nodes in document order.
-    // Whether pixels moved so far keep the outline right, whose dots and boxes keep to every second line.
-    bool CanScrollPixels(int DX, int DY) override;
     void EnumerateNodes();
     TNodeSelectionStyle GetNodeSelectionStyle() const { return FNodeSelectionStyle; }
     void SetNodeSelectionStyle(TNodeSelectionStyle Value);
@@ -301,6 +324,8 @@ public:
     TFTVEditedEvent OnEdited;
     // A placeholder became a real node, which is empty still: give it its texts here.
     TFTVExpandedEvent OnMaterialise;
+    // A caption was clicked (not sized, not moved); its data column.
+    TFTVCaptionEvent OnCaptionClick;
 
     // --- host overrides ---------------------------------------------------------------------------------------
     void Loaded() override;
@@ -364,6 +389,7 @@ Q_SIGNALS:
     void collapsed(quill::TFlyNode* Node);
     void changed(quill::TFlyNode* Node);
     void deletion(quill::TFlyNode* Node);
+    void captionClicked(int DataCol);
 
 private:
     bool IsEditorShowing() const { return GetEditorMode() && GetInplaceEditor(); }
@@ -382,6 +408,12 @@ private:
     bool SelectionSpans(int ACol) const;
     bool ShowsImage(TFlyNode* Node) const;
 
+    bool IsCaption(int ACol, int ARow) const;
+    bool HasCaptionClicks() const;
+    bool IsCaptionPressed(int ACol, int ARow) const;
+    void DrawSortArrow(TCanvas& Canvas, TRect& Rect, int ACol, int ARow);
+    bool ShowsCursor(TCursor Cursor) const { return GetCursor() == Cursor || GetAppliedCursor() == Cursor; }
+
     bool CanSlide() const;
     void SlideRowsDown(int Index, int Count);
     void SlideRowsUp(int Index, int Count);
@@ -390,15 +422,14 @@ private:
     bool HeightsMatter() const;
     bool HasUniformHeights() const;
     bool HasHeightWatchers() const;
-    int HeightOfRow(int Row);
     template <class THeight>
     void StoreHeights(int First, int Last, bool Down, THeight HeightOf);
     int OutlinePhase() const;
     int MadeOddRow(int Y) const { return (Y + FPhase) % 2 == 0 ? Y + 1 : Y; }
 
     // What a move of the focus does to the marks as soon as it is allowed.
-    enum class TFocusMarks : unsigned char { Keep, Anchor, Add, Alone, AloneWithAnchor };
-    void ApplyMarks(TFocusMarks Marks, int Row);
+    enum class TFocusMarks : unsigned char { Keep, Anchor, AnchorHere, Add, Alone };
+    void ApplyMarks(TFocusMarks Marks, TFlyNode* Old, TFlyNode* Node);
     void AutoExpandTo(TFlyNode* Old, TNodeWatch& New);
     void MarkRange(int FromRow, int ToRow, bool Mark);
     TGridRect SelectionColumns(int FromRow, int ToRow) const;
@@ -409,6 +440,7 @@ private:
 
     std::unique_ptr<TFlyNodes> FItems;
     std::vector<int> FColumnsMap;
+    std::vector<std::string> FCaptions;
     std::unique_ptr<TCustomImageList> FGlyphs;
     TCustomImageList* FImages = nullptr;
     TChangeLink FImageChangeLink;
@@ -432,6 +464,7 @@ private:
     int FTrackedRow = -1;
     int FPressedCol = -1;
     int FPressedRow = -1;
+    int FSortColumn = -1;
     int FButtonSize;
     int FIndent = 20;
     int FStructureCol = 0;
@@ -440,6 +473,7 @@ private:
     TOutlineStyle FOutlineStyle = olsStandardTree;
     TNodeSelectionStyle FNodeSelectionStyle = tnsCell;
     TSortType FSortType = stNone;
+    TSortDirection FSortDirection = srtAscending;
     unsigned char FFirstLevelDrawMode = 0;
     bool FSmoothExpandCollapse = true;
     bool FUniqueTags = false;
@@ -461,6 +495,12 @@ private:
     bool FExpanding = false;
     bool FClearing = false;
     bool FInButtonClick = false;
+    bool FAutoExpanding = false;
+    bool FSelectingAlone = false; // SetSelection asks FocusCell for it
+    bool FFocusing = false;       // FocusCell is on its way to SelectCell, with FFocusMarks
+    bool FShiftingHeights = false;
+    TFocusMarks FFocusMarks = TFocusMarks::Keep;
+    int FPhase = 0; // of the picture on the surface: OutlinePhase when it was painted
     bool FToggleSelection = false;
 };
 
@@ -473,9 +513,3 @@ public:
 };
 
 } // namespace quill
-    bool FAutoExpanding = false;
-    bool FSelectingAlone = false; // SetSelection asks FocusCell for it
-    bool FFocusing = false;       // FocusCell is on its way to SelectCell, with FFocusMarks
-    bool FShiftingHeights = false;
-    TFocusMarks FFocusMarks = TFocusMarks::Keep;
-    int FPhase = 0; // of the picture on the surface: OutlinePhase when it was painted

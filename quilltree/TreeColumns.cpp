@@ -131,6 +131,7 @@ std::string TCustomQuillTree::GetEditText(int ACol, int ARow) {
     const TControlGuard Guard(this);
     std::string Text = TCustomExGrid::GetEditText(ACol, ARow);
     if (!Guard || !Text.empty()) return Text;
+    if (IsCaption(ACol, ARow)) return GetCaptions(GetColumnOrder(ACol));
     TFlyNode* Node = GetNodeAtRow(ARow);
     if (!Node || Node->GetDeleting()) return {};
     return GetNodeData(Node, ACol);

@@ -123,12 +123,33 @@ THitTests TCustomQuillTree::GetHitTestInfoAt(int X, int Y) {
 
 bool TCustomQuillTree::MouseHit(int X, int Y) { return (GetHitTestInfoAt(X, Y) * PressFilter).IsEmpty(); }
 
+bool TCustomQuillTree::CanButtonSelect(TMouseButton Button) {
+    if (Button != mbRight) return TCustomExGrid::CanButtonSelect(Button);
+    if (!FRightClickSelect) return false;
+    const TPoint Hit = GetHittest();
+    const TFlyNode* Node = GetNodeAt(Hit.X, Hit.Y);
+    return !Node || !Node->GetSelected();
+}
+
+// The last column's border is the client's edge while the column fills what is left.
+void TCustomQuillTree::CalcSizingState(int X, int Y, TGridState& State, int& Index, int& SizingPos,
+                                       int& SizingOfs, TExGridDI& DI) {
+    TCustomExGrid::CalcSizingState(X, Y, State, Index, SizingPos, SizingOfs, DI);
+    if (State == gsColSizing && FFitColumnToClientWidth && Index == GetColCount() - 1) State = gsNormal;
+}
+
+void TCustomQuillTree::CancelDrag() {
+    FPressedCol = -1;
+    FPressedRow = -1;
+    TCustomExGrid::CancelDrag();
+}
+
 void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
     const TControlGuard Guard(this);
     const TGridCoord Cell = MouseCoord(X, Y);
-    if (GetCursor() == VertCursor) {
+    if (ShowsCursor(VertCursor)) {
         FPressedRow = Cell.Y;
-    } else if (GetCursor() == HorzCursor) {
+    } else if (ShowsCursor(HorzCursor)) {
         FPressedCol = Cell.X;
     }
     TFlyNode* Node = GetNodeAt(X, Y);
@@ -149,13 +170,21 @@ void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, 
     if (!Guard) return;
     FInButtonClick = false;
     SetSkipPress(false);
+    // A border has a zone on its far side too, where the mouse is over the next cell.
+    if (GetGridState() == gsColSizing) FPressedCol = GetDragIndex();
+    if (GetGridState() == gsRowSizing) FPressedRow = GetDragIndex();
 }
 
 void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
     const TControlGuard Guard(this);
-    const TCursor Cursor = GetCursor();
-    const int OldWidth = FPressedCol >= 0 ? GetColWidths(FPressedCol) : 0;
-    const int OldHeight = FPressedRow >= 0 ? GetRowHeights(FPressedRow) : 0;
+    const int PressedCol = std::exchange(FPressedCol, -1);
+    const int PressedRow = std::exchange(FPressedRow, -1);
+    const bool ColWasSized = PressedCol >= 0 && (ShowsCursor(HorzCursor) || GetGridState() == gsColSizing);
+    const bool RowWasSized = PressedRow >= 0 && (ShowsCursor(VertCursor) || GetGridState() == gsRowSizing);
+    // Sizing shows while the mouse moves, so the grid remembers what was before.
+    const bool Sizing = GetDragOldExtent() >= 0;
+    const int OldWidth = Sizing ? GetDragOldExtent() : GetColWidths(PressedCol);
+    const int OldHeight = Sizing ? GetDragOldExtent() : GetRowHeights(PressedRow);
     const THitTests Hit = GetHitTestInfoAt(X, Y);
     const TGridCoord Cell = MouseCoord(X, Y);
     SetPlainClick((!GetNodeAt(X, Y) || Cell.X != FStructureCol) && IsPlain(Shift));
@@ -178,14 +207,12 @@ void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, in
     if (Shift.Contains(ssCtrl)) InvalidateCurrent();
     SetPlainClick(true);
 
-    if (Cursor == HorzCursor && FPressedCol >= 0) {
-        const int Col = std::exchange(FPressedCol, -1);
-        ColSized(Col, OldWidth, GetColWidths(Col));
-    } else if (Cursor == VertCursor && FPressedRow >= 0) {
-        const int Row = std::exchange(FPressedRow, -1);
-        const int NewHeight = GetRowHeights(Row);
-        if (TFlyNode* Sized = GetNodeAtRow(Row)) Sized->SetHeightField(NewHeight);
-        RowSized(Row, OldHeight, NewHeight);
+    if (ColWasSized) {
+        ColSized(PressedCol, OldWidth, GetColWidths(PressedCol));
+    } else if (RowWasSized) {
+        const int NewHeight = GetRowHeights(PressedRow);
+        if (TFlyNode* Sized = GetNodeAtRow(PressedRow)) Sized->SetHeightField(NewHeight);
+        RowSized(PressedRow, OldHeight, NewHeight);
     }
 }
 

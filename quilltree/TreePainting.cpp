@@ -247,14 +247,19 @@ void TCustomQuillTree::DrawFixed(TCanvas& Canvas, const TRect& Rect, int ARow, i
     const TControlGuard Guard(this);
     Canvas.GetBrush()->SetColor(GetFixedColor());
     Canvas.FillRect(Rect);
-    DrawFixedFrame(Canvas, Rect, ACol, ARow, false);
+    const bool Pressed = IsCaptionPressed(ACol, ARow);
+    DrawFixedFrame(Canvas, Rect, ACol, ARow, Pressed);
     if (!Guard || (ACol == FStructureCol && ARow >= GetFixedRows())) return;
-    const std::string Text = TCustomExGrid::GetEditText(ACol, ARow);
-    if (!Guard || Text.empty()) return;
+    const std::string Text =
+        ARow < GetFixedRows() ? GetEditText(ACol, ARow) : TCustomExGrid::GetEditText(ACol, ARow);
+    if (!Guard) return;
 
     // Markup text will be drawn by its renderer here.
     TRect TextRect = Rect;
     TextRect.Inflate(-TreeMetrics::FixedTextMargin, 0);
+    if (Pressed) TextRect.Offset(1, 1);
+    DrawSortArrow(Canvas, TextRect, ACol, ARow);
+    if (Text.empty()) return;
     const unsigned Flags = FWordWrap ? DT_NOPREFIX | DT_WORDBREAK
                                      : AlignmentFlag(GetAlignment(ACol)) | DT_END_ELLIPSIS | DT_NOPREFIX |
                                            DT_SINGLELINE | DT_VCENTER;

@@ -22,6 +22,8 @@ using TDrawOptions = TSet<TDrawOption>;
 
 enum TSelectionDirection { sdNone, sdGoUp, sdGoDown };
 enum TNVVertAlign { tvaTop, tvaBottom, tvaCenter };
+// The order that a caption's arrow shows: it points up, or down.
+enum TSortDirection { srtAscending, srtDescending };
 enum TNVDragType { dtStandard, dtOLE };
 
 // The glyph kinds; the ordinal is the index in the glyph set. The capital O of the last three is part of the names.
@@ -51,6 +53,7 @@ using TFTVCollapsingEvent = std::function<void(TObject* Sender, TFlyNode* Node, 
 using TFTVExpandedEvent = std::function<void(TObject* Sender, TFlyNode* Node)>;
 using TFTVEditingEvent = std::function<void(TObject* Sender, TFlyNode* Node, bool& AllowEdit)>;
 using TFTVEditedEvent = std::function<void(TObject* Sender, TFlyNode* Node, std::string& S)>;
+using TFTVCaptionEvent = std::function<void(TObject* Sender, int DataCol)>;
 using TFTVCompareEvent = std::function<void(TObject* Sender, TFlyNode* Node1, TFlyNode* Node2, int& Compare)>;
 
 } // namespace quill

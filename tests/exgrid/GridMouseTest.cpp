@@ -61,15 +61,15 @@ TEST(GridMouse, APressSelectsItsCell) {
 
 TEST(GridMouse, APressThatDoesNotCountChangesNothing) {
     using TSetUp = void (*)(TMouseGrid&);
-    for (const TSetUp SetUp : {TSetUp([](TMouseGrid& Grid) { Grid.HitAllowed = false; }),
-                               TSetUp([](TMouseGrid& Grid) { Grid.SetSkipPress(true); }),
-                               TSetUp([](TMouseGrid& Grid) { Grid.SetDesigning(true); })}) {
+    for (const TSetUp Prepare : {TSetUp([](TMouseGrid& Grid) { Grid.HitAllowed = false; }),
+                                 TSetUp([](TMouseGrid& Grid) { Grid.SetSkipPress(true); }),
+                                 TSetUp([](TMouseGrid& Grid) { Grid.SetDesigning(true); })}) {
         TMouseGrid Grid;
         const std::string Before = Grid.State();
         int Presses = 0;
         Grid.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { ++Presses; };
         Grid.MouseDown(mbRight, ssRight, 160, 60);
-        SetUp(Grid);
+        Prepare(Grid);
         Grid.Down(160, 60);
         EXPECT_EQ(Grid.State(), Before);
         EXPECT_EQ(Grid.GetGridState(), gsNormal);

@@ -1,0 +1,408 @@
+// Sizing and moving columns and rows with the mouse.
+#include "tests/exgrid/GridTestSupport.h"
+
+#include "host/windows/Application.h"
+
+#include <QImage>
+
+#include <functional>
+
+namespace quill::testing {
+namespace {
+
+// Five columns of 75 and rows of 24 pixels with lines of 1; one fixed column and row. Logs what it is told.
+class TDragGrid : public TTestGrid {
+public:
+    explicit TDragGrid(TGridOptions Add = {goColSizing, goRowSizing, goColMoving, goRowMoving})
+        : TTestGrid(304, 124, 5, 20) {
+        SetFixedCols(1);
+        SetOptions(GetOptions() + Add);
+        HasFocus = true;
+        OnColumnWidthChanging = [this](int Index, int& Value) {
+            Value = std::min(Value, MaxWidth);
+            Log += "changing" + std::to_string(Index) + " ";
+        };
+        OnColumnWidthChanged = [this](int Index, int Value) {
+            Log += "width" + std::to_string(Index) + "=" + std::to_string(Value) + " ";
+        };
+        OnRowHeightChanged = [this](int Index, int Value) {
+            Log += "height" + std::to_string(Index) + "=" + std::to_string(Value) + " ";
+        };
+        OnColumnMoved = [this](TObject*, int From, int To) { LogMove("col", From, To); };
+        OnRowMoved = [this](TObject*, int From, int To) { LogMove("row", From, To); };
+        Update();
+    }
+
+    bool BeginColumnDrag(int& Origin, int&, const TPoint&) override {
+        Log += "begin" + std::to_string(Origin) + " ";
+        return MayBegin;
+    }
+    bool CheckColumnDrag(int&, int& Destination, const TPoint&) override {
+        if (OnCheck) OnCheck(Destination);
+        return Destination != Refused;
+    }
+    bool EndColumnDrag(int& Origin, int& Destination, const TPoint&) override {
+        Log += "end" + std::to_string(Origin) + ">" + std::to_string(Destination) + " ";
+        return MayEnd;
+    }
+    void FixedCellClick(int ACol, int ARow) override { Log += "click" + Show(TGridCoord{ACol, ARow}) + " "; }
+
+    void Send(unsigned Msg, int X, int Y, TShiftState Shift = ssLeft) {
+        Perform(Msg, Shift.Bits(), MakePointParam(X, Y));
+    }
+    void Down(int X, int Y) { Send(WM_LBUTTONDOWN, X, Y); }
+    void Move(int X, int Y) { Send(WM_MOUSEMOVE, X, Y); }
+    void Up(int X, int Y) { Send(WM_LBUTTONUP, X, Y, {}); }
+    void Drag(int X, int Y, int ToX, int ToY) {
+        Down(X, Y);
+        Move(ToX, ToY);
+        Up(ToX, ToY);
+    }
+    void Escape() { Perform(WM_KEYDOWN, VK_ESCAPE, 0); }
+    void Tick(int X, int Y, int Count = 1) {
+        MousePos = {X, Y};
+        for (int I = 0; I < Count; ++I) Perform(WM_TIMER, ScrollTimerID, 0);
+    }
+    std::string TakeLog() { return std::exchange(Log, {}); }
+    std::string Widths() {
+        std::string Result;
+        for (int Col = 0; Col < GetColCount(); ++Col) Result += std::to_string(GetColWidths(Col)) + " ";
+        return Result;
+    }
+
+    // What the cursor says along a line: "c1 72-79" where column 1 can be sized from.
+    std::string Zones(bool Columns, int Across) {
+        std::string Result;
+        std::string Last;
+        int Start = 0;
+        const int Count = Columns ? GetClientWidth() : GetClientHeight();
+        for (int Pos = 0; Pos <= Count; ++Pos) {
+            std::string Zone;
+            TGridState State = gsNormal;
+            int Index = -1;
+            int Border = 0;
+            int Distance = 0;
+            TExGridDI DI;
+            CalcDI(DI);
+            const TPoint Point = Columns ? TPoint{Pos, Across} : TPoint{Across, Pos};
+            CalcSizingState(Point.X, Point.Y, State, Index, Border, Distance, DI);
+            if (Pos < Count && State != gsNormal)
+                Zone = (State == gsColSizing ? "c" : "r") + std::to_string(Index);
+            if (Zone == Last) continue;
+            if (!Last.empty())
+                Result += Last + " " + std::to_string(Start) + "-" + std::to_string(Pos - 1) + "  ";
+            Start = Pos;
+            Last = Zone;
+        }
+        return Result;
+    }
+
+    std::string Log;
+    int MaxWidth = 1000;
+    int Refused = -1;
+    bool MayBegin = true;
+    bool MayEnd = true;
+    std::function<void(int&)> OnCheck;
+
+private:
+    void LogMove(const char* What, int From, int To) {
+        Log += What + std::to_string(From) + ">" + std::to_string(To) + " ";
+    }
+};
+
+// The largest difference of any colour value; letters that a clip cuts are blended with other rounding.
+int Difference(const QImage& A, const QImage& B) {
+    if (A.size() != B.size()) return 255;
+    int Result = 0;
+    for (int Y = 0; Y < A.height(); ++Y) {
+        for (int X = 0; X < A.width(); ++X) {
+            const QRgb P = A.pixel(X, Y);
+            const QRgb Q = B.pixel(X, Y);
+            Result = std::max({Result, std::abs(qRed(P) - qRed(Q)), std::abs(qGreen(P) - qGreen(Q)),
+                               std::abs(qBlue(P) - qBlue(Q))});
+        }
+    }
+    return Result;
+}
+
+TEST(GridDrag, BordersOfFixedCellsHaveZones) {
+    TDragGrid Grid;
+    const std::string Cols = "c0 71-79  c1 147-155  c2 223-231  c3 299-303  ";
+    EXPECT_EQ(Grid.Zones(true, 10), Cols);
+    EXPECT_EQ(Grid.Zones(true, 60), ""); // not among the cells
+    EXPECT_EQ(Grid.Zones(false, 10), "r0 20-28  r1 45-53  r2 70-78  r3 95-103  r4 120-123  ");
+    EXPECT_EQ(Grid.Zones(false, 100), ""); // right of the fixed columns
+    Grid.SetBiDiMode(bdRightToLeft);
+    EXPECT_EQ(Grid.Zones(true, 10), "c3 0-4  c2 72-80  c1 148-156  c0 224-232  ");
+    Grid.SetBiDiMode(bdLeftToRight);
+    Grid.SetLeftCol(3);
+    EXPECT_EQ(Grid.Zones(true, 10), "c0 71-79  c3 147-155  c4 223-231  ");
+    Grid.SetOptions(Grid.GetOptions() - TGridOptions{goColSizing, goRowSizing});
+    EXPECT_EQ(Grid.Zones(true, 10) + Grid.Zones(false, 10), "");
+}
+
+TEST(GridDrag, NarrowCellsKeepRoomForClicksAndHiddenOnesCanBeOpened) {
+    TDragGrid Grid(goColSizing);
+    Grid.SetColWidths(1, 6);
+    Grid.SetColWidths(2, 0);
+    Grid.SetColWidths(3, 0);
+    // Column 0 ends at 75, 1 at 82, 2 at 83, 3 at 84.
+    EXPECT_EQ(Grid.Zones(true, 10), "c0 71-77  c1 80-82  c2 83-83  c3 84-88  c4 156-164  ");
+    for (const int Line : {0, 1}) {
+        Grid.SetGridLineWidth(Line);
+        Grid.SetColWidths(3, 0);
+        Grid.Drag(85, 10, 105, 10);
+        EXPECT_EQ(Grid.GetColWidths(3), 20) << Line;
+    }
+}
+
+TEST(GridDrag, ABorderIsDraggedToSize) {
+    struct TCase {
+        const char* What;
+        TBiDiMode Mode;
+        int X, Y, ToX, ToY;
+        const char* Log;
+    };
+    const TCase Cases[] = {
+        {"wider", bdLeftToRight, 151, 10, 171, 90, "changing1 width1=95 "},
+        {"from the far side of the line", bdLeftToRight, 154, 10, 144, 10, "changing1 width1=65 "},
+        {"not below the minimum", bdLeftToRight, 151, 10, 20, 10, "changing1 width1=8 "},
+        {"not above what the handler allows", bdLeftToRight, 151, 10, 301, 10, "changing1 width1=100 "},
+        {"the fixed column", bdLeftToRight, 75, 10, 85, 10, "changing0 width0=85 "},
+        {"to the left when mirrored", bdRightToLeft, 152, 10, 132, 10, "changing1 width1=95 "},
+        {"a row", bdLeftToRight, 10, 74, 99, 84, "height2=34 "},
+        {"a row not below the minimum", bdLeftToRight, 10, 74, 10, 0, "height2=8 "},
+        {"a fixed row", bdLeftToRight, 10, 24, 10, 30, "height0=30 "},
+        {"a click sizes nothing", bdLeftToRight, 151, 10, 151, 10, ""},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        TDragGrid Grid({goColSizing, goRowSizing});
+        Grid.MaxWidth = 100;
+        Grid.SetBiDiMode(Case.Mode);
+        const std::string Before = Grid.State();
+        Grid.Drag(Case.X, Case.Y, Case.ToX, Case.ToY);
+        EXPECT_EQ(Grid.TakeLog(), Case.Log);
+        EXPECT_EQ(Grid.State(), Before);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal);
+    }
+}
+
+TEST(GridDrag, EscAndTheLossOfTheMousePutBackWhatWasSized) {
+    for (const int Way : {0, 1, 2}) {
+        TDragGrid Grid;
+        Grid.Down(151, 10);
+        EXPECT_EQ(Grid.GetGridState(), gsColSizing);
+        Grid.Move(191, 10);
+        EXPECT_EQ(Grid.GetColWidths(1), 115);
+        if (Way == 0) Grid.Escape();
+        if (Way == 1) Grid.Perform(WM_CANCELMODE, 0, 0);
+        if (Way == 2) Grid.Send(WM_MOUSEMOVE, 195, 10, {});
+        EXPECT_EQ(Grid.GetColWidths(1), 75);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal);
+        Grid.Move(250, 10);
+        Grid.Up(250, 10);
+        EXPECT_EQ(Grid.Widths(), "75 75 75 75 75 ");
+    }
+}
+
+TEST(GridDrag, ADoubleClickFitsTheColumnToItsWidestVisibleText) {
+    TDragGrid Grid;
+    Grid.OnGetEditText = [](TObject*, int Col, int Row, std::string& Value) {
+        if (Col == 1)
+            Value = Row == 19 ? std::string(100, 'W') : Row == 3 ? "the widest text in view" : "short";
+        if (Col == 3 && Row == 0) Value = "only the heading";
+    };
+    const auto Needed = [&](const char* Text) { return Grid.GetCanvas()->TextWidth(Text) + 8; };
+    const auto DoubleClick = [&](int X) {
+        Grid.Down(X, 10);
+        Grid.Up(X, 10);
+        Grid.Send(WM_LBUTTONDBLCLK, X, 10);
+        Grid.Up(X, 10);
+    };
+    DoubleClick(151);
+    EXPECT_EQ(Grid.GetColWidths(1), Needed("the widest text in view"));
+    Grid.SetColWidths(1, 20);
+    DoubleClick(96 + 76); // column 2 has no texts
+    EXPECT_EQ(Grid.GetColWidths(2), 75);
+    DoubleClick(96 + 2 * 76);
+    EXPECT_EQ(Grid.GetColWidths(3), Needed("only the heading"));
+    EXPECT_EQ(Grid.GetGridState(), gsNormal);
+}
+
+TEST(GridDrag, TheCursorTellsWhatAPressWouldSize) {
+    TDragGrid Grid;
+    const auto CursorAt = [&](int X, int Y) {
+        Grid.Perform(WM_SETCURSOR, 0, MakePointParam(X, Y));
+        return Grid.GetAppliedCursor();
+    };
+    EXPECT_EQ(CursorAt(151, 10), TCustomExGrid::HorzCursor);
+    EXPECT_EQ(CursorAt(10, 74), TCustomExGrid::VertCursor);
+    EXPECT_EQ(CursorAt(110, 10), crDefault);
+}
+
+TEST(GridDrag, AColumnMovesToTheGapNearestToTheMouse) {
+    struct TCase {
+        const char* What;
+        TBiDiMode Mode;
+        int FromX, ToX;
+        const char* Log;
+    };
+    const int Far = Mouse.GetDragThreshold();
+    const TCase Cases[] = {
+        {"behind the half of another", bdLeftToRight, 100, 200, "begin1 end1>2 col1>2 "},
+        {"before it nothing", bdLeftToRight, 100, 185, "begin1 end1>1 "},
+        {"over two", bdLeftToRight, 100, 280, "begin1 end1>3 col1>3 "},
+        {"back", bdLeftToRight, 250, 90, "begin3 end3>1 col3>1 "},
+        {"over the fixed column", bdLeftToRight, 250, 5, "begin3 end3>1 col3>1 "},
+        {"outside", bdLeftToRight, 100, 900, "begin1 end1>3 col1>3 "},
+        {"mirrored", bdRightToLeft, 204, 100, "begin1 end1>2 col1>2 "},
+        {"not yet", bdLeftToRight, 100, 100 + Far, "begin1 end1>1 click1,0 "},
+        {"a click", bdLeftToRight, 100, 100, "begin1 end1>1 click1,0 "},
+        {"a fixed column stays", bdLeftToRight, 30, 200, ""},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        TDragGrid Grid;
+        Grid.SetBiDiMode(Case.Mode);
+        Grid.Drag(Case.FromX, 10, Case.ToX, 10);
+        EXPECT_EQ(Grid.TakeLog(), Case.Log);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal);
+        EXPECT_FALSE(Grid.HasTimer(TCustomExGrid::ScrollTimerID));
+    }
+}
+
+TEST(GridDrag, AMovedColumnTakesItsWidthAndTheCurrentCellAlong) {
+    TDragGrid Grid;
+    Grid.SetColWidths(1, 50);
+    Grid.Focus(1, 3);
+    Grid.Drag(90, 10, 190, 10);
+    EXPECT_EQ(Grid.Widths(), "75 75 50 75 75 ");
+    EXPECT_EQ(Grid.State(), "2,3 [2,3..2,3] @1,1");
+}
+
+TEST(GridDrag, TheHooksOfAMoveDecide) {
+    TDragGrid Grid;
+    Grid.MayBegin = false;
+    Grid.Drag(100, 10, 200, 10);
+    EXPECT_EQ(Grid.TakeLog(), "begin1 ");
+    Grid.MayBegin = true;
+    Grid.Refused = 2;
+    Grid.Down(100, 10);
+    Grid.Move(200, 10);
+    EXPECT_EQ(Grid.GetAppliedCursor(), crNoDrop);
+    Grid.Up(200, 10);
+    EXPECT_EQ(Grid.TakeLog(), "begin1 end1>1 ");
+    EXPECT_EQ(Grid.GetAppliedCursor(), crDefault);
+    Grid.OnCheck = [](int& Destination) { Destination = 4; };
+    Grid.Drag(100, 10, 200, 10);
+    EXPECT_EQ(Grid.TakeLog(), "begin1 end1>4 col1>4 ");
+    Grid.OnCheck = nullptr;
+    Grid.MayEnd = false;
+    Grid.Drag(100, 10, 280, 10);
+    EXPECT_EQ(Grid.TakeLog(), "begin1 end1>3 ");
+}
+
+TEST(GridDrag, RowsMoveByTheirFixedCellsOrWithoutThoseByAny) {
+    TDragGrid Grid;
+    Grid.Drag(10, 35, 10, 95);
+    EXPECT_EQ(Grid.TakeLog(), "row1>3 ");
+    Grid.Drag(100, 35, 100, 95);
+    EXPECT_EQ(Grid.TakeLog(), "");
+    Grid.SetFixedCols(0);
+    Grid.Drag(100, 85, 100, 30);
+    EXPECT_EQ(Grid.TakeLog(), "row3>1 ");
+}
+
+TEST(GridDrag, AMoveScrollsAtTheEdges) {
+    TDragGrid Grid;
+    Grid.Down(100, 10);
+    Grid.Tick(303, 10, 8); // not before the move has begun
+    EXPECT_EQ(Grid.GetLeftCol(), 1);
+    Grid.Move(250, 10);
+    Grid.Tick(250, 10, 8);
+    EXPECT_EQ(Grid.GetLeftCol(), 1);
+    Grid.Tick(303, 10, 8);
+    EXPECT_EQ(Grid.GetLeftCol(), 2);
+    Grid.Up(303, 10);
+    EXPECT_EQ(Grid.TakeLog(), "begin1 end1>4 col1>4 ");
+    Grid.Down(10, 110);
+    Grid.Move(10, 90);
+    Grid.Tick(10, 200, 3);
+    EXPECT_EQ(Grid.GetTopRow(), 4);
+    Grid.Tick(10, 5, 9);
+    EXPECT_EQ(Grid.GetTopRow(), 1);
+    Grid.Escape();
+    EXPECT_EQ(Grid.TakeLog(), "");
+}
+
+TEST(GridDrag, PictureAndMarkFollowTheMouseAndLeaveNoTrace) {
+    for (const TBiDiMode Mode : {bdLeftToRight, bdRightToLeft}) {
+        TDragGrid Grid;
+        Grid.SetBiDiMode(Mode);
+        Grid.OnDrawCell = [&](TObject*, TCanvas& Canvas, int Col, int Row, TRect Rect, TExGridDrawState) {
+            Canvas.GetBrush()->SetColor(Row == 0 ? clBtnFace : clWhite);
+            Canvas.FillRect(Rect);
+            Canvas.TextOut(Rect.Left + 3, Rect.Top + 3, Show(TGridCoord{Col, Row}));
+        };
+        Grid.Invalidate();
+        const auto Fresh = [&] {
+            Grid.Invalidate();
+            return Grid.GetSurfaceImage();
+        };
+        const QImage Before = Fresh();
+        Grid.Down(150 + 20, 10);
+        for (const int X : {190, 60, 280, 130}) {
+            Grid.Move(X, 40);
+            if (X == 280) Grid.InvalidateCell(2, 2);
+            const QImage Seen = Grid.GetSurfaceImage();
+            EXPECT_NE(Seen, Before) << X;
+            EXPECT_LE(Difference(Seen, Fresh()), 2) << X;
+        }
+        Grid.Tick(-5, 10, 4);
+        EXPECT_LE(Difference(Grid.GetSurfaceImage(), Fresh()), 2) << "after scrolling";
+        Grid.SetLeftCol(1);
+        Grid.Escape();
+        EXPECT_EQ(Grid.GetSurfaceImage(), Before);
+        EXPECT_EQ(Grid.GetGridState(), gsNormal);
+    }
+}
+
+// Each handler does its worst in the middle of a drag; afterwards the grid works.
+TEST(GridDrag, HandlersMayTakeTheGridApartMeanwhile) {
+    using TAct = std::function<void(TDragGrid*&)>;
+    const std::pair<const char*, TAct> Acts[] = {
+        {"destroys", [](TDragGrid*& Grid) { delete std::exchange(Grid, nullptr); }},
+        {"shrinks", [](TDragGrid*& Grid) { Grid->SetColCount(2); }},
+        {"cancels", [](TDragGrid*& Grid) { Grid->CancelDrag(); }},
+        {"recreates", [](TDragGrid*& Grid) { Grid->RecreateWnd(); }},
+    };
+    for (const auto& [What, Act] : Acts) {
+        for (const int Moment : {0, 1, 2, 3}) {
+            SCOPED_TRACE(std::string(What) + " at " + std::to_string(Moment));
+            auto* Grid = new TDragGrid;
+            bool Done = false;
+            const auto Once = [&] {
+                if (!std::exchange(Done, true)) Act(Grid);
+            };
+            if (Moment == 0) Grid->OnColumnWidthChanging = [&](int, int&) { Once(); };
+            if (Moment == 1) Grid->OnColumnWidthChanged = [&](int, int) { Once(); };
+            if (Moment == 2) Grid->OnCheck = [&](int&) { Once(); };
+            if (Moment == 3) Grid->OnColumnMoved = [&](TObject*, int, int) { Once(); };
+            const int X = Moment < 2 ? 227 : 170;
+            Grid->Down(X, 10);
+            for (const int To : {260, 290}) {
+                if (Grid) Grid->Move(To, 10);
+            }
+            if (Grid) Grid->Up(290, 10);
+            EXPECT_TRUE(Done);
+            if (!Grid) continue;
+            EXPECT_EQ(Grid->GetGridState(), gsNormal);
+            Grid->Update();
+            delete Grid;
+        }
+    }
+}
+
+} // namespace
+} // namespace quill::testing

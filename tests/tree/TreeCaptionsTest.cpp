@@ -1,0 +1,230 @@
+// Captions, sort arrow, clicks on them, and sizing and moving in a tree.
+#include "tests/tree/TreeTestSupport.h"
+
+#include "host/graphics/RecordingCanvas.h"
+
+#include <QSignalSpy>
+
+#include <cstdio>
+
+namespace quill {
+namespace {
+
+// Columns of 100 pixels with captions above them.
+class TCaptionTree : public TTestTree {
+public:
+    TCaptionTree() {
+        SetFixedRows(1);
+        SetColCount(3);
+        Build("Fruit+\n Apple\n Pear\nNuts");
+        SetOptions({goFixedVertLine, goFixedHorzLine, goVertLine, goHorzLine, goRangeSelect, goColSizing,
+                    goRowSizing, goColMoving});
+        for (int Col = 0; Col < 3; ++Col) SetColWidths(Col, 100);
+        for (const auto& [Col, Text] : {std::pair(0, "Name"), {1, "Size"}, {2, "Date"}})
+            SetCaptions(Col, Text);
+        HandleNeeded();
+        Update();
+    }
+    void ColSized(int ACol, int OldWidth, int NewWidth) override {
+        Log += "col" + std::to_string(ACol) + ":" + std::to_string(OldWidth) + ">" +
+               std::to_string(NewWidth) + " ";
+    }
+    void RowSized(int ARow, int OldHeight, int NewHeight) override {
+        Log += "row" + std::to_string(ARow) + ":" + std::to_string(OldHeight) + ">" +
+               std::to_string(NewHeight) + " ";
+    }
+    void CaptionClick(int DataCol) override {
+        Log += "click" + std::to_string(DataCol) + " ";
+        TTestTree::CaptionClick(DataCol);
+    }
+
+    void Send(unsigned Msg, int X, int Y, TShiftState Shift = ssLeft) {
+        Perform(Msg, Shift.Bits(), MakePointParam(X, Y));
+    }
+    void Drag(int X, int Y, int ToX, int ToY) {
+        Send(WM_LBUTTONDOWN, X, Y);
+        if (X != ToX || Y != ToY) Send(WM_MOUSEMOVE, ToX, ToY);
+        Send(WM_LBUTTONUP, ToX, ToY, {});
+    }
+    std::string TakeLog() { return std::exchange(Log, {}); }
+    // Whether the text of any cell of a column is drawn into less than it needs.
+    bool CutsTexts(int Col) {
+        bool More = true;
+        bool Cut = false;
+        for (int Row = 0; Row < GetRowCount(); ++Row) {
+            TRecordingCanvas Canvas;
+            Canvas.SetFont(GetFont());
+            DrawCell(Canvas, Col, Row, CellRect(Col, Row), Row == 0 ? gdFixed : TExGridDrawState(), More);
+            TRect R;
+            if (std::sscanf(Canvas.GetLog("Text").c_str(), "Text (%d,%d,%d,%d)", &R.Left, &R.Top, &R.Right,
+                            &R.Bottom) == 4)
+                Cut = Cut || R.Width() < Canvas.TextWidth(GetEditText(Col, Row));
+        }
+        return Cut;
+    }
+
+    std::string Log;
+};
+
+TEST(TreeCaptions, StandWithTheirDataAndGiveWayToTheProgramsTexts) {
+    TCaptionTree Tree;
+    const auto Texts = [&] {
+        std::string Result;
+        for (int Col = 0; Col < 4; ++Col) Result += Tree.GetEditText(Col, 0) + "|";
+        return Result;
+    };
+    EXPECT_EQ(Texts(), "Name|Size|Date||");
+    Tree.MoveColumn(1, 2);
+    EXPECT_EQ(Texts(), "Name|Date|Size||");
+    Tree.OnGetEditText = [](TObject*, int Col, int Row, std::string& Value) {
+        if (Col == 0 && Row == 0) Value = "Mine";
+    };
+    EXPECT_EQ(Texts(), "Mine|Date|Size||");
+    Tree.SetFixedRows(0);
+    EXPECT_EQ(Tree.GetEditText(1, 0), "") << "a caption is no text of a node";
+    Tree.SetCaptions(-1, "nothing");
+    EXPECT_EQ(Tree.GetCaptions(-1) + Tree.GetCaptions(99), "");
+}
+
+TEST(TreeCaptions, AClickTellsTheDataColumn) {
+    TCaptionTree Tree;
+    QSignalSpy Clicked(&Tree, &TCaptionTree::captionClicked);
+    int Told = -1;
+    Tree.OnCaptionClick = [&](TObject* Sender, int DataCol) {
+        EXPECT_EQ(Sender, &Tree);
+        Told = DataCol;
+    };
+    Tree.MoveColumn(1, 2);
+    Tree.Drag(150, 10, 150, 10);
+    EXPECT_EQ(Tree.TakeLog(), "click2 ");
+    EXPECT_EQ(Told, 2);
+    EXPECT_EQ(Clicked.count(), 1);
+    Tree.Drag(150, 10, 150, 60); // released elsewhere
+    Tree.Drag(150, 60, 150, 10);
+    EXPECT_EQ(Tree.TakeLog(), "");
+    auto* Doomed = new TCaptionTree;
+    Doomed->OnCaptionClick = [&](TObject*, int) { delete std::exchange(Doomed, nullptr); };
+    Doomed->Drag(50, 10, 50, 10);
+    EXPECT_EQ(Doomed, nullptr);
+}
+
+TEST(TreeCaptions, TheArrowPointsInTheSortedDirection) {
+    TCaptionTree Tree;
+    const auto Dark = [&](int Left, int Right) {
+        // Lines of the arrow from top to bottom, by their width in pixels.
+        std::string Result;
+        const QImage Image = Tree.GetSurfaceImage();
+        const QColor Ink = Tree.palette().color(QPalette::ButtonText);
+        for (int Y = 2; Y < 20; ++Y) {
+            int Count = 0;
+            for (int X = Left; X < Right; ++X) Count += Image.pixelColor(X, Y) == Ink;
+            if (Count > 0) Result += std::to_string(Count) + " ";
+        }
+        return Result;
+    };
+    const auto AtEnd = [&](int Col) {
+        const TRect R = Tree.CellRect(Col, 0);
+        return Tree.UseRightToLeftAlignment() ? Dark(R.Left + 3, R.Left + 14)
+                                              : Dark(R.Right - 14, R.Right - 3);
+    };
+    EXPECT_EQ(AtEnd(1), "");
+    Tree.SetSortColumn(1);
+    EXPECT_EQ(AtEnd(1), "1 3 5 7 9 ");
+    Tree.SetSortDirection(srtDescending);
+    EXPECT_EQ(AtEnd(1), "9 7 5 3 1 ");
+    Tree.MoveColumn(1, 2);
+    EXPECT_EQ(AtEnd(1) + "/" + AtEnd(2), "/9 7 5 3 1 ");
+    Tree.SetBiDiMode(bdRightToLeft);
+    EXPECT_EQ(AtEnd(2), "9 7 5 3 1 ");
+    Tree.SetSortColumn(-1);
+    EXPECT_EQ(AtEnd(2), "");
+}
+
+TEST(TreeSizing, AFinishedSizingIsReportedOnce) {
+    struct TCase {
+        const char* What;
+        int X, Y, ToX, ToY;
+        const char* Log;
+    };
+    const TCase Cases[] = {
+        {"a column", 100, 10, 130, 10, "col0:100>130 "},
+        {"from the far side of its line", 103, 10, 93, 10, "col0:100>90 "},
+        {"a click on the border", 100, 10, 100, 10, "col0:100>100 "},
+        {"a row", 5, 49, 5, 59, "row1:24>34 "},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        TCaptionTree Tree;
+        if (Case.Y > 24) {
+            Tree.SetColCount(4);
+            Tree.SetFixedCols(1);
+            Tree.SetStructureCol(1);
+        }
+        Tree.Drag(Case.X, Case.Y, Case.ToX, Case.ToY);
+        EXPECT_EQ(Tree.TakeLog(), Case.Log);
+        Tree.Drag(150, 60, 150, 60);
+        EXPECT_EQ(Tree.TakeLog(), "");
+        if (Case.Y > 24) {
+            EXPECT_EQ(Tree.GetNodeAtRow(1)->GetHeightField(), 34);
+        }
+    }
+    TCaptionTree Tree;
+    Tree.Send(WM_LBUTTONDOWN, 100, 10);
+    Tree.Send(WM_MOUSEMOVE, 140, 10);
+    Tree.Perform(WM_KEYDOWN, VK_ESCAPE, 0);
+    Tree.Send(WM_LBUTTONUP, 140, 10, {});
+    EXPECT_EQ(Tree.GetColWidths(0), 100);
+    EXPECT_EQ(Tree.TakeLog(), "") << "what was taken back was not sized";
+}
+
+TEST(TreeSizing, ADoubleClickShowsTheWholeTextOfEveryVisibleNode) {
+    TCaptionTree Tree;
+    Tree.Find("Pear")->SetText("A pear with a rather long name");
+    Tree.Find("Apple")->SetCell(1, "a long text in the second column");
+    Tree.SetSortColumn(2);
+    Tree.SetBounds(0, 0, 900, 400);
+    for (int Col = 0; Col < 3; ++Col) {
+        Tree.FitColumn(Col);
+        EXPECT_FALSE(Tree.CutsTexts(Col)) << Col;
+        Tree.SetColWidths(Col, Tree.GetColWidths(Col) - 12);
+        EXPECT_TRUE(Tree.CutsTexts(Col)) << Col << ": wider than needed";
+    }
+}
+
+TEST(TreeSizing, TheLastColumnThatFillsTheClientHasNoBorder) {
+    TCaptionTree Tree;
+    const auto CursorAt = [&](int X) {
+        Tree.Perform(WM_SETCURSOR, 0, MakePointParam(X, 10));
+        return Tree.GetAppliedCursor();
+    };
+    EXPECT_EQ(CursorAt(302), TCustomExGrid::HorzCursor);
+    Tree.SetFitColumnToClientWidth(true);
+    EXPECT_EQ(CursorAt(398), crDefault);
+    EXPECT_EQ(CursorAt(201), TCustomExGrid::HorzCursor);
+    Tree.Drag(201, 10, 241, 10);
+    EXPECT_EQ(Tree.GetColWidths(1), 140);
+    EXPECT_EQ(Tree.GetColWidths(2), 400 - 101 - 141 - 1);
+}
+
+TEST(TreeMoving, ADroppedRowIsReportedAndMovesNoNode) {
+    TCaptionTree Tree;
+    Tree.SetOptions(Tree.GetOptions() + TGridOptions(goRowMoving) - TGridOptions(goRangeSelect));
+    std::string Moved;
+    Tree.OnRowMoved = [&](TObject*, int From, int To) {
+        Moved += std::to_string(From) + ">" + std::to_string(To);
+    };
+    Tree.Drag(60, 60, 60, 115);
+    EXPECT_EQ(Moved, "2>4");
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear Nuts");
+}
+
+TEST(TreeMoving, ADroppedColumnTakesTheStructureAlong) {
+    TCaptionTree Tree;
+    Tree.Drag(50, 10, 180, 10);
+    EXPECT_EQ(Tree.GetStructureCol(), 1);
+    EXPECT_EQ(Tree.GetColumnOrder(0), 1);
+    EXPECT_EQ(Tree.GetEditText(1, 1), "Fruit");
+}
+
+} // namespace
+} // namespace quill
