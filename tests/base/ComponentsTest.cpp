@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 
 namespace quill {
 
@@ -70,137 +71,79 @@ TEST_F(Components, MovingToAnotherOwnerLeavesTheFirst) {
     Second.InsertComponent(A);
     EXPECT_EQ(First.GetComponentCount(), 0);
     EXPECT_EQ(A->GetOwner(), &Second);
-    EXPECT_THROW(A->InsertComponent(&Second), EInvalidOperation);
-    EXPECT_THROW(A->InsertComponent(A), EInvalidOperation);
+    for (TComponent* Loop : {&Second, A}) EXPECT_THROW(A->InsertComponent(Loop), EInvalidOperation);
 }
 
 TEST_F(Components, FreeNotificationReachesTheWatcherOnceAndEndsWithIt) {
     auto* Watched = new TProbe(nullptr, "watched");
-    TProbe Watcher(nullptr, "watcher");
     auto* Gone = new TProbe(nullptr, "gone");
-    auto* Former = new TProbe(nullptr, "former");
-    Watcher.FreeNotification(Watched);
-    Watcher.FreeNotification(Watched);
-    Gone->FreeNotification(Watched);
-    Former->FreeNotification(Watched);
-    Watched->FreeNotification(Watcher.GetOwner()); // null is ignored
-    Former->RemoveFreeNotification(Watched);
+    TProbe Watcher(nullptr, "watcher");
+    TProbe Former(nullptr, "former");
+    for (TProbe* Each : {&Watcher, &Watcher, Gone, &Former}) Each->FreeNotification(Watched);
+    Watched->FreeNotification(&Watcher); // mutual
+    Watched->FreeNotification(nullptr);
+    Former.RemoveFreeNotification(Watched);
     delete Gone;
     delete Watched;
     EXPECT_EQ(Log, "~gone watched:-gone ~watched watcher:-watched ");
-    delete Former;
-}
-
-TEST_F(Components, MutualFreeNotificationsSurviveBothOrders) {
-    for (const bool FirstFirst : {true, false}) {
-        auto* A = new TProbe(nullptr, "a");
-        auto* B = new TProbe(nullptr, "b");
-        A->FreeNotification(B);
-        B->FreeNotification(A);
-        delete (FirstFirst ? A : B);
-        delete (FirstFirst ? B : A);
-    }
-    EXPECT_EQ(Log, "~a b:-a ~b ~b a:-b ~a ");
 }
 
 TEST_F(Components, NotificationMayDestroyWatchersOwnersAndItself) {
-    struct TCase {
+    struct TScene {
+        TProbe* Owner = new TProbe(nullptr, "owner");
+        TProbe* Watched = new TProbe(Owner, "watched");
+        TProbe* Sibling = new TProbe(Owner, "sibling");
+        TProbe* Watcher = new TProbe(nullptr, "watcher");
+        TProbe* Other = new TProbe(nullptr, "other");
+    };
+    using TMember = TProbe* TScene::*;
+    const struct {
         const char* What;
-        std::function<void(TProbe& Watched, TProbe*& Owner, TProbe*& Watcher, TProbe*& Other)> Arrange;
+        TMember Handler;
+        TMember Victim;
+    } Cases[] = {
+        {"another watcher", &TScene::Watcher, &TScene::Other},
+        {"itself", &TScene::Watcher, &TScene::Watcher},
+        {"the owner of the one that goes", &TScene::Watcher, &TScene::Owner},
+        {"itself as the owner", &TScene::Owner, &TScene::Owner},
+        {"the owner, from a sibling", &TScene::Sibling, &TScene::Owner},
     };
-    const TCase Cases[] = {
-        {"another watcher",
-         [](TProbe&, TProbe*&, TProbe*& Watcher, TProbe*& Other) {
-             Watcher->OnRemove = [&](TComponent*) { delete std::exchange(Other, nullptr); };
-         }},
-        {"itself",
-         [](TProbe&, TProbe*&, TProbe*& Watcher, TProbe*&) {
-             Watcher->OnRemove = [&](TComponent*) { delete std::exchange(Watcher, nullptr); };
-         }},
-        {"the owner of the one that goes",
-         [](TProbe&, TProbe*& Owner, TProbe*& Watcher, TProbe*&) {
-             Watcher->OnRemove = [&](TComponent*) { delete std::exchange(Owner, nullptr); };
-         }},
-        {"itself as the owner",
-         [](TProbe&, TProbe*& Owner, TProbe*&, TProbe*&) {
-             Owner->OnRemove = [&](TComponent*) { delete std::exchange(Owner, nullptr); };
-         }},
-        {"the owner, from a sibling",
-         [](TProbe&, TProbe*& Owner, TProbe*&, TProbe*&) {
-             auto* Sibling = new TProbe(Owner, "sibling");
-             new TProbe(Owner, "sibling2");
-             Sibling->OnRemove = [&](TComponent*) { delete std::exchange(Owner, nullptr); };
-         }},
-    };
-    for (const TCase& Case : Cases) {
+    for (const auto& Case : Cases) {
         SCOPED_TRACE(Case.What);
-        auto* Owner = new TProbe(nullptr, "owner");
-        auto* Watched = new TProbe(Owner, "watched");
-        auto* Watcher = new TProbe(nullptr, "watcher");
-        auto* Other = new TProbe(nullptr, "other");
-        Other->FreeNotification(Watched);
-        Watcher->FreeNotification(Watched);
-        Case.Arrange(*Watched, Owner, Watcher, Other);
+        TScene Scene;
+        Scene.Other->FreeNotification(Scene.Watched);
+        Scene.Watcher->FreeNotification(Scene.Watched);
+        (Scene.*Case.Handler)->OnRemove = [&](TComponent*) {
+            delete std::exchange(Scene.*Case.Victim, nullptr);
+        };
         Log.clear();
-        delete Watched;
+        delete Scene.Watched;
         EXPECT_EQ(Log.find("~watched "), 0u);
         EXPECT_EQ(Log.find("~watched", 1), std::string::npos) << Log;
-        delete Owner;
-        delete Watcher;
-        delete Other;
+        for (TProbe* Left : {Scene.Owner, Scene.Watcher, Scene.Other}) delete Left;
     }
 }
 
 TEST_F(Components, GuardKnowsWhetherTheComponentSurvived) {
-    auto* Probe = new TProbe(nullptr, "probe");
-    {
-        const TComponentGuard Inner(Probe);
-        EXPECT_FALSE(Inner.IsGone());
-    }
-    const TComponentGuard First(Probe);
-    const TComponentGuard Second(Probe);
-    const TComponentGuard None(nullptr);
+    auto Probe = std::make_unique<TProbe>(nullptr, "probe");
+    const TComponentGuard First(Probe.get());
+    EXPECT_FALSE(TComponentGuard(Probe.get()).IsGone());
+    const TComponentGuard Second(Probe.get());
     EXPECT_FALSE(First.IsGone() || Second.IsGone());
-    delete Probe;
-    EXPECT_TRUE(First.IsGone() && Second.IsGone() && None.IsGone());
-}
-
-TEST_F(Components, LoadingAndDesigningStates) {
-    struct TLoading : TComponent {
-        void Loaded() override {
-            WasReading = HasState(csReading);
-            WasLoading = HasState(csLoading);
-            TComponent::Loaded();
-        }
-        bool WasReading = true, WasLoading = false;
-    };
-    TLoading Component;
-    Component.BeginLoading();
-    EXPECT_TRUE(Component.HasState(csLoading) && Component.HasState(csReading));
-    Component.EndLoading();
-    EXPECT_TRUE(Component.WasLoading);
-    EXPECT_FALSE(Component.WasReading || Component.HasState(csLoading));
-
-    Component.SetDesigning(true);
-    const auto* Child = new TComponent(&Component);
-    EXPECT_TRUE(Child->HasState(csDesigning));
-    Component.SetDesigning(false);
-    EXPECT_FALSE(Child->HasState(csDesigning));
+    Probe.reset();
+    EXPECT_TRUE(First.IsGone() && Second.IsGone() && TComponentGuard(nullptr).IsGone());
 }
 
 TEST(Persistent, AssignNamesBothClassesWhenItCannotBeDone) {
     TStringList List;
     TComponent Component;
-    const auto MessageOf = [&](TPersistent* Source) {
-        try {
-            List.Assign(Source);
-        } catch (const EConvertError& Error) {
-            return Error.GetMessage();
-        }
-        return std::string("no error");
-    };
-    EXPECT_EQ(MessageOf(&Component), "Cannot assign a TComponent to a TStringList");
-    EXPECT_EQ(MessageOf(nullptr), "Cannot assign a null to a TStringList");
+    try {
+        List.Assign(&Component);
+        ADD_FAILURE();
+    } catch (const EConvertError& Error) {
+        EXPECT_EQ(Error.GetMessage(), "Cannot assign a TComponent to a TStringList");
+    }
+    EXPECT_THROW(List.Assign(nullptr), EConvertError);
 }
 
 TEST(Reflection, PropertiesAreFoundInTheClassBeforeItsParents) {
