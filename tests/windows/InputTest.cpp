@@ -96,23 +96,25 @@ TEST_F(InputInWindow, ClickSequence) {
 TEST(Input, DoubleClicksAndOtherButtons) {
     TActive Control;
     Control.LogMouse = true;
-    std::string Presses;
-    Control.OnDblClick = [&](TObject*) { Presses += "dbl;"; };
-    Control.OnMouseDown = [&](TObject*, TMouseButton, TShiftState Shift, int, int) {
-        Presses += ShiftText(Shift) + ";";
-    };
     QWindow* Window = Control.windowHandle();
-    QTest::mouseDClick(Window, Qt::LeftButton, {}, Control.At(20, 20));
-    EXPECT_EQ(Presses, "left;dbl;left+double;");
+    const auto DoubleClick = [&] {
+        std::string Presses;
+        Control.OnDblClick = [&](TObject*) { Presses += "dbl;"; };
+        Control.OnMouseDown = [&](TObject*, TMouseButton, TShiftState Shift, int, int) {
+            Presses += ShiftText(Shift) + ";";
+        };
+        QTest::mouseDClick(Window, Qt::LeftButton, {}, Control.At(20, 20));
+        Control.OnMouseDown = nullptr;
+        return Presses;
+    };
+    EXPECT_EQ(DoubleClick(), "left;dbl;left+double;");
     EXPECT_NE(Control.Take().find("lup 20,20; ldbl 20,20 left; lup 20,20"), std::string::npos);
     Control.SetControlStyle({csClickEvents});
-    Presses.clear();
     QTest::qWait(QApplication::doubleClickInterval() + 20);
-    QTest::mouseDClick(Window, Qt::LeftButton, {}, Control.At(20, 20));
-    EXPECT_EQ(Presses, "left;left;") << "a control without double clicks";
+    EXPECT_EQ(DoubleClick(), "left;left;") << "a control without double clicks";
     Control.Take();
-    QTest::mouseClick(Window, Qt::RightButton, {}, Control.At(20, 20));
-    QTest::mouseClick(Window, Qt::MiddleButton, {}, Control.At(20, 20));
+    for (const Qt::MouseButton Button : {Qt::RightButton, Qt::MiddleButton})
+        QTest::mouseClick(Window, Button, {}, Control.At(20, 20));
     EXPECT_EQ(Control.Take(), "rdown 20,20 right; rup 20,20; mdown 20,20 middle; mup 20,20");
 }
 
@@ -261,9 +263,6 @@ TEST(Input, VirtualKeys) {
         {Qt::Key_7, true, VK_NUMPAD0 + 7},
         {Qt::Key_Plus, true, VK_ADD},
         {Qt::Key_Plus, false, VK_OEM_PLUS},
-        {Qt::Key_Minus, true, VK_SUBTRACT},
-        {Qt::Key_Minus, false, VK_OEM_MINUS},
-        {Qt::Key_Asterisk, true, VK_MULTIPLY},
         {Qt::Key_Asterisk, false, '8'},
         {Qt::Key_F24, false, VK_F24},
         {Qt::Key_Up, true, VK_UP},
@@ -271,7 +270,6 @@ TEST(Input, VirtualKeys) {
         {Qt::Key_Enter, true, VK_RETURN},
         {Qt::Key_Backtab, false, VK_TAB},
         {Qt::Key_Adiaeresis, false, 0},
-        {Qt::Key_unknown, false, 0},
     };
     for (const auto& Case : Cases) EXPECT_EQ(VirtualKeyFromQt(Case.Qt, Case.Keypad), Case.Key) << Case.Qt;
 }
