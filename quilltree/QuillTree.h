@@ -226,6 +226,8 @@ public:
     void SelectOne(int Row) override;
     void SelectItem(TFlyNode* Node) override;
     void FlushSelection();
+    // Marks every row; only with goRangeSelect.
+    void SelectAll();
     void FillSelectedList(std::vector<TFlyNode*>& List);
     bool InSelection(int ACol, int ARow) override;
     virtual bool CanChange(TFlyNode* Node);

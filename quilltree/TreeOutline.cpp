@@ -61,6 +61,13 @@ bool TCustomQuillTree::CanScrollPixels(int DX, int DY) {
     // Outline centres are on odd columns of the screen.
     if (DX % 2 != 0 || (DY % 2 != 0) != (Phase != FPhase)) return false;
     FPhase = Phase;
+    // Lines reach a little way into the row above: the edges at which rows appear or go are painted as well. What is
+    // invalid moves with its pixels.
+    TExGridDI DI;
+    CalcDI(DI);
+    const auto MarkEdge = [&](int Y) { InvalidatePixels({0, Y - 1, GetClientWidth(), Y + 1}); };
+    if (DY > 0) MarkEdge(DI.Vert.FixedBoundary + 1);
+    if (DY != 0) MarkEdge(GetClientHeight() - std::max(DY, 0) - 1);
     return true;
 }
 

@@ -187,7 +187,7 @@ void TCustomQuillTree::InsertRows(int Index, int Count) {
     if (!Guard || FFitToHeight || IsLoading() || !HeightsMatter()) return;
     const int Default = GetDefaultRowHeight();
     StoreHeights(Index + 1 + Count, GetRowCount() - 1, true,
-                 [this, Count](int Row, int) { return HeightOfRow(Row - Count); });
+                 [this, Count](int Row, int) { return GetRowHeights(Row - Count); });
     if (!Guard) return;
     StoreHeights(Index + 1, Index + Count, false,
                  [Default](int, int Height) { return Height > 0 ? Height : Default; });
@@ -202,7 +202,7 @@ void TCustomQuillTree::DeleteRows(int Index, int Count) {
         // Under FitToHeight storing only forgets measured heights, so nothing is measured to be moved. The last Count
         // rows go away.
         StoreHeights(Index + 1, GetRowCount() - Count - 1, false,
-                     [this, Count](int Row, int) { return FFitToHeight ? -1 : HeightOfRow(Row + Count); });
+                     [this, Count](int Row, int) { return FFitToHeight ? -1 : GetRowHeights(Row + Count); });
     }
     if (Guard) SetRowCount(GetRowCount() - Count);
 }
@@ -235,14 +235,6 @@ bool TCustomQuillTree::HeightsMatter() const {
 bool TCustomQuillTree::HasHeightWatchers() const {
     return !StoresPlainTexts() || OnRowHeightChanging || OnRowHeightChanged ||
            HasListener("rowHeightChanged(int,int)");
-}
-
-// The height of a row; a placeholder has the default height and is not made real to say so.
-int TCustomQuillTree::HeightOfRow(int Row) {
-    const int Index = Row - GetFixedRows();
-    const bool IsPlaceholder =
-        Index >= 0 && Index < FItems->RowList.GetCount() && !FItems->RowList.NodeAt(Index);
-    return IsPlaceholder ? GetDefaultRowHeight() : GetRowHeights(Row);
 }
 
 // Stores HeightOf(Row, the node's own height) in the nodes of the rows First .. Last, from the last row up when Down.
@@ -284,6 +276,10 @@ int TCustomQuillTree::GetRowHeights(int Row) {
     if (HasUniformHeights() && Row >= GetFixedRows() && Row - GetFixedRows() < FItems->RowList.GetCount()) {
         return GetDefaultRowHeight();
     }
+    // A placeholder is made real only to be measured.
+    const int Index = Row - GetFixedRows();
+    const bool HasEntry = FItems && Index >= 0 && Index < FItems->RowList.GetCount();
+    if (HasEntry && !FFitToHeight && !FItems->RowList.NodeAt(Index)) return GetDefaultRowHeight();
     if (TFlyNode* Node = GetNodeAtRow(Row)) return RecalcNodeHeight(Node);
     return TCustomExGrid::GetRowHeights(Row);
 }

@@ -103,6 +103,10 @@ void TCustomQuillTree::FlushSelection() {
     InvalidateRect(SelectionColumns(GetFixedRows() + First, GetFixedRows() + Last));
 }
 
+void TCustomQuillTree::SelectAll() {
+    if (IsRangeSelect()) MarkRange(GetFixedRows(), GetRowCount() - 1, true);
+}
+
 void TCustomQuillTree::FillSelectedList(std::vector<TFlyNode*>& List) {
     if (!FItems) return;
     for (TFlyNode* Node = FItems->GetFirstSelectedNode(); Node; Node = FItems->GetNextSelectedNode(Node)) {
@@ -140,7 +144,7 @@ bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftS
         Result = !HadNode && FItems && FItems->RowList.GetCount() == 0;
     }
     if (Result) {
-        ApplyMarks(Marks, ARow);
+        ApplyMarks(Marks, Old, GetNodeAtRow(ARow));
         if (!Guard) return false;
         TFlyNode* Node = GetNodeAtRow(ARow);
         if (MoveAnchor) FAnchorNode = Node;
@@ -158,8 +162,7 @@ bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftS
 }
 
 // The marks of an allowed move; a refused one leaves all as they are.
-void TCustomQuillTree::ApplyMarks(TFocusMarks Marks, int Row) {
-    TFlyNode* const Node = GetNodeAtRow(Row);
+void TCustomQuillTree::ApplyMarks(TFocusMarks Marks, TFlyNode* Old, TFlyNode* Node) {
     if (!Node) return;
     switch (Marks) {
     case TFocusMarks::Keep:
@@ -167,10 +170,11 @@ void TCustomQuillTree::ApplyMarks(TFocusMarks Marks, int Row) {
     case TFocusMarks::Anchor:
         FAnchorNode = Node;
         break;
-    case TFocusMarks::AloneWithAnchor:
-        FAnchorNode = Node;
-        [[fallthrough]];
+    case TFocusMarks::AnchorHere:
+        FAnchorNode = Old;
+        break;
     case TFocusMarks::Alone:
+        FAnchorNode = Node;
         FlushSelection();
         [[fallthrough]];
     case TFocusMarks::Add:
@@ -245,11 +249,12 @@ void TCustomQuillTree::FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftStat
     TFocusMarks Marks = std::exchange(FSelectingAlone, false) ? TFocusMarks::Alone : TFocusMarks::Keep;
     if (ARow != GetRow()) {
         if (IsRangeSelect() && !(Way != swNone && MoveAnchor)) {
-            // A range keeps the anchor from which it extends.
-            if (Way != swNone && (!Shift.Contains(ssShift) || !FAnchorNode)) Marks = TFocusMarks::Anchor;
-        } else if (Node && (Marks == TFocusMarks::Alone || IsRangeSelect() || !Node->GetSelected())) {
+            // A range keeps the anchor from which it extends; the first one begins at the current node.
+            if (Way != swNone && !Shift.Contains(ssShift)) Marks = TFocusMarks::Anchor;
+            if (Way != swNone && Shift.Contains(ssShift) && !FAnchorNode) Marks = TFocusMarks::AnchorHere;
+        } else if (Node && (IsRangeSelect() || !Node->GetSelected())) {
             // A plain click or arrow key leaves no other node marked.
-            Marks = TFocusMarks::AloneWithAnchor;
+            Marks = TFocusMarks::Alone;
         }
     } else if (Node && !Node->GetSelected() && Marks == TFocusMarks::Keep) {
         const bool ByLeft = Shift == TShiftState(ssLeft);

@@ -269,5 +269,40 @@ TEST(TreePaint, AMillionLevelsPaintWithoutWalkingThemForEveryRow) {
     EXPECT_EQ(Tree.GetNodeAtRow(999999), Node);
 }
 
+// Rows of the default height are an odd number of pixels apart, and dots and boxes keep to every second line.
+TEST(TreePaint, MovedPixelsAreWhatARepaintWouldShow) {
+    struct TCountingTree : TTestTree {
+        void DrawStructureNode(TCanvas& Canvas, TFlyNode* Node, const TRect& Rect, int ARow, int ACol,
+                               TExGridDrawState State) override {
+            ++Drawn;
+            TTestTree::DrawStructureNode(Canvas, Node, Rect, ARow, ACol, State);
+        }
+        int Drawn = 0;
+    };
+    for (const int Height : {24, 19}) {
+        for (const bool OwnHeight : {false, true}) {
+            TCountingTree Tree;
+            Tree.SetShowLogic(true);
+            Tree.SetDefaultRowHeight(Height);
+            std::string Text;
+            for (int I = 0; I < 40; ++I) Text += "Node+\n Child+\n  Leaf\n";
+            Tree.Build(Text);
+            for (int Row = 0; Row < Tree.GetRowCount(); ++Row) Tree.GetNodeAtRow(Row)->SetStateIndex(1);
+            if (OwnHeight) Tree.SetRowHeights(3, 41);
+            Tree.HandleNeeded();
+            Tree.Update();
+            for (const int Top : {1, 2, 4, 5, 2, 3, 60, 61, 63}) {
+                const bool Near = std::abs(Top - Tree.GetTopRow()) < 5;
+                Tree.Drawn = 0;
+                Tree.SetTopRow(Top);
+                const QImage Moved = Tree.GetSurfaceImage();
+                EXPECT_LT(Near && !OwnHeight ? Tree.Drawn : 0, 8) << "no full paint at row " << Top;
+                Tree.Invalidate();
+                EXPECT_EQ(Moved, Tree.GetSurfaceImage()) << Height << " at row " << Top;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace quill

@@ -187,6 +187,32 @@ TEST(TreeHeights, AreStoredPerNodeAndMoveWithIt) {
     EXPECT_EQ(Tree.Find("Fruit")->GetHeight(), 35);
 }
 
+// One node with a height of its own makes the heights below shift; that tells once and creates nothing.
+TEST(TreeHeights, ShiftWithoutCreatingNodesAndTellTheGridOnce) {
+    struct TCountingTree : TTestTree {
+        void RowHeightsChanged() override {
+            ++Changes;
+            TTestTree::RowHeightsChanged();
+        }
+        int Changes = 0;
+    } Tree;
+    int Made = 0;
+    Tree.OnMaterialise = [&](TObject*, TFlyNode*) { ++Made; };
+    Tree.Build("A\n x\n y\nB\nC\n");
+    Tree.GetItems()->AddPlaceholders(1000);
+    Tree.Find("B")->SetHeight(40);
+    Tree.Changes = 0;
+    Made = 0; // those in view
+    Tree.Find("A")->Expand(false);
+    EXPECT_LE(Tree.Changes, 2);
+    Tree.Changes = 0;
+    Tree.Find("A")->Collapse(false);
+    EXPECT_LE(Tree.Changes, 1);
+    Tree.Find("C")->MoveTo(Tree.Find("A"), naInsert);
+    EXPECT_EQ(Made, 0);
+    Tree.Check();
+}
+
 TEST(TreeHeights, AreMeasuredOnceUnderFitToHeight) {
     TTestTree Tree;
     Tree.Build("A\nB\n");
