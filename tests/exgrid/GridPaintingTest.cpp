@@ -273,7 +273,9 @@ TEST(GridPainting, OnlyCellsThatChangeTheirSelectionAreRequested) {
         {{-1, -1, -1, -1}, {1, 2, 2, 3}, "76,50,228,100"}, {{0, 1, 0, 1}, {2, 3, 2, 3}, "0,25,228,100"},
     };
     for (const TCase& Case : Cases) {
-        Grid.SetSelection(Case.New);
+        Grid.MoveColRow(Case.New.Left, Case.New.Top, true, false);
+        Grid.MoveAnchor({Case.New.Left, Case.New.Top});
+        Grid.MoveColRow(Case.New.Right, Case.New.Bottom, false, false);
         Grid.Update();
         Grid.SelectionMoved(Case.Old);
         EXPECT_EQ(Grid.Invalid(), Case.Invalid) << Show(Case.Old) << " to " << Show(Case.New);
