@@ -87,6 +87,8 @@ public:
     // Whether an extent was ever written; without it every cell of the axis has the default.
     bool HasColWidths() const { return !FColWidths.empty(); }
     bool HasRowHeights() const { return !FRowHeights.empty(); }
+    // Another number after every change of a stored or default width, for descendants that compute widths from them.
+    std::uint64_t GetColWidthsVersion() const { return FColWidthsVersion; }
     // Whether Tab stops on the column.
     bool GetTabStops(int Index) const;
     void SetTabStops(int Index, bool Value);
@@ -483,6 +485,7 @@ private:
     TExtents FRowHeights;
     TExtents FTabStops;
     TExtents FColAlignments;
+    std::uint64_t FColWidthsVersion = 0;
     TGridCoord FTopLeft;
     TGridCoord FCurrent;
     TGridCoord FAnchor;

@@ -78,6 +78,7 @@ void TCustomExGrid::StoreExtent(TExtents& Extents, int Count, int Index, int Val
         Extents[0] = Count;
     }
     Extents[static_cast<std::size_t>(Index) + 1] = Value;
+    if (&Extents == &FColWidths) ++FColWidthsVersion;
 }
 
 int TCustomExGrid::GetColWidths(int Index) {
@@ -149,6 +150,7 @@ void TCustomExGrid::SetColAlignMent(int Index, TAlignment Value) {
 void TCustomExGrid::SetDefaultColWidth(int Value) {
     if (Value == FDefaultColWidth || Value < 0) return;
     FDefaultColWidth = Value;
+    ++FColWidthsVersion;
     InvalidateGrid();
     ColWidthsChanged();
 }
@@ -277,6 +279,7 @@ void TCustomExGrid::ResizeAxes(int NewColCount, int ColIndex, int NewRowCount, i
     ResizeEntries(FTabStops, NewColCount, ColIndex);
     ResizeEntries(FColAlignments, NewColCount, ColIndex);
     ResizeEntries(FRowHeights, NewRowCount, RowIndex);
+    ++FColWidthsVersion;
     FColCount = NewColCount;
     FRowCount = NewRowCount;
     if (FColCount != 1) FHOffset = 0;
@@ -337,6 +340,7 @@ void TCustomExGrid::MoveColumn(int FromIndex, int ToIndex) {
     CheckMove(FromIndex, ToIndex, FColCount);
     if (FromIndex == ToIndex) return;
     MoveEntry(FColWidths, FromIndex, ToIndex);
+    ++FColWidthsVersion;
     MoveEntry(FTabStops, FromIndex, ToIndex);
     MoveEntry(FColAlignments, FromIndex, ToIndex);
     if (!HasOption(goRowSelect)) {

@@ -318,17 +318,23 @@ void TCustomExGrid::UpdateScrollRange() {
         const int HorzSize = GetScrollBarSize(SB_HORZ);
         int Width = GetClientWidth() + (IsScrollBarShown(SB_VERT) ? VertSize : 0);
         int Height = GetClientHeight() + (IsScrollBarShown(SB_HORZ) ? HorzSize : 0);
-        // Adding a row leads here, so the walk up from the last row is not made twice for one height.
+        // Adding a row leads here, so the walks up from the last cells are not made twice for one size.
         int WalkedHeight = -1;
+        int WalkedWidth = -1;
         const auto LargestTop = [&] {
             if (Height != WalkedHeight) MaxTopLeft.Y = MaxTopIn(Height);
             WalkedHeight = Height;
             return MaxTopLeft.Y;
         };
+        const auto LargestLeft = [&] {
+            if (Width != WalkedWidth) MaxTopLeft.X = MaxLeftIn(Width);
+            WalkedWidth = Width;
+            return MaxTopLeft.X;
+        };
         const auto HorzRange = [&] {
             if (!HasBar(SB_HORZ)) return 0;
             if (FColCount == 1) return std::max(0, std::max(0, GetColWidths(0)) - Width);
-            return FFixedCols < MaxLeftIn(Width) ? BarScale : 0;
+            return FFixedCols < LargestLeft() ? BarScale : 0;
         };
         const auto SetRange = [this](int Bar, int Range) {
             int OldMin = 0;
@@ -341,14 +347,16 @@ void TCustomExGrid::UpdateScrollRange() {
         if (HorzFirst) Height -= HorzSize;
         const bool Vert = HasBar(SB_VERT) && FFixedRows < LargestTop();
         if (Vert) Width -= VertSize;
+        const int OldClientWidth = GetClientWidth();
         SetRange(SB_VERT, Vert ? BarScale : 0);
         if (!Guard) return;
+        if (GetClientWidth() != OldClientWidth) WalkedWidth = -1; // widths may follow the client
         const int Horz = HorzRange();
         if (Horz > 0 && !HorzFirst) Height -= HorzSize;
         if (Horz == 0 && HorzFirst) Height += HorzSize;
         SetRange(SB_HORZ, Horz);
         if (!Guard) return;
-        MaxTopLeft = {MaxLeftIn(Width), LargestTop()};
+        MaxTopLeft = {LargestLeft(), LargestTop()};
         // A thumb is as long in its bar as the cells of the last page are among the scrollable ones.
         SetScrollPage(SB_VERT,
                       MulDiv(BarScale, FRowCount - MaxTopLeft.Y, std::max(1, MaxTopLeft.Y - FFixedRows)));

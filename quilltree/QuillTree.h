@@ -15,8 +15,10 @@
 #include "quilltree/NodeHost.h"
 #include "quilltree/TreeTypes.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace quill {
@@ -481,6 +483,13 @@ private:
     bool FUniqueTags = false;
     bool FFitToHeight = false;
     bool FFitColumnToClientWidth = false;
+    // With FFitColumnToClientWidth: the last column that has a width, and that width; valid while Key holds (the
+    // stored widths, the client's width, the lines').
+    struct {
+        std::tuple<std::uint64_t, int, int> Key{0, -1, 0};
+        int Col = 0;
+        std::int64_t Width = 0;
+    } FFit;
     bool FHotTrack = false;
     bool FHideSelection = false;
     bool FRightClickSelect = false;

@@ -71,16 +71,24 @@ int TCustomQuillTree::GetColWidths(int Col) {
     if (GetColCount() < 2) return ClientWidth;
     const bool HasLines = !(GetOptions() * TGridOptions{goFixedVertLine, goVertLine}).IsEmpty();
     const int Line = HasLines ? GetGridLineWidth() : 0;
-    const int Stored = TCustomExGrid::GetColWidths(Col);
-    std::int64_t Sum = 0;
-    for (int C = 0; C <= Col && C < GetColCount(); ++C) {
-        Sum += TCustomExGrid::GetColWidths(C) + Line;
-        // Columns behind the edge are cut away whatever their own width is.
-        if (Sum > std::int64_t{ClientWidth} + Stored) return 0;
+    const std::tuple Key{GetColWidthsVersion(), ClientWidth, Line};
+    if (FFit.Key != Key) {
+        // Columns at the edge are cut off there, those behind it away; the last one takes what is left over.
+        FFit = {Key, 0, ClientWidth};
+        for (; FFit.Col < GetColCount(); ++FFit.Col) {
+            const std::int64_t Left = FFit.Width - TCustomExGrid::GetColWidths(FFit.Col) - Line;
+            if (Left < 0) break;
+            FFit.Width = Left;
+        }
+        if (FFit.Col == GetColCount()) {
+            --FFit.Col;
+            FFit.Width += TCustomExGrid::GetColWidths(FFit.Col);
+        } else {
+            FFit.Width = std::max<std::int64_t>(0, FFit.Width - Line);
+        }
     }
-    if (Sum > ClientWidth) return static_cast<int>(std::max<std::int64_t>(0, Stored - (Sum - ClientWidth)));
-    if (Col == GetColCount() - 1) return static_cast<int>(Stored + (ClientWidth - Sum));
-    return Stored;
+    if (Col < FFit.Col || Col >= GetColCount()) return TCustomExGrid::GetColWidths(Col);
+    return Col == FFit.Col ? static_cast<int>(FFit.Width) : 0;
 }
 
 void TCustomQuillTree::SizeChanged(int OldColCount, int OldRowCount) {

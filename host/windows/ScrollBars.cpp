@@ -103,10 +103,7 @@ private:
         bool Enabled() const {
             return Option.state.testFlag(State_Enabled) && Option.maximum > Option.minimum;
         }
-        bool Hot(SubControl Part) const {
-            return Enabled() && Option.activeSubControls.testFlag(Part) &&
-                   (Option.state.testFlag(State_MouseOver) || Option.state.testFlag(State_Sunken));
-        }
+        bool Hot(SubControl Part) const { return Enabled() && Option.activeSubControls.testFlag(Part); }
         bool Down(SubControl Part) const { return Hot(Part) && Option.state.testFlag(State_Sunken); }
         QRectF PartRect(SubControl Part) const {
             return Style.subControlRect(CC_ScrollBar, &Option, Part, &Bar);

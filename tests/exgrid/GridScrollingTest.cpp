@@ -1,5 +1,7 @@
 #include "tests/exgrid/GridTestSupport.h"
 
+#include <QTest>
+
 namespace quill::testing {
 namespace {
 
@@ -80,6 +82,11 @@ TEST(GridScrolling, StepsPassOverHiddenRowsAndColumns) {
     EXPECT_EQ(Origin(Grid), "0,2");
     Grid.ModifyScrollBar(SB_HORZ, SB_LINEDOWN, 0, false);
     EXPECT_EQ(Origin(Grid), "3,2");
+    // A page that ends on a hidden row goes on to the next one, not by another page.
+    Grid.SetRowHeights(15, 0);
+    Grid.MoveTopLeft(0, 12);
+    Grid.ModifyScrollBar(SB_VERT, SB_PAGEDOWN, 0, false);
+    EXPECT_EQ(Origin(Grid), "0,16");
 }
 
 TEST(GridScrolling, AnEmptyGridStaysAtItsFixedCells) {
@@ -273,32 +280,46 @@ TEST(GridScrolling, OnlyTheStripThatAppearsIsPainted) {
     EXPECT_EQ(Painted([&] { Grid.SetRowCount(102); }), 250 - 6 * 25);
 }
 
-// The bars of other styles: made per window, and given what changes.
-TEST(GridScrolling, FlatBarsGetTheirStyleAndColour) {
-    class TFlat : public TTestGrid {
-    public:
-        TFlat() : TTestGrid(200, 100, 3, 5) {}
-        std::string Log;
-        bool InitializeFlatScrollBars() override {
-            Log += "init ";
-            return true;
-        }
-        void SetFlatScrollBarProps(TScrollBarStyle AStyle, TColor ABkColor, bool Redraw) override {
-            Log += std::to_string(AStyle) + "," + std::to_string(ABkColor) + (Redraw ? "! " : " ");
-        }
-    } Grid;
-    Grid.SetScrollBarsStyle(sbsFlat); // no bars, nothing to style
-    EXPECT_EQ(Grid.Log, "");
-    EXPECT_FALSE(Grid.GetFlatScrollBars());
+// Every left-to-right window with bars takes style and colour; the change of thickness reaches the client at once.
+TEST(GridScrolling, BarsTakeTheirStyleWhileTheGridLives) {
+    TTestGrid Grid(200, 100, 3, 50);
+    Grid.SetScrollBarsStyle(sbsFlat);
+    EXPECT_FALSE(Grid.GetFlatScrollBars()) << "no bars, nothing to style";
     Grid.SetScrollBars(ssBoth);
-    EXPECT_EQ(Grid.Log, "init 2,16777215 ");
     EXPECT_TRUE(Grid.GetFlatScrollBars());
-    Grid.SetScrollBarsStyle(sbsEncarta);
-    Grid.SetScrollBarsStyle(sbsEncarta);
-    Grid.SetScrollBarsColor(clRed);
-    EXPECT_EQ(Grid.Log, "init 2,16777215 1,16777215! 1,255! ");
-    Grid.SetBiDiMode(bdRightToLeft); // never mirrored
+    EXPECT_EQ(Grid.GetScrollBarLook(), sblFlat);
+    for (const bool Shown : {false, true}) {
+        if (Shown) {
+            Grid.show();
+            ASSERT_TRUE(QTest::qWaitForWindowExposed(&Grid));
+        }
+        const TScrollBarStyle Styles[] = {sbsRegular, sbsEncarta, sbsFlat};
+        for (const TScrollBarStyle Style : Styles) {
+            Grid.SetScrollBarsStyle(Style);
+            EXPECT_EQ(Grid.GetScrollBarLook(), static_cast<TScrollBarLook>(Style));
+            EXPECT_EQ(Grid.GetClientWidth(), 200 - Grid.GetScrollBarSize(SB_VERT));
+        }
+    }
+    Grid.SetBiDiMode(bdRightToLeft); // the bars of a mirrored grid are the platform's
     EXPECT_FALSE(Grid.GetFlatScrollBars());
+    EXPECT_EQ(Grid.GetScrollBarLook(), sblRegular);
+    Grid.SetBiDiMode(bdLeftToRight);
+    EXPECT_EQ(Grid.GetScrollBarLook(), sblFlat);
+}
+
+// A million columns that take no room are walked through at every change; the walks must not nest.
+TEST(GridScrolling, AMillionColumnsWithoutWidthAreNoHang) {
+    TTestGrid Grid(400, 300, 3, 20);
+    Grid.SetScrollBars(ssBoth);
+    Grid.SetOptions(Grid.GetOptions() - TGridOptions{goVertLine, goFixedVertLine});
+    Grid.SetDefaultColWidth(0);
+    Grid.SetColCount(1000000);
+    Grid.WidthCalls = 0;
+    Grid.SetRowCount(500);
+    Grid.Press(VK_NEXT);
+    Grid.Press(VK_END);
+    EXPECT_LT(Grid.WidthCalls, 40 * 1000000);
+    EXPECT_EQ(Grid.GetCol(), 999999);
 }
 
 } // namespace

@@ -2,14 +2,16 @@
 #include "tests/support/QtTest.h"
 #include "tests/windows/LogControl.h"
 
+#include <QHoverEvent>
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionSlider>
 #include <QTest>
 #include <QWindow>
 
+#include <limits>
+
 using namespace quill;
-using quill::testing::SendWheel;
 using quill::testing::TLogControl;
 
 namespace {
@@ -29,7 +31,7 @@ public:
     QScrollBar* V() { return verticalScrollBar(); }
 };
 
-QPoint ThumbCentre(QScrollBar* Bar) {
+QRect PartRect(QScrollBar* Bar, QStyle::SubControl Part) {
     QStyleOptionSlider Option;
     Option.initFrom(Bar);
     Option.orientation = Bar->orientation();
@@ -39,9 +41,7 @@ QPoint ThumbCentre(QScrollBar* Bar) {
     Option.sliderValue = Bar->value();
     Option.pageStep = Bar->pageStep();
     Option.singleStep = Bar->singleStep();
-    return Bar->style()
-        ->subControlRect(QStyle::CC_ScrollBar, &Option, QStyle::SC_ScrollBarSlider, Bar)
-        .center();
+    return Bar->style()->subControlRect(QStyle::CC_ScrollBar, &Option, Part, Bar);
 }
 
 } // namespace
@@ -102,22 +102,76 @@ TEST(ScrollBars, OnlyBarsOfTheWindowCanBeShown) {
 }
 
 TEST(ScrollBars, DraggingTheThumbTracksAndThenPositions) {
+    for (const TScrollBarLook Look : {sblRegular, sblEncarta, sblFlat}) {
+        TBars Control;
+        Control.SetScrollBarLook(Look, clWhite, false);
+        Control.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&Control));
+        const auto At = [&](QPoint P) { return Control.V()->mapTo(&Control, P); };
+        const QPoint From = PartRect(Control.V(), QStyle::SC_ScrollBarSlider).center();
+        QTest::mousePress(Control.windowHandle(), Qt::LeftButton, {}, At(From));
+        QTest::mouseMove(Control.windowHandle(), At(From + QPoint(0, 40)));
+        const int Tracked = Control.V()->sliderPosition();
+        EXPECT_GT(Tracked, 10);
+        EXPECT_EQ(Control.Take(), "v5 " + std::to_string(Tracked));
+        Control.SetScrollPos(SB_VERT, 33, true);
+        EXPECT_EQ(Control.V()->sliderPosition(), Tracked) << "the thumb stays under the mouse";
+        EXPECT_EQ(Control.GetScrollPos(SB_VERT), 33);
+        QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, At(From + QPoint(0, 40)));
+        EXPECT_EQ(Control.Take(), "v4 " + std::to_string(Tracked) + "; v8 0");
+        EXPECT_EQ(Control.V()->value(), 33) << "and then shows where the control is";
+        QTest::mouseClick(Control.windowHandle(), Qt::LeftButton, {},
+                          At(PartRect(Control.V(), QStyle::SC_ScrollBarAddLine).center()));
+        EXPECT_EQ(Control.Take(), "v1 0");
+    }
+}
+
+TEST(ScrollBars, FlatLooksShowPartsOnTheirBackground) {
     TBars Control;
+    const auto Look = [&](QScrollBar* Bar, QStyle::SubControl Part) {
+        const QImage Image = Bar->grab().toImage();
+        const QPointF Centre = QRectF(PartRect(Bar, Part)).center() * Image.devicePixelRatio();
+        return Image.pixelColor(Centre.toPoint());
+    };
+    const auto Groove = [&](QScrollBar* Bar) { return Look(Bar, QStyle::SC_ScrollBarAddPage); };
+    const auto Thumb = [&](QScrollBar* Bar) { return Look(Bar, QStyle::SC_ScrollBarSlider); };
+    const auto Hover = [](QScrollBar* Bar, QPoint P) {
+        QHoverEvent Event(QEvent::HoverMove, P, P, {0, 0});
+        QCoreApplication::sendEvent(Bar, &Event);
+    };
     Control.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&Control));
-    const auto At = [&](QPoint P) { return Control.V()->mapTo(&Control, P); };
-    const QPoint From = ThumbCentre(Control.V());
-    QTest::mousePress(Control.windowHandle(), Qt::LeftButton, {}, At(From));
-    QTest::mouseMove(Control.windowHandle(), At(From + QPoint(0, 40)));
-    const int Tracked = Control.V()->sliderPosition();
-    EXPECT_GT(Tracked, 10);
-    EXPECT_EQ(Control.Take(), "v5 " + std::to_string(Tracked));
-    Control.SetScrollPos(SB_VERT, 33, true);
-    EXPECT_EQ(Control.V()->sliderPosition(), Tracked) << "the thumb stays under the mouse";
-    EXPECT_EQ(Control.GetScrollPos(SB_VERT), 33);
-    QTest::mouseRelease(Control.windowHandle(), Qt::LeftButton, {}, At(From + QPoint(0, 40)));
-    EXPECT_EQ(Control.Take(), "v4 " + std::to_string(Tracked) + "; v8 0");
-    EXPECT_EQ(Control.V()->value(), 33) << "and then shows where the control is";
+    const int Regular = Control.GetScrollBarSize(SB_VERT);
+    const int Client = Control.GetClientWidth();
+    for (QScrollBar* Bar : {Control.verticalScrollBar(), Control.horizontalScrollBar()}) {
+        for (const TColor Background : {TColor(clWhite), TColor(0x800000), TColor(0x202020)}) {
+            Control.SetScrollBarLook(sblFlat, Background, true);
+            EXPECT_EQ(Control.GetClientWidth() - Client, Regular - Control.GetScrollBarSize(SB_VERT));
+            const QColor Track = Groove(Bar);
+            EXPECT_EQ(Track, QColor(Background & 0xFF, Background >> 8 & 0xFF, Background >> 16 & 0xFF));
+            EXPECT_GT(std::abs(qGray(Thumb(Bar).rgb()) - qGray(Track.rgb())), 20) << "seen on any background";
+            EXPECT_NE(Look(Bar, QStyle::SC_ScrollBarAddLine), Track) << "an arrow";
+        }
+        Control.SetScrollBarLook(sblEncarta, clWhite, true);
+        const QColor AtRest = Thumb(Bar);
+        Hover(Bar, PartRect(Bar, QStyle::SC_ScrollBarSlider).center());
+        EXPECT_EQ(Thumb(Bar), Bar->palette().color(QPalette::Button)) << "raised under the mouse";
+        Hover(Bar, {-1, -1});
+        EXPECT_EQ(Thumb(Bar), AtRest);
+        Control.setEnabled(false);
+        EXPECT_EQ(Thumb(Bar), Groove(Bar)) << "no thumb in a bar that cannot scroll";
+        Control.setEnabled(true);
+        Control.SetScrollBarLook(sblFlat, clBtnFace, true);
+        QPalette Dark = Control.palette();
+        Dark.setColor(QPalette::Button, QColor(40, 40, 44));
+        Control.setPalette(Dark);
+        EXPECT_EQ(Groove(Bar), QColor(40, 40, 44)) << "system colours follow the palette";
+        Control.setPalette({});
+    }
+    Control.SetScrollRange(SB_VERT, 0, 0, true);
+    EXPECT_EQ(Thumb(Control.V()), Look(Control.V(), QStyle::SC_ScrollBarGroove));
+    Control.SetScrollBarLook(sblRegular, clWhite, true);
+    EXPECT_EQ(Control.GetClientWidth(), Client);
 }
 
 TEST(ScrollBars, StayLeftToRight) {
@@ -127,17 +181,101 @@ TEST(ScrollBars, StayLeftToRight) {
     EXPECT_TRUE(Control.isRightToLeft());
 }
 
-TEST(ScrollBars, WheelOverABarIsTheControlsWheel) {
-    TBars Control;
+// --- wheel and touchpad over client and bars ------------------------------------------------------------------------
+
+namespace {
+
+// Scrolls 20 pixels a line each way, and uses every notch.
+class TScroller : public TBars {
+public:
+    explicit TScroller(QWidget* Parent = nullptr) { setParent(Parent); }
+    TPoint GetWheelLine() override { return {20, 20}; }
+    bool DoMouseWheelDown(TShiftState, TPoint) override { return Log("down"), true; }
+    bool DoMouseWheelUp(TShiftState, TPoint) override { return Log("up"), true; }
+};
+
+void SendScroll(QWindow* Window, QPoint Pos, QPoint Pixels, QPoint Angle, Qt::ScrollPhase Phase) {
+    QWheelEvent Event(Pos, Window->mapToGlobal(Pos), Pixels, Angle, Qt::NoButton, {}, Phase, false);
+    QSpontaneKeyEvent::setSpontaneous(&Event);
+    qApp->notify(Window, &Event);
+}
+
+} // namespace
+
+TEST(Touchpad, PixelsBecomeLinesAsTheFingerMoves) {
+    TScroller Control;
     Control.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&Control));
-    int Downs = 0;
-    Control.OnMouseWheelDown = [&](TObject*, TShiftState, TPoint, bool& Handled) {
-        ++Downs;
-        Handled = true;
+    struct TStep {
+        QPoint Pixels;
+        QPoint Angle;
+        Qt::ScrollPhase Phase;
     };
-    const QPoint Pos = Control.V()->mapTo(&Control, Control.V()->rect().center());
-    SendWheel(Control.windowHandle(), Pos, QPoint(0, -120));
-    EXPECT_EQ(Downs, 1);
-    EXPECT_EQ(Control.Take(), "");
+    const auto Begin = Qt::ScrollBegin, Go = Qt::ScrollUpdate, End = Qt::ScrollEnd, None = Qt::NoScrollPhase;
+    struct {
+        const char* What;
+        std::vector<TStep> Steps;
+        const char* Result;
+    } const Cases[] = {
+        {"sums up", {{{0, -7}, {}, Begin}, {{0, -7}, {}, Go}, {{0, -7}, {}, Go}, {{}, {}, End}}, "down"},
+        {"no rest is left", {{{0, -19}, {}, Begin}, {{}, {}, End}, {{0, -19}, {}, Begin}, {{}, {}, End}}, ""},
+        {"a new beginning drops it, too", {{{0, -19}, {}, Begin}, {{0, -19}, {}, Begin}, {{}, {}, End}}, ""},
+        {"turning back starts afresh", {{{0, -19}, {}, Begin}, {{0, 10}, {}, Go}, {{0, 10}, {}, Go}}, "up"},
+        {"momentum goes on",
+         {{{0, -15}, {}, Begin}, {{0, -15}, {}, Qt::ScrollMomentum}, {{0, -15}, {}, Qt::ScrollMomentum}},
+         "down; down"},
+        {"pixels count, not the angle beside them",
+         {{{0, -40}, {0, -480}, Begin}, {{}, {}, End}},
+         "down; down"},
+        {"fine angles sum up", {{{}, {0, 60}, None}, {{}, {0, 60}, None}}, "up"},
+        {"both ways", {{{-30, -30}, {}, Begin}, {{-30, -30}, {}, Go}}, "down; h1 0; down; down; h1 0; h1 0"},
+    };
+    for (const auto& Case : Cases) {
+        SendScroll(Control.windowHandle(), {30, 30}, {}, {}, Qt::ScrollEnd);
+        for (const TStep& Step : Case.Steps)
+            SendScroll(Control.windowHandle(), {30, 30}, Step.Pixels, Step.Angle, Step.Phase);
+        EXPECT_EQ(Control.Take(), Case.Result) << Case.What;
+    }
+    Control.ShowScrollBar(SB_HORZ, false);
+    SendScroll(Control.windowHandle(), {30, 30}, {-900, 0}, {}, None);
+    EXPECT_EQ(Control.Take(), "") << "sideways without a bar";
+    SendScroll(Control.windowHandle(), {30, 30}, {0, std::numeric_limits<int>::min()}, {}, None);
+    EXPECT_LE(Control.Take().size(), 100 * std::string("down; ").size());
+}
+
+// Who takes the first event of a gesture gets all of it.
+TEST(Touchpad, AGestureThatBeginsSlowlyIsTheControlsNotTheParents) {
+    struct TParent : QWidget {
+        int Wheels = 0;
+        void wheelEvent(QWheelEvent* Event) override {
+            ++Wheels;
+            Event->accept();
+        }
+    } Parent;
+    Parent.resize(220, 220);
+    TScroller Control(&Parent);
+    Parent.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Parent));
+    for (const QPoint First : {QPoint(0, 0), QPoint(0, -2)}) {
+        SendScroll(Parent.windowHandle(), {30, 30}, First, {}, Qt::ScrollBegin);
+        SendScroll(Parent.windowHandle(), {30, 30}, {0, -20}, {}, Qt::ScrollUpdate);
+        SendScroll(Parent.windowHandle(), {30, 30}, {}, {}, Qt::ScrollEnd);
+        EXPECT_EQ(Control.Take(), "down");
+    }
+    EXPECT_EQ(Parent.Wheels, 0);
+    Control.ShowScrollBar(SB_HORZ, false);
+    SendScroll(Parent.windowHandle(), {30, 30}, {-50, 0}, {}, Qt::NoScrollPhase);
+    EXPECT_EQ(Parent.Wheels, 1) << "what it cannot scroll is the parent's";
+}
+
+TEST(ScrollBars, WheelOverABarIsTheControlsWheel) {
+    TScroller Control;
+    Control.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Control));
+    for (QScrollBar* Bar : {Control.verticalScrollBar(), Control.horizontalScrollBar()}) {
+        const QPoint Pos = Bar->mapTo(&Control, Bar->rect().center());
+        SendScroll(Control.windowHandle(), Pos, {}, {0, -120}, Qt::NoScrollPhase);
+        SendScroll(Control.windowHandle(), Pos, {0, -20}, {}, Qt::NoScrollPhase);
+        EXPECT_EQ(Control.Take(), "down; down");
+    }
 }
