@@ -1,6 +1,5 @@
 #include "host/base/Errors.h"
 #include "host/base/Objects.h"
-#include "host/base/Reflection.h"
 #include "host/base/Strings.h"
 
 #include <gtest/gtest.h>
@@ -144,17 +143,6 @@ TEST(Persistent, AssignNamesBothClassesWhenItCannotBeDone) {
         EXPECT_EQ(Error.GetMessage(), "Cannot assign a TComponent to a TStringList");
     }
     EXPECT_THROW(List.Assign(nullptr), EConvertError);
-}
-
-TEST(Reflection, PropertiesAreFoundInTheClassBeforeItsParents) {
-    static constexpr TPropertyInfo Inherited[] = {{.Name = "Color", .Default = 1}, {.Name = "Tag"}};
-    static constexpr TPropertyInfo Own[] = {{.Name = "Color", .Default = 2}};
-    static constexpr TClassInfo Parent{"TParent", nullptr, Inherited};
-    static constexpr TClassInfo Child{"TChild", &Parent, Own};
-    EXPECT_EQ(FindProperty(&Child, "Color")->Default, 2);
-    EXPECT_EQ(FindProperty(&Child, "Tag"), &Inherited[1]);
-    EXPECT_EQ(FindProperty(&Child, "tag"), nullptr);
-    EXPECT_EQ(FindProperty(nullptr, "Tag"), nullptr);
 }
 
 } // namespace

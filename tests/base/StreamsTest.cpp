@@ -119,19 +119,5 @@ TEST_F(Files, HandlesAreNotInheritedByChildProcesses) {
     EXPECT_NE(fcntl(Stream.GetHandle(), F_GETFD) & FD_CLOEXEC, 0);
 }
 
-TEST_F(Files, ListsAndMemoryStreamsRoundTripThroughFiles) {
-    TStringList List, Back;
-    List.SetText("one\ntwo\n");
-    List.SaveToFile(Path("list"));
-    Back.LoadFromFile(Path("list"));
-    EXPECT_EQ(Back.GetText(), "one\r\ntwo\r\n");
-    TMemoryStream Stream;
-    Stream.LoadFromFile(Path("list"));
-    EXPECT_EQ(Stream.GetMemory(), Back.GetText());
-    EXPECT_EQ(Stream.GetPosition(), 0);
-    Stream.SaveToFile(Path("copy"));
-    EXPECT_EQ(TFileStream(Path("copy"), fmOpenRead).ReadRest(), Back.GetText());
-}
-
 } // namespace
 } // namespace quill

@@ -21,41 +21,22 @@ std::string Dump(const std::string& Path) {
     std::string Text;
     for (const TDirectoryEntry& Entry : ReadDirectory(Path)) {
         Text += Entry.Name;
-        switch (Entry.Kind) {
-        case ekDirectory:
-            Text += Entry.HasEntries ? "(+)" : "(-)";
-            break;
-        case ekLink:
-            Text += "->" + Entry.LinkTarget;
-            break;
-        case ekSpecial:
-            Text += "(special)";
-            break;
-        case ekFile:
-            Text += ":" + std::to_string(Entry.Size);
-            break;
-        }
+        if (Entry.Kind == ekDirectory) Text += Entry.HasEntries ? "(+)" : "(-)";
+        if (Entry.Kind == ekLink) Text += "->" + Entry.LinkTarget;
+        if (Entry.Kind == ekSpecial) Text += "(special)";
+        if (Entry.Kind == ekFile) Text += ":" + std::to_string(Entry.Size);
         Text += ' ';
     }
     return Text;
 }
 
-// Names of the nodes, children in brackets, "+" for a closed folder.
-std::string Dump(TFlyNode* Node) {
-    std::string Text = Node->GetText();
-    if (Node->GetHasChildren() && !Node->GetExpanded()) Text += '+';
-    if (!Node->GetExpanded()) return Text;
-    Text += '[';
-    for (TFlyNode* Child = Node->GetFirstChild(); Child; Child = Child->GetNextSibling()) {
-        if (Text.back() != '[') Text += ' ';
-        Text += Dump(Child);
-    }
-    return Text + ']';
-}
-
+// The names of a node's children, with "+" for a closed folder and what is below an open one in brackets.
 std::string Children(TFlyNode* Node) {
-    const std::string Text = Dump(Node);
-    return Text.substr(Node->GetText().size());
+    if (!Node->GetExpanded()) return Node->GetHasChildren() ? "+" : "";
+    std::string Text;
+    for (TFlyNode* Child = Node->GetFirstChild(); Child; Child = Child->GetNextSibling())
+        Text += (Text.empty() ? "" : " ") + Child->GetText() + Children(Child);
+    return "[" + Text + "]";
 }
 
 class Filler : public ::testing::Test {
@@ -95,13 +76,12 @@ TEST(Directory, ShowsLinksAndDoesNotFollowThem) {
 }
 
 TEST(Directory, SaysWhyADirectoryCannotBeRead) {
-    EXPECT_THROW(ReadDirectory("/no/such/folder"), EDirectoryError);
     const TTempFolder Folder;
     fs::permissions(Folder.File(""), fs::perms{0755});
     fs::create_directory(Folder.File("closed"));
     fs::permissions(Folder.File("closed"), fs::perms::none);
-    const auto Problem = [&] { return BecomeNobody(), ReadDirectory(Folder.File("")).at(0).Problem; };
-    ExpectInChild(Problem, "Permission denied");
+    ExpectInChild([&] { return BecomeNobody(), ReadDirectory(Folder.File("")).at(0).Problem; },
+                  "Permission denied");
     const auto Opened = [&]() -> std::string {
         BecomeNobody();
         try {
@@ -145,20 +125,6 @@ TEST_F(Filler, SurvivesDirectoriesThatVanish) {
     EXPECT_EQ(Child(Root, 0)->GetCell(ecKind), "Folder, cannot be read: No such file or directory");
     EXPECT_THROW(Fill.OpenRoot(Folder.File("root/gone")), EDirectoryError);
     EXPECT_EQ(Fill.GetNodeCount(), 2) << "a root that cannot be read replaced the tree";
-}
-
-// Names are bytes: what cannot be shown can still be opened.
-TEST_F(Filler, OpensDirectoriesWithStrangeNames) {
-    MakeFolder("bad\xFF\xFEname/inner1");
-    MakeFolder("line\nbreak/inner2");
-    MakeFolder(" spaces, \"quotes\"/inner3");
-    TFlyNode* Root = Open();
-    for (int Index = 0; Index < Root->GetCount(); ++Index) {
-        TFlyNode* Node = Child(Root, Index);
-        Node->Expand(false);
-        EXPECT_EQ(Node->GetCount(), 1) << Node->GetText();
-        EXPECT_EQ(Node->GetText().find('\n'), std::string::npos);
-    }
 }
 
 } // namespace

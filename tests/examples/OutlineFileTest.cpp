@@ -95,13 +95,6 @@ TEST(OutlineFile, KnowsWhatASaveMustKeep) {
     for (int Mask = 0; Mask < 128; ++Mask) EXPECT_EQ(MaskOf(OptionsOf(Mask)), Mask);
 }
 
-TEST(OutlineFile, KeepsBytesThatAreNoText) {
-    const std::string Text = "SaveOptions:8\r\n\xFF\xFE,\xC3(\r\n\t\xE2\x82\r\n";
-    THeadlessHost Host;
-    LoadOutline(Read(Text), *Host.GetItems());
-    EXPECT_EQ(OutlineText(*Host.GetItems(), OptionsOf(8)), Text);
-}
-
 TEST(OutlineFile, ReadsCaptionsBesideTheOutline) {
     const TTempFolder Folder;
     const std::string Name = Folder.File("a.b.nodes");

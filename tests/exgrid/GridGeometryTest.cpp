@@ -55,23 +55,6 @@ TEST(GridGeometry, CellsHaveTheirRectangles) {
     }
 }
 
-TEST(GridGeometry, RangesCanTakeInTheLineAndTheRestOfTheClient) {
-    TTestGrid Grid(400, 300, 3, 5);
-    const auto Screen = [&](bool Line, bool Right, bool Bottom) {
-        TRect R;
-        Grid.GridRectToScreenRect({0, 1, 1, 2}, R, Line, Right, Bottom);
-        return Show(R);
-    };
-    EXPECT_EQ(Screen(true, false, false), "0,25,152,75");
-    EXPECT_EQ(Screen(false, true, true), "0,25,400,300");
-    Grid.SetBiDiMode(bdRightToLeft);
-    EXPECT_EQ(Screen(true, false, false), "248,25,400,75");
-    // A canvas that mirrors by itself gets the plain rectangle.
-    Grid.ChangeGridOrientation(true);
-    EXPECT_EQ(Show(Grid.CellRect(2, 0)), "152,0,227,24");
-    Grid.ChangeGridOrientation(false);
-}
-
 TEST(GridGeometry, ALayoutTellsWhatFits) {
     TTestGrid Grid(200, 100, 10, 50);
     Grid.SetFixedCols(1);

@@ -1,5 +1,4 @@
 // Geometry of the canvas: scale, mirroring, clipping, lines, raster operations and copies, by pixels.
-#include "host/graphics/RecordingCanvas.h"
 #include "tests/graphics/Pictures.h"
 #include "tests/support/QtTest.h"
 
@@ -361,21 +360,6 @@ TEST(Canvas, CopiesAreClippedToBothSurfacesAndNeverStretched) {
     }
 }
 
-TEST(Canvas, SnapshotsComeBackUnchangedAtEveryScale) {
-    for (const double Scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
-        TPictureCanvas Canvas(60, 40, Scale);
-        PaintGradient(Canvas.Image);
-        const QImage Before = Canvas.Image.copy();
-        for (int Left = 0; Left < 6; ++Left) {
-            const auto Snapshot = TBitmap::CreateCompatible(Canvas, 31, 17);
-            Snapshot->GetCanvas()->BitBlt(0, 0, 31, 17, Canvas, Left, Left + 1, SRCCOPY);
-            Canvas.InvertRect({Left, Left + 1, Left + 31, Left + 18});
-            Canvas.BitBlt(Left, Left + 1, 31, 17, *Snapshot->GetCanvas(), 0, 0, SRCCOPY);
-            EXPECT_TRUE(Canvas.Image == Before) << Scale << " at " << Left;
-        }
-    }
-}
-
 TEST(Canvas, CombinesAndBlendsCopies) {
     TPictureCanvas Source(4, 1, 1.0, 0xFF0F0F0F);
     TPictureCanvas Canvas(4, 1, 1.0, 0xFF563412);
@@ -393,39 +377,6 @@ TEST(Canvas, CombinesAndBlendsCopies) {
     Fine.BitBlt(1, 0, 2, 1, Source, 0, 0, SRCCOPY);
     EXPECT_EQ(Show(InkBounds(Fine.Image)), "(2,0,6,2)");
     EXPECT_EQ(Fine.GetPixel(2, 0), 0x0F0F0Fu);
-}
-
-TEST(Canvas, PainterAndDirectPixelsAgree) {
-    TPictureCanvas Canvas(10, 10);
-    Canvas.GetBrush()->SetColor(clRed);
-    Canvas.FillRect({0, 0, 10, 10});
-    Canvas.GetPainter()->fillRect(2, 2, 2, 2, Qt::blue);
-    Canvas.IntersectClip({0, 0, 5, 5});
-    Canvas.GetPainter()->fillRect(4, 4, 6, 6, Qt::blue);
-    Canvas.InvertRect({2, 2, 3, 3});
-    Canvas.RestoreClip();
-    EXPECT_EQ(Canvas.GetPixel(2, 2), clYellow);
-    EXPECT_EQ(Canvas.GetPixel(3, 3), clBlue);
-    EXPECT_EQ(Canvas.GetPixel(4, 4), clBlue);
-    EXPECT_EQ(Canvas.GetPixel(6, 6), clRed);
-}
-
-TEST(RecordingCanvas, LogsWhatTheCallerAskedFor) {
-    TRecordingCanvas Canvas(100, 50);
-    Canvas.SetMirrored(true, 100);
-    Canvas.GetPen()->SetColor(clSilver);
-    Canvas.MoveTo(0, 16);
-    Canvas.LineTo(81, 16);
-    Canvas.GetPen()->SetWidth(2);
-    Canvas.GetPen()->SetMode(pmNot);
-    Canvas.GetBrush()->SetStyle(bsClear);
-    Canvas.Rectangle({0, 0, 5, 5});
-    EXPECT_EQ(Canvas.GetLog(), "Mirror 100\n"
-                               "Line (0,16)-(81,16) clSilver\n"
-                               "Rectangle (0,0,5,5) clSilver width 2 not fill clear\n");
-    // It draws as well: the mirrored line ends at its first column.
-    Canvas.SetMirrored(false, 0);
-    EXPECT_EQ(Canvas.GetPixel(99, 16), clSilver);
 }
 
 } // namespace

@@ -292,9 +292,10 @@ TEST(Text, LooksTheSameWhetherShapedOrPlaced) {
     for (const double Scale : {1.0, 1.5}) {
         const auto Paint = [&](const std::string& Text) {
             TPictureCanvas Canvas(300, 30, Scale);
-            TRect Rect{0, 0, 300, 30};
-            Canvas.DrawText(Text, Rect, Cell);
-            return std::pair(Canvas.Image, Canvas.TextWidth(Text));
+            // Just as wide as it needs, where an ellipsis would be one too many.
+            TRect Rect{0, 0, Canvas.TextWidth(Text), 30};
+            Canvas.DrawText(Text, Rect, Cell | DT_END_ELLIPSIS);
+            return std::pair(Canvas.Image, Rect.Right);
         };
         std::vector<std::pair<QImage, int>> Shaped;
         for (const std::string& Word : Words) {

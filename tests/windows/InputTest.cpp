@@ -386,36 +386,32 @@ TEST(Input, ClipboardKeysBecomeMessagesWhenWanted) {
 
 TEST_F(InputInWindow, FocusEntersAndLeavesTheControlAsAWhole) {
     Control.LogFocus = true;
-    Control.SetFocus();
-    EXPECT_EQ(Control.Take(), "setfocus; enter");
+    const auto Focus = [&](QWidget& Widget) {
+        Widget.setFocus();
+        qApp->processEvents();
+        return Control.Take();
+    };
+    const auto Activate = [&](QWidget& Widget) {
+        Widget.show();
+        Widget.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&Widget));
+        qApp->processEvents();
+        return Control.Take();
+    };
+    EXPECT_EQ(Focus(Control), "setfocus; enter");
     EXPECT_TRUE(Control.Focused());
-    Inner.setFocus();
-    qApp->processEvents();
-    EXPECT_EQ(Control.Take(), "killfocus") << "its own editor";
+    EXPECT_EQ(Focus(Inner), "killfocus") << "its own editor";
     EXPECT_FALSE(Control.Focused());
     EXPECT_TRUE(Control.ContainsFocus());
-    Other.setFocus();
-    EXPECT_EQ(Control.Take(), "exit");
-    Inner.setFocus();
-    qApp->processEvents();
-    EXPECT_EQ(Control.Take(), "enter");
-    Control.setFocus();
-    EXPECT_EQ(Control.Take(), "setfocus");
-
+    EXPECT_EQ(Focus(Other), "exit");
+    EXPECT_EQ(Focus(Inner), "enter");
+    EXPECT_EQ(Focus(Control), "setfocus");
     QWidget Second;
-    Second.show();
-    Second.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Second));
-    EXPECT_EQ(Control.Take(), "killfocus") << "another window is no exit";
-    Window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
-    qApp->processEvents();
-    EXPECT_EQ(Control.Take(), "setfocus");
+    EXPECT_EQ(Activate(Second), "killfocus") << "another window is no exit";
+    EXPECT_EQ(Activate(Window), "setfocus");
     Other.setFocus();
     Control.setFocus();
-    Other.setFocus();
-    qApp->processEvents();
-    EXPECT_EQ(Control.Take(), "killfocus; exit; setfocus; killfocus")
+    EXPECT_EQ(Focus(Other), "killfocus; exit; setfocus; killfocus")
         << "left before it was told that it entered";
 }
 
@@ -424,22 +420,4 @@ TEST_F(InputInWindow, EnterComesBeforeThePressThatCausedIt) {
     Control.OnMouseDown = [&](TObject*, TMouseButton, TShiftState, int, int) { Control.Log("down"); };
     QTest::mouseClick(Handle, Qt::LeftButton, {}, {50, 50});
     EXPECT_EQ(Control.Take(), "setfocus; enter; down");
-}
-
-// --- timers -------------------------------------------------------------------------------------------------------
-
-TEST(Input, TimersCarryTheirIdentifier) {
-    TLogControl Control;
-    Control.HandleNeeded();
-    Control.LogWindow = true;
-    Control.SetTimer(1, 1);
-    Control.SetTimer(7, 100000);
-    Control.SetTimer(1, 2); // restarts, one timer
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Control.Take().find("timer 1") == 0; }));
-    Control.KillTimer(1);
-    Control.Take();
-    QTest::qWait(10);
-    EXPECT_EQ(Control.Take(), "");
-    EXPECT_FALSE(Control.HasTimer(1));
-    EXPECT_TRUE(Control.HasTimer(7));
 }

@@ -212,24 +212,6 @@ TEST_P(Lifetime, ControlMayGoInTheHandler) {
 INSTANTIATE_TEST_SUITE_P(Handlers, Lifetime, ::testing::ValuesIn(Cases),
                          [](const auto& Info) { return std::string(Info.param.Name); });
 
-TEST(LifetimeOthers, GuardSeesTheBeginOfDestruction) {
-    struct TProbe : TCustomControl {
-        bool& Alive;
-        explicit TProbe(bool& AAlive) : TCustomControl(nullptr), Alive(AAlive) {}
-        ~TProbe() override {
-            BeginDestruction();
-            Alive = static_cast<bool>(TControlGuard(this));
-        }
-    };
-    bool Alive = true;
-    auto Control = std::make_unique<TProbe>(Alive);
-    const TControlGuard Guard(Control.get());
-    EXPECT_TRUE(Guard);
-    Control.reset();
-    EXPECT_FALSE(Guard);
-    EXPECT_FALSE(Alive) << "a guard made while the control goes knows it";
-}
-
 TEST(LifetimeOthers, TimerMayGoInItsHandler) {
     auto Timer = std::make_unique<TTimer>();
     std::string Ran;
@@ -241,21 +223,4 @@ TEST(LifetimeOthers, TimerMayGoInItsHandler) {
     });
     EXPECT_TRUE(QTest::qWaitFor([&] { return !Ran.empty(); }));
     EXPECT_EQ(Ran, Text);
-}
-
-TEST(LifetimeOthers, TimerRunsOnlyWhileEnabledWithAHandler) {
-    TTimer Timer;
-    int Ticks = 0;
-    Timer.SetInterval(1);
-    QTest::qWait(5);
-    Timer.SetOnTimer([&](TObject*) { ++Ticks; });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Ticks >= 2; }));
-    Timer.SetEnabled(false);
-    const int Before = Ticks;
-    QTest::qWait(10);
-    EXPECT_EQ(Ticks, Before);
-    Timer.SetEnabled(true);
-    Timer.SetInterval(0);
-    QTest::qWait(10);
-    EXPECT_EQ(Ticks, Before);
 }

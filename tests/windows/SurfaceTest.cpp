@@ -102,16 +102,6 @@ TEST(Surface, ErasesWithColorUnlessOpaque) {
     EXPECT_EQ(Control.PixelAt(60, 5), clBlack);
 }
 
-TEST(Surface, CoversTheClientInDevicePixels) {
-    TShown Control(101, 61);
-    Control.SetColor(clLime);
-    const double S = Control.GetScale();
-    const QImage Image = Control.GetSurfaceImage();
-    EXPECT_EQ(Image.size(), QSize(static_cast<int>(std::ceil(101 * S)), static_cast<int>(std::ceil(61 * S))));
-    EXPECT_EQ(Image.pixelColor(Image.width() - 1, Image.height() - 1), QColor(Qt::green));
-    EXPECT_EQ(Control.CaptureClient()->GetWidth(), 101);
-}
-
 TEST(Surface, ScreenShowsTheSurfacePixelByPixel) {
     // A control at an odd place, whose device position is between pixels at scale 1.5.
     QWidget Window;
