@@ -327,6 +327,8 @@ public:
     // Called at the end also when nothing moves.
     virtual bool EndColumnDrag(int& Origin, int& Destination, const TPoint& MousePt);
     virtual bool EndRowDrag(int& Origin, int& Destination, const TPoint& MousePt);
+    // The mouse has drawn the selected range to GetSelection; before it was OldSel.
+    virtual void RangeDragged(const TGridRect& OldSel);
     // Does what the mouse asked for: MoveRow here.
     virtual void DropRow(int FromIndex, int ToIndex);
     // Whether rows are moved by any of their cells; here when there is no fixed column to take them by.

@@ -152,8 +152,12 @@ void TCustomExGrid::ExtendDrag(const TGridCoord& Cell) {
     FOpposite = Start;
     const TControlGuard Guard(this);
     ClampInView(Shown);
-    if (Guard) SelectionMoved(OldSelection);
+    if (!Guard) return;
+    SelectionMoved(OldSelection);
+    RangeDragged(OldSelection);
 }
+
+void TCustomExGrid::RangeDragged(const TGridRect&) {}
 
 void TCustomExGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
     const TControlGuard Guard(this);

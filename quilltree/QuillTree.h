@@ -200,6 +200,8 @@ public:
     void CalcSizingState(int X, int Y, TGridState& State, int& Index, int& SizingPos, int& SizingOfs,
                          TExGridDI& DI) override;
     void CancelDrag() override;
+    // Marks the nodes that came into the range, and no longer those that left it.
+    void RangeDragged(const TGridRect& OldSel) override;
     // Only reports: rows have the order of the nodes.
     void DropRow(int FromIndex, int ToIndex) override { RowMoved(FromIndex, ToIndex); }
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
@@ -413,7 +415,6 @@ private:
     bool ShowsImage(TFlyNode* Node) const;
 
     bool IsCaption(int ACol, int ARow) const;
-    bool HasCaptionClicks() const;
     bool IsCaptionPressed(int ACol, int ARow) const;
     void DrawSortArrow(TCanvas& Canvas, TRect& Rect, int ACol, int ARow);
     bool ShowsCursor(TCursor Cursor) const { return GetCursor() == Cursor || GetAppliedCursor() == Cursor; }
@@ -426,6 +427,10 @@ private:
     bool HeightsMatter() const;
     bool HasUniformHeights() const;
     bool HasHeightWatchers() const;
+    template <class TVisit>
+    void VisitRows(int First, int Last, TVisit Visit);
+    void ShiftHeights(int First, int Last, int Offset);
+    void StoreOwnHeights(int First, int Last);
     template <class THeight>
     void StoreHeights(int First, int Last, bool Down, THeight HeightOf);
     int OutlinePhase() const;

@@ -48,13 +48,9 @@ bool TCustomQuillTree::IsCaption(int ACol, int ARow) const {
     return ARow == CaptionRow && ARow < GetFixedRows() && ACol >= 0 && ACol < GetColCount();
 }
 
-// Whether captions answer to the mouse; a tree that nobody listens to looks as if it had none.
-bool TCustomQuillTree::HasCaptionClicks() const {
-    return OnCaptionClick || HasListener("captionClicked(int)");
-}
-
+// A tree without captions looks as it always did.
 bool TCustomQuillTree::IsCaptionPressed(int ACol, int ARow) const {
-    return IsCaption(ACol, ARow) && HasCaptionClicks() && GetPressedFixed() == TGridCoord{ACol, ARow};
+    return IsCaption(ACol, ARow) && !FCaptions.empty() && GetPressedFixed() == TGridCoord{ACol, ARow};
 }
 
 // Takes the arrow's room from Rect, at the end of the cell's own direction.

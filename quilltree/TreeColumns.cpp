@@ -35,6 +35,7 @@ void TCustomQuillTree::ColumnMoved(int FromIndex, int ToIndex) {
         }
     }
     const TControlGuard Guard(this);
+    InvalidateGrid(); // what was painted since the widths moved has the old texts
     TCustomExGrid::ColumnMoved(FromIndex, ToIndex);
     if (!Guard) return;
     // The structure column stays on the same data.

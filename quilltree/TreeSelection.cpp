@@ -103,6 +103,22 @@ void TCustomQuillTree::FlushSelection() {
     InvalidateRect(SelectionColumns(GetFixedRows() + First, GetFixedRows() + Last));
 }
 
+void TCustomQuillTree::RangeDragged(const TGridRect& OldSel) {
+    const TGridRect Range = GetGridSelection();
+    const auto Mark = [this](int FromRow, int ToRow, bool Value) {
+        if (FromRow <= ToRow) MarkRange(FromRow, ToRow, Value);
+    };
+    if (OldSel.Bottom >= Range.Top && Range.Bottom >= OldSel.Top) {
+        Mark(OldSel.Top, Range.Top - 1, false);
+        Mark(Range.Bottom + 1, OldSel.Bottom, false);
+        Mark(Range.Top, OldSel.Top - 1, true);
+        Mark(OldSel.Bottom + 1, Range.Bottom, true);
+    } else {
+        if (OldSel.Bottom >= GetFixedRows()) MarkRange(OldSel.Top, OldSel.Bottom, false);
+        MarkRange(Range.Top, Range.Bottom, true);
+    }
+}
+
 void TCustomQuillTree::SelectAll() {
     if (IsRangeSelect()) MarkRange(GetFixedRows(), GetRowCount() - 1, true);
 }

@@ -81,7 +81,7 @@ void SetUpTree(TCustomQuillTree& Tree) {
     Tree.SetFixedLineColor(clBtnShadow);
     Tree.SetLineColor(clBtnFace);
     // Without vertical lines a selected row is coloured in one piece; the captions are told apart by their frames.
-    Tree.SetOptions({goFixedHorzLine, goRangeSelect, goColSizing, goRowSelect, goThumbTracking});
+    Tree.SetOptions({goFixedHorzLine, goRangeSelect, goColSizing, goColMoving, goRowSelect, goThumbTracking});
     Tree.SetFitColumnToClientWidth(true);
     Tree.SetHotTrackColor(ColorOf(Tree.palette().color(QPalette::Link)));
     Tree.SetBorderStyle(bsNone);

@@ -37,14 +37,9 @@ std::string TExplorerTree::GetEditText(int ACol, int ARow) {
 TExplorerWindow::TExplorerWindow() : FTree(new TExplorerTree(this)) {
     SetUpTree(*FTree);
     SetTree(FTree, WideTexts);
-    FTree->OnGetEditText = [this](TObject*, int ACol, int ARow, std::string& Value) {
-        // The caption row, and node texts for the search for typed letters, which asks nobody else.
-        if (ARow < FTree->GetFixedRows()) {
-            Value = CaptionOf(ExplorerCaptions(), FTree->GetColumnOrder(ACol));
-        } else if (ACol == FTree->GetStructureCol()) {
-            if (TFlyNode* Node = FTree->GetNodeAtRow(ARow)) Value = Node->GetText();
-        }
-    };
+    for (int Col = 0; Col < static_cast<int>(ExplorerCaptions().size()); ++Col) {
+        FTree->SetCaptions(Col, CaptionOf(ExplorerCaptions(), Col));
+    }
     FFiller = std::make_unique<TDirectoryFiller>(FTree);
 
     MakeMenus(MakeToolBar());

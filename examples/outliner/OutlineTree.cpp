@@ -2,9 +2,12 @@
 
 #include "../common/Look.h"
 
+#include "host/base/Collation.h"
+
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace quill::examples {
 
@@ -17,7 +20,6 @@ enum TState { stOpen = 1, stDone = 2, stChosen = 4, stNotChosen = 5 };
 
 TOutlineTree::TOutlineTree(QWidget* AParent) : TQuillTree(AParent) {
     SetUpTree(*this);
-    OnGetEditText = [this](TObject*, int ACol, int ARow, std::string& Value) { CellText(ACol, ARow, Value); };
     ShowNothing();
 }
 
@@ -35,20 +37,48 @@ void TOutlineTree::ShowOutline(const TOutline& Outline, std::vector<std::string>
     SetUniqueTags(Outline.HasTags);
     SetShowImages(Outline.Options.Contains(tsnIncludeImageIndex));
     SetShowLogic(Outline.Options.Contains(tsnIncludeStateIndex));
+    // Columns that were moved are in their old places again.
     SetColCount(std::max(Outline.ColumnCount, static_cast<int>(FCaptions.size())));
+    SetStructureCol(0);
+    for (int Col = 0; Col < GetColCount(); ++Col) SetCaptions(Col, CaptionOf(FCaptions, Col));
+    SetSortColumn(-1);
     LoadOutline(Outline, *GetItems());
     SetTopRow(GetFixedRows());
     if (TFlyNode* First = GetNodeAtRow(GetFixedRows())) SetSelection(First);
 }
 
-// The texts of the caption row. The structure column must answer for nodes too, since the search for typed letters
-// asks nobody else; all other cells show what the nodes hold when nothing is answered.
-void TOutlineTree::CellText(int ACol, int ARow, std::string& Value) {
-    if (ARow < GetFixedRows()) {
-        Value = CaptionOf(FCaptions, GetColumnOrder(ACol));
-    } else if (ACol == GetStructureCol()) {
-        if (TFlyNode* Node = GetNodeAtRow(ARow)) Value = Node->GetText();
+// --- sorting -------------------------------------------------------------------------------------------------------
+
+void TOutlineTree::CaptionClick(int DataCol) {
+    const bool Again = DataCol == GetSortColumn() && GetSortDirection() == srtAscending;
+    SortBy(DataCol, Again ? srtDescending : srtAscending);
+    TQuillTree::CaptionClick(DataCol);
+}
+
+void TOutlineTree::SortBy(int DataCol, TSortDirection Direction) {
+    SetSortColumn(DataCol);
+    SetSortDirection(Direction);
+    TFlyNode* Current = GetNodeAtRow(GetRow());
+    // One key for each node, since a sort compares each of them many times.
+    std::unordered_map<const TFlyNode*, std::string> Keys;
+    for (TFlyNode* Node = GetItems()->GetFirstNode(); Node; Node = Node->GetNext()) {
+        Keys.emplace(Node, NaturalCollationKey(GetNodeCells(Node, DataCol)));
     }
+    OnCompare = [&Keys, Direction](TObject*, TFlyNode* Node1, TFlyNode* Node2, int& Compare) {
+        Compare = Keys[Node1].compare(Keys[Node2]);
+        if (Direction == srtDescending) Compare = -Compare;
+    };
+    {
+        const TUpdateBracket Bracket(GetItems());
+        SetSortType(stData);
+        for (TFlyNode* Node = GetItems()->GetFirstNode(); Node; Node = Node->GetNext()) Node->AlphaSort();
+    }
+    GetItems()->AlphaSort();
+    // Nodes that come later stay where they are put.
+    SetSortType(stNone);
+    OnCompare = nullptr;
+    if (Current) Current->SetFocused(true);
+    Q_EMIT sorted();
 }
 
 std::string TOutlineTree::SelectedText() {

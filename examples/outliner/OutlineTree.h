@@ -19,7 +19,13 @@ public:
     // Replaces nodes, columns and captions. Pictures and check marks are shown when the outline has any.
     void ShowOutline(const TOutline& Outline, std::vector<std::string> Captions);
     void ShowNothing();
-    const std::vector<std::string>& GetCaptions() const { return FCaptions; }
+    // As the file has them.
+    const std::vector<std::string>& FileCaptions() const { return FCaptions; }
+
+    // Puts the children of every node into the order of a data column's texts, numbers in them by value.
+    void SortBy(int DataCol, TSortDirection Direction);
+    // A click on a caption sorts by its column, a second one the other way round.
+    void CaptionClick(int DataCol) override;
 
     // The selected rows as lines, their cells separated by tabs.
     std::string SelectedText();
@@ -32,9 +38,9 @@ public:
 Q_SIGNALS:
     // The user ticked a node.
     void stateEdited();
+    void sorted();
 
 private:
-    void CellText(int ACol, int ARow, std::string& Value);
     void ClearChoices(TFlyNode* Chosen);
 
     std::vector<std::string> FCaptions;

@@ -41,6 +41,7 @@ TOutlinerWindow::TOutlinerWindow() : FTree(new TOutlineTree(this)) {
     connect(FTree, &TOutlineTree::expanded, this, &TOutlinerWindow::ViewChanged);
     connect(FTree, &TOutlineTree::collapsed, this, &TOutlinerWindow::ViewChanged);
     connect(FTree, &TOutlineTree::stateEdited, this, [this] { SetModified(true); });
+    connect(FTree, &TOutlineTree::sorted, this, [this] { SetModified(true); });
     DocumentChanged();
     FTree->setFocus();
 }
@@ -73,6 +74,11 @@ void TOutlinerWindow::MakeEditMenu() {
     QMenu* Menu = menuBar()->addMenu(tr("&Edit"));
     QAction* Copy = Menu->addAction(tr("&Copy Rows"), this, &TOutlinerWindow::CopySelected);
     Copy->setShortcut(QKeySequence::Copy);
+    QAction* All = Menu->addAction(tr("Select &All"), FTree, [this] { FTree->SelectAll(); });
+    All->setShortcut(QKeySequence::SelectAll);
+    Menu->addSeparator();
+    Menu->addAction(tr("Sort A to &Z"), FTree, [this] { FTree->SortBy(0, srtAscending); });
+    Menu->addAction(tr("Sort Z to &A"), FTree, [this] { FTree->SortBy(0, srtDescending); });
 }
 
 void TOutlinerWindow::MakeViewMenu(QToolBar* Tools) {
@@ -115,7 +121,7 @@ void TOutlinerWindow::OpenFile(const std::string& FileName) {
 
 void TOutlinerWindow::SaveFile(const std::string& FileName) {
     SaveOutline(FileName, *FTree->GetItems(), FOptions);
-    SaveCaptions(FileName, FTree->GetCaptions());
+    SaveCaptions(FileName, FTree->FileCaptions());
     FFileName = FileName;
     FViewChanged = false;
     SetModified(false);

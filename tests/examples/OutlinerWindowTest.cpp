@@ -151,6 +151,41 @@ TEST_F(OutlinerWindow, FindsNodesByTypedLetters) {
     EXPECT_EQ(Window.GetTree()->GetSelection()->GetText(), "Choice");
 }
 
+TEST_F(OutlinerWindow, SortsByTheCaptionThatIsClicked) {
+    Folder.Put("sizes.nodes", "SaveOptions:8\r\nBoxes,10\r\n\tb,2\r\n\ta,11\r\nArks,9\r\nCans\r\n");
+    Window.OpenFile(Folder.File("sizes.nodes"));
+    TOutlineTree* Tree = Window.GetTree();
+    Window.ExpandAll();
+    Tree->SetSelection(NodeOf(1));
+    const auto Click = [&](int Col) {
+        const TRect R = Tree->CellRect(Col, 0);
+        QTest::mouseClick(Tree->viewport(), Qt::LeftButton, {}, {(R.Left + R.Right) / 2, R.Bottom / 2});
+        std::string Texts;
+        for (int Row = 1; Row < Tree->GetRowCount(); ++Row) {
+            Texts += NodeOf(Row)->GetText() + (Row == Tree->GetRow() ? "< " : " ");
+        }
+        return Texts;
+    };
+    EXPECT_EQ(Click(0), "Arks Boxes< a b Cans ");
+    EXPECT_TRUE(Window.isWindowModified());
+    EXPECT_EQ(Click(1), "Cans Arks Boxes< b a ") << "numbers by value";
+    EXPECT_EQ(Click(1), "Boxes< a b Arks Cans ");
+    EXPECT_EQ(Tree->GetSortDirection(), srtDescending);
+    QTest::keyClick(Tree, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(Status(), "sizes.nodes (modified); 5 nodes; 5 rows; 5 selected; ");
+}
+
+TEST_F(OutlinerWindow, OpensWithTheColumnsInTheirPlacesAfterTheyWereMoved) {
+    Folder.Put("cells.nodes", "SaveOptions:8\r\nA,1\r\nB,2\r\n");
+    for (int Round = 0; Round < 2; ++Round) {
+        Window.OpenFile(Folder.File("cells.nodes"));
+        EXPECT_EQ(NodeOf(2)->GetText() + Window.GetTree()->GetEditText(1, 2), "B2");
+        Window.GetTree()->MoveColumn(0, 1);
+        Window.SaveFile(Folder.File("copy.nodes"));
+        EXPECT_EQ(Folder.Content("copy.nodes"), Folder.Content("cells.nodes"));
+    }
+}
+
 TEST_F(OutlinerWindow, ShowsTheTextsOfARowOnOneLine) {
     Folder.Put("lines.nodes", "SaveOptions:8\r\nFirst\r\nH,H,H\r\n");
     Window.OpenFile(Folder.File("lines.nodes"));

@@ -218,6 +218,29 @@ TEST(TreeMoving, ADroppedRowIsReportedAndMovesNoNode) {
     EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear Nuts");
 }
 
+TEST(TreeMoving, ADroppedColumnIsPaintedInItsNewPlaceAtOnce) {
+    TCaptionTree Tree;
+    Tree.Find("Apple")->SetCell(1, "one");
+    Tree.Drag(150, 10, 280, 10);
+    const QImage Seen = Tree.GetSurfaceImage();
+    Tree.Invalidate();
+    EXPECT_EQ(Seen, Tree.GetSurfaceImage());
+}
+
+TEST(TreeMoving, ADragMarksTheNodesBetweenPressAndMouse) {
+    TCaptionTree Tree;
+    Tree.Send(WM_LBUTTONDOWN, 150, 60);
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear Nuts");
+    Tree.Send(WM_MOUSEMOVE, 150, 110);
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear(sel) Nuts(sel)");
+    Tree.Send(WM_MOUSEMOVE, 150, 85);
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear(sel) Nuts");
+    Tree.Send(WM_MOUSEMOVE, 150, 30);
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel) Apple(sel)< Pear Nuts");
+    Tree.Send(WM_LBUTTONUP, 150, 30, {});
+    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel) Apple(sel)< Pear Nuts");
+}
+
 TEST(TreeMoving, ADroppedColumnTakesTheStructureAlong) {
     TCaptionTree Tree;
     Tree.Drag(50, 10, 180, 10);
