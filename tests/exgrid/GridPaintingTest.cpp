@@ -207,6 +207,24 @@ TEST(GridPainting, TextIsPlacedVertically) {
     EXPECT_EQ(R.Bottom, 20 + Line);
 }
 
+TEST(GridPainting, DragPicturesAreBlendedWhereThatIsPossible) {
+    TTestGrid Grid(100, 60, 1, 2);
+    Grid.GetCanvas()->GetBrush()->SetColor(clWhite);
+    Grid.GetCanvas()->FillRect({0, 0, 100, 60});
+    TRecordingCanvas Picture(20, 20);
+    Picture.GetBrush()->SetColor(clBlack);
+    Picture.FillRect({0, 0, 20, 20});
+    Grid.DrawDragImg(10, 10, 20, 20, Picture, true);
+    const TColor Blended = Grid.GetCanvas()->GetPixel(15, 15) & 0xFF;
+    EXPECT_NEAR(static_cast<double>(Blended), 255.0 * (255 - 160) / 255, 2);
+    const TAlphaBlendFunc Old = AlphaBlend;
+    AlphaBlend = nullptr;
+    Grid.DrawDragImg(40, 10, 20, 20, Picture, true);
+    AlphaBlend = Old;
+    EXPECT_EQ(Grid.GetCanvas()->GetPixel(45, 15), clBlack);
+    EXPECT_EQ(Grid.GetCanvas()->GetPixel(65, 15), clWhite);
+}
+
 TEST(GridPainting, RequestsToPaintCoverTheirCells) {
     TTestGrid Grid(400, 300, 10, 50);
     Grid.SetFixedCols(1);

@@ -86,10 +86,12 @@ TEST(Canvas, DrawsLinesWithoutTheirLastPoint) {
             Canvas.Rectangle({1, 0, 5, 4});
         };
     };
-    const auto Dots = [=](TCanvas& Canvas) {
-        Canvas.GetPen()->SetStyle(psDot);
-        Line(0, 0, 6, 0)(Canvas);
-        Line(5, 3, -1, 3)(Canvas);
+    const auto Styled = [=](TPenStyle Style) {
+        return [=](TCanvas& Canvas) {
+            Canvas.GetPen()->SetStyle(Style);
+            Line(0, 0, 6, 0)(Canvas);
+            Line(5, 3, -1, 3)(Canvas);
+        };
     };
     const auto Pixels = [](TCanvas& Canvas) {
         const TPoint Points[] = {{0, 0}, {2, 1}, {9, 9}, {-1, 0}, {5, 3}};
@@ -111,7 +113,8 @@ TEST(Canvas, DrawsLinesWithoutTheirLastPoint) {
         {"width 2", Line(3, 0, 3, 3, 2), "..##..\n..##..\n..##..\n......\n"},
         {"mirrored column", Mirrored(Line(2, 0, 2, 3)), "....#.\n....#.\n....#.\n......\n"},
         {"mirrored row", Mirrored(Line(1, 1, 4, 1)), "......\n...###\n......\n......\n"},
-        {"dots", Dots, "###...\n......\n......\n...###\n"},
+        {"clear", Styled(psClear), "......\n......\n......\n......\n"},
+        {"dots", Styled(psDot), "###...\n......\n......\n...###\n"},
         {"rectangle", Rectangle(pmCopy), ".####.\n.#..#.\n.#..#.\n.####.\n"},
         {"inverted rectangle", Rectangle(pmNot), ".####.\n.#..#.\n.#..#.\n.####.\n"},
         {"pixels", Pixels, "#.....\n..#...\n......\n.....#\n"},
