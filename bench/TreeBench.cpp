@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <random>
+#include <vector>
 
 namespace {
 
@@ -97,6 +99,98 @@ double PeerPaint(QTreeView& View) {
         60, [] { Settle(); }, [&View] { View.viewport()->repaint(); });
 }
 
+void Show() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+
+// Rows and pages scrolled as a user does, paint included.
+void Scrolling(TOurTree& Ours) {
+    TQuillTree& Tree = Ours.Tree;
+    const double Full = Ours.FullPaint();
+    const std::string Pitch = ", rows of " + std::to_string(Tree.GetDefaultRowHeight());
+    const int Below = Tree.GetFixedRows() + 5000;
+    const auto Key = [&](std::uint16_t Code) {
+        Tree.KeyDown(Code, {});
+        Show();
+    };
+    const auto Each = [&](const char* Name, double Allowed, auto Work) {
+        const double Time = Median(
+            60, [] { Settle(); },
+            [&] {
+                Work();
+                Show();
+            });
+        Report("scroll " + std::string(Name) + Pitch, Time, "ms", "our full paint", Full, Allowed);
+    };
+    const auto GoTo = [&](int Row) {
+        Tree.SetTopRow(Row);
+        Tree.SetRow(Row + Tree.GetVisibleRowCount() - 1);
+        Settle();
+    };
+    GoTo(Below);
+    Each("a row by key", 0.4, [&] { Key(VK_DOWN); });
+    Each("a row by the bar", 0.4, [&] { Tree.Perform(WM_VSCROLL, SB_LINEDOWN, 0); });
+    Each("a row by the wheel", 0.4, [&] { Tree.DoMouseWheelDown({}, {10, 100}); });
+    GoTo(Below);
+    Each("a page by key", 1.5, [&] { Key(VK_NEXT); });
+    Each("a page by the bar", 1.5, [&] { Tree.Perform(WM_VSCROLL, SB_PAGEDOWN, 0); });
+}
+
+// Warm: within ten thousand of the million rows. Anywhere, a look-up waits for memory (bench/ModelBench.cpp).
+void LookUps(TQuillTree& Tree) {
+    const int First = Tree.GetRowCount() / 2;
+    constexpr unsigned Window = 10000;
+    constexpr int Count = 1000000;
+    std::mt19937 Random(5);
+    std::vector<int> Order;
+    for (int Index = 0; Index < Count; ++Index) Order.push_back(First + static_cast<int>(Random() % Window));
+    std::vector<TFlyNode*> Nodes;
+    for (const int Row : Order) Nodes.push_back(Tree.GetNodeAtRow(Row));
+    std::size_t Sum = 0;
+    const auto Each = [&](const char* Name, auto LookUp) {
+        const TStopwatch Watch;
+        for (std::size_t Index = 0; Index < Count; ++Index) Sum += LookUp(Index);
+        Report(Name, Watch.Milliseconds() * 1000 / Count, "us", "1 us", 1, 0.5);
+    };
+    Each("row to node", [&](std::size_t Index) {
+        return reinterpret_cast<std::uintptr_t>(Tree.GetNodeAtRow(Order[Index])) & 1;
+    });
+    Each("node to row", [&](std::size_t Index) { return static_cast<std::size_t>(Nodes[Index]->GetRow()); });
+    Each("point to node", [&](std::size_t Index) {
+        return reinterpret_cast<std::uintptr_t>(Tree.GetNodeAt(100, Order[Index] % (Height - 20))) & 1;
+    });
+    if (Sum == 1) std::puts("");
+}
+
+// A million rows by a click at the first and a click with Shift at the last, and a click that clears them.
+void Selecting(TQuillTree& Tree) {
+    const auto Click = [&](TFlyNode* Node, TShiftState Shift) {
+        const TRect R = Tree.DisplayRect(Node, true);
+        const TPoint At{R.Left + 5, (R.Top + R.Bottom) / 2};
+        const TStopwatch Watch;
+        Tree.MouseDown(mbLeft, Shift + TShiftState{ssLeft}, At.X, At.Y);
+        Tree.MouseUp(mbLeft, Shift, At.X, At.Y);
+        return Watch.Milliseconds();
+    };
+    std::vector<double> Select;
+    std::vector<double> Clear;
+    for (int Run = 0; Run < 5; ++Run) {
+        Tree.SetTopRow(0);
+        Settle();
+        Click(Tree.GetNodeAtRow(0), {});
+        Tree.SetTopRow(Tree.GetRowCount());
+        Tree.SetTopRow(Tree.GetRowCount() - Tree.GetVisibleRowCount() - 1);
+        Settle();
+        TFlyNode* const Last = Tree.GetNodeAtRow(Tree.GetRowCount() - 3);
+        Select.push_back(Click(Last, {ssShift}));
+        if (Tree.GetItems()->RowList.GetSelectedCount() < Tree.GetRowCount() - 3)
+            std::puts("# not all selected");
+        Clear.push_back(Click(Last, {}));
+    }
+    std::sort(Select.begin(), Select.end());
+    std::sort(Clear.begin(), Clear.end());
+    Report("select a million rows by Shift and click", Select[2], "ms", "1 ms", 1, 40);
+    Report("clear them by a click", Clear[2], "ms", "1 ms", 1, 40);
+}
+
 void PaintAndExpand(int Groups) {
     TImageList Images(nullptr, 16, 16);
     TBitmap Bitmap;
@@ -129,7 +223,6 @@ void PaintAndExpand(int Groups) {
 
     // A node with 100 children near the top, so that the change is in view.
     TFlyNode* Node = Tree.GetItems()->GetFirstNode()->getFirstChild();
-    const auto Show = [&] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); };
     const double Collapse = Median(
         40,
         [&] {
@@ -154,13 +247,41 @@ void PaintAndExpand(int Groups) {
     Report("collapse 100 children in a million rows", Collapse, "ms", "our full paint", Full, 2);
 
     Node->Expand(false);
-    const double Row = Median(
-        60, [] { Settle(); },
-        [&] {
-            Tree.SetTopRow(Tree.GetTopRow() + 1);
-            Show();
-        });
-    Report("scroll by a row", Row, "ms", "our full paint", Full, 1);
+    Scrolling(Ours);
+    Tree.SetDefaultRowHeight(24); // with its line an odd distance
+    Scrolling(Ours);
+    LookUps(Tree);
+    Selecting(Tree);
+}
+
+// Moving one node inside a million siblings; the window is shown, and nothing is painted between.
+void MoveAmongSiblings(int Count) {
+    TImageList Images(nullptr, 16, 16);
+    TOurTree Ours(Images);
+    TFlyNodes& Items = *Ours.Tree.GetItems();
+    Items.BeginUpdate();
+    Items.Clear();
+    for (int Index = 0; Index < Count; ++Index) Items.Add(nullptr, "A node among many");
+    Items.EndUpdate();
+    Settle();
+    constexpr int Moves = 2000;
+    std::mt19937 Random(3);
+    const auto Any = [&] { return static_cast<int>(Random() % static_cast<unsigned>(Count)); };
+    const auto Each = [&](const char* Name, auto Work) {
+        const TStopwatch Watch;
+        for (int Move = 0; Move < Moves; ++Move) Work();
+        Report(Name, Watch.Milliseconds() * 1000 / Moves, "us", "1 us", 1, 50);
+    };
+    Each("move one of a million siblings, MoveTo",
+         [&] { Items.GetNodeFromIndex(Any())->MoveTo(Items.GetNodeFromIndex(Any()), naInsert); });
+    Each("move one of a million siblings, SetIndex", [&] { Items.GetNodeFromIndex(Any())->SetIndex(Any()); });
+    Items.GetNodeFromIndex(Count / 2)->SetHeight(40);
+    Settle();
+    TFlyNode* First = Items.GetFirstNode();
+    Items.AddChild(First, "child");
+    const double Shift = Median(
+        5, [&] { First->Collapse(false); }, [&] { First->Expand(false); });
+    Report("expand above a million rows, one of its own height", Shift, "ms", "1 ms", 1, 60);
 }
 
 void AddOneByOne(int Count) {
@@ -198,7 +319,7 @@ void Memory(int Groups) {
 int main(int ArgCount, char** Args) {
     if (!std::getenv("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication App(ArgCount, Args);
-    // --tenth runs with a tenth of the nodes, --only NAME one of memory, paint and add.
+    // --tenth runs with a tenth of the nodes, --only NAME one of memory, paint, move and add.
     bool Tenth = false;
     std::string Only;
     for (int Index = 1; Index < ArgCount; ++Index) {
@@ -209,6 +330,7 @@ int main(int ArgCount, char** Args) {
     const int Groups = Tenth ? 10 : 100;
     if (Wanted("memory")) Memory(Groups);
     if (Wanted("paint")) PaintAndExpand(Groups);
+    if (Wanted("move")) MoveAmongSiblings(Tenth ? 100000 : 1000000);
     if (Wanted("add")) AddOneByOne(Tenth ? 10000 : 100000);
     return 0;
 }

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <limits>
 #include <thread>
+#include <vector>
 
 namespace quill {
 
@@ -82,15 +83,17 @@ void TCustomQuillTree::SetTopItem(TFlyNode* Node) {
 
 void TCustomQuillTree::SetFixedRows(int Value) {
     const TControlGuard Guard(this);
-    // More rows are needed first, since the grid refuses fixed rows that leave no other row.
+    // More rows are needed first, since the grid refuses fixed rows that leave no other row. Hidden nodes have none.
     const int Count = FItems ? FItems->GetCount() : 0;
     constexpr std::int64_t Most = std::numeric_limits<int>::max();
-    if (Count == 0) {
-        SetRowCount(static_cast<int>(std::min(Most, std::int64_t{Value} + 1)));
-    } else if (Value >= Count) {
-        SetRowCount(static_cast<int>(std::min(Most, std::int64_t{Count} + Value)));
-    }
+    std::int64_t Rows = GetRowCount();
+    if (Count == 0 || Value >= GetRowCount()) Rows = std::int64_t{Value} + 1;
+    if (Count > 0 && Value >= Count) Rows = std::int64_t{Count} + Value;
+    Rows = std::min(Most, Rows);
+    if (Rows >= GetFixedRows()) SetRowCount(static_cast<int>(Rows));
     if (!Guard) return;
+    // A handler that was told of it may have decided otherwise.
+    if (Value >= GetRowCount() && GetRowCount() != Rows) return;
     TCustomExGrid::SetFixedRows(Value);
     if (Guard) FixupRows();
 }
@@ -185,12 +188,8 @@ void TCustomQuillTree::InsertRows(int Index, int Count) {
     if (!Guard) return;
     SetRowCount(GetRowCount() + Count);
     if (!Guard || FFitToHeight || IsLoading() || !HeightsMatter()) return;
-    const int Default = GetDefaultRowHeight();
-    StoreHeights(Index + 1 + Count, GetRowCount() - 1, true,
-                 [this, Count](int Row, int) { return GetRowHeights(Row - Count); });
-    if (!Guard) return;
-    StoreHeights(Index + 1, Index + Count, false,
-                 [Default](int, int Height) { return Height > 0 ? Height : Default; });
+    ShiftHeights(Index + 1 + Count, GetRowCount() - 1, -Count);
+    if (Guard) StoreOwnHeights(Index + 1, Index + Count);
 }
 
 void TCustomQuillTree::DeleteRows(int Index, int Count) {
@@ -199,10 +198,8 @@ void TCustomQuillTree::DeleteRows(int Index, int Count) {
     if (CanSlide()) SlideRowsUp(Index, Count);
     if (!Guard) return;
     if (!IsLoading() && HeightsMatter()) {
-        // Under FitToHeight storing only forgets measured heights, so nothing is measured to be moved. The last Count
-        // rows go away.
-        StoreHeights(Index + 1, GetRowCount() - Count - 1, false,
-                     [this, Count](int Row, int) { return FFitToHeight ? -1 : GetRowHeights(Row + Count); });
+        // The last Count rows go away.
+        ShiftHeights(Index + 1, GetRowCount() - Count - 1, Count);
     }
     if (Guard) SetRowCount(GetRowCount() - Count);
 }
@@ -210,11 +207,7 @@ void TCustomQuillTree::DeleteRows(int Index, int Count) {
 void TCustomQuillTree::FixupRowHeights(int FromRow) {
     const TControlGuard Guard(this);
     FromRow = std::max(FromRow, 0);
-    if (HeightsMatter()) {
-        const int Default = GetDefaultRowHeight();
-        StoreHeights(FromRow, GetRowCount() - 1, false,
-                     [Default](int, int Height) { return Height < 1 ? Default : Height; });
-    }
+    if (HeightsMatter()) StoreOwnHeights(FromRow, GetRowCount() - 1);
     if (Guard) InvalidateBox(0, FromRow, GetColCount() - 1, GetRowCount() - 1, false);
 }
 
@@ -237,39 +230,74 @@ bool TCustomQuillTree::HasHeightWatchers() const {
            HasListener("rowHeightChanged(int,int)");
 }
 
+// Calls Visit with the node of each of the rows First .. Last, null for placeholders. It must not change the rows.
+template <class TVisit>
+void TCustomQuillTree::VisitRows(int First, int Last, TVisit Visit) {
+    int Row = std::max(First, GetFixedRows());
+    Last = std::min(Last, GetFixedRows() + FItems->RowList.GetCount() - 1);
+    while (Row <= Last) {
+        for (TTreeSlot* const Slot : FItems->RowList.ChunkAt(Row - GetFixedRows())) {
+            if (Row > Last) return;
+            auto* const Item = Slot->IsPlaceholder() ? nullptr : static_cast<TTreeCollection*>(Slot);
+            Visit(Row++, static_cast<TFlyNode*>(Item));
+        }
+    }
+}
+
 // Stores HeightOf(Row, the node's own height) in the nodes of the rows First .. Last, from the last row up when Down.
 // Placeholders are passed over, and the scroll range follows once.
 template <class THeight>
 void TCustomQuillTree::StoreHeights(int First, int Last, bool Down, THeight HeightOf) {
     if (!FItems) return;
     const TControlGuard Guard(this);
-    First = std::max(First, GetFixedRows());
     bool Changed = false;
-    const auto Store = [&](int Row) {
-        TFlyNode* const Node = FItems->RowList.NodeAt(Row - GetFixedRows());
-        if (!Node) return;
-        const int Height = HeightOf(Row, Node->GetHeightField());
-        if (!Guard || Height == Node->GetHeightField()) return;
-        Changed = true;
-        if (HasHeightWatchers()) {
-            SetRowHeights(Row, Height);
-        } else {
+    if (!HasHeightWatchers()) {
+        VisitRows(First, Last, [&](int Row, TFlyNode* Node) {
+            if (!Node) return;
+            const int Height = HeightOf(Row, Node->GetHeightField());
+            if (Height == Node->GetHeightField()) return;
             Node->SetHeightField(FFitToHeight ? -1 : Height);
-        }
-    };
-    {
+            Changed = true;
+        });
+    } else {
         const TFlagScope Shifting(this, FShiftingHeights);
-        // A handler may take rows away.
-        const auto End = [this] { return GetFixedRows() + FItems->RowList.GetCount(); };
-        if (Down) {
-            for (int Row = std::min(Last, End() - 1); Guard && Row >= First; --Row) Store(Row);
-        } else {
-            for (int Row = First; Guard && Row <= Last && Row < End(); ++Row) Store(Row);
+        const int Low = std::max(First, GetFixedRows());
+        for (int Row = Down ? Last : Low; Guard && (Down ? Row >= Low : Row <= Last); Row += Down ? -1 : 1) {
+            const TFlyNode* const Node = FItems->RowList.NodeAt(Row - GetFixedRows());
+            if (!Node) continue;
+            const int Height = HeightOf(Row, Node->GetHeightField());
+            if (Height == Node->GetHeightField()) continue;
+            Changed = true;
+            SetRowHeights(Row, Height);
         }
     }
     if (!Guard || !Changed) return;
     InvalidateGrid();
     RowHeightsChanged();
+}
+
+// Each of the rows First .. Last takes the height that the row Offset further on has. Under FitToHeight storing only
+// forgets measured heights, so nothing is measured to be moved.
+void TCustomQuillTree::ShiftHeights(int First, int Last, int Offset) {
+    if (First > Last) return;
+    std::vector<int> Heights(static_cast<std::size_t>(Last - First + 1),
+                             FFitToHeight ? -1 : GetDefaultRowHeight());
+    const auto At = [&](int Row) -> int& { return Heights[static_cast<std::size_t>(Row - First)]; };
+    const TControlGuard Guard(this);
+    if (HasHeightWatchers() && !FFitToHeight) {
+        for (int Row = First; Guard && Row <= Last; ++Row) At(Row) = GetRowHeights(Row + Offset);
+    } else if (!FFitToHeight) {
+        VisitRows(First + Offset, Last + Offset, [&](int Row, const TFlyNode* Node) {
+            if (Node && Node->GetHeightField() != -1) At(Row - Offset) = Node->GetHeightField();
+        });
+    }
+    if (Guard) StoreHeights(First, Last, Offset < 0, [&](int Row, int) { return At(Row); });
+}
+
+// Rows whose nodes have no height of their own get the default one.
+void TCustomQuillTree::StoreOwnHeights(int First, int Last) {
+    const int Default = GetDefaultRowHeight();
+    StoreHeights(First, Last, false, [Default](int, int Height) { return Height < 1 ? Default : Height; });
 }
 
 int TCustomQuillTree::GetRowHeights(int Row) {

@@ -1,4 +1,5 @@
 // A handler may do anything: every event against every outrage, with real operations around them.
+#include "host/base/Errors.h"
 #include "tests/tree/TreeTestSupport.h"
 
 #include <QCoreApplication>
@@ -22,6 +23,22 @@ const std::pair<const char*, TOutrage> Outrages[] = {
      }},
     {"clear the tree", [](auto& Tree, TFlyNode*) { Tree->GetItems()->Clear(); }},
     {"destroy the tree", [](auto& Tree, TFlyNode*) { Tree.reset(); }},
+    {"change the counts",
+     [](auto& Tree, TFlyNode*) {
+         Tree->SetFixedRows(1 - Tree->GetFixedRows());
+         if (Tree) Tree->SetColCount(Tree->GetColCount() % 3 + 1);
+     }},
+    {"move the node",
+     [](auto& Tree, TFlyNode* Node) {
+         TFlyNode* First = Tree->GetItems()->GetFirstNode();
+         if (!Node || !First || First == Node || First->HasAsParent(Node)) return;
+         try {
+             Node->MoveTo(First, naInsert);
+         } catch (const EInvalidOperation&) {
+             // It is being deleted.
+         }
+     }},
+    {"select another", [](auto& Tree, TFlyNode*) { Tree->SetSelection(Tree->GetItems()->GetLastNode()); }},
     {"collapse everything", [](auto& Tree, TFlyNode*) { Tree->FullCollapse(); }},
     {"add nodes", [](auto& Tree, TFlyNode* Node) { Tree->GetItems()->AddChild(Node, "added"); }},
     {"scroll", [](auto& Tree, TFlyNode*) { Tree->SetTopRow(Tree->GetTopRow() + 1); }},
@@ -41,6 +58,19 @@ const std::pair<const char*, TAttach> Events[] = {
     {"OnChanging", [](TTestTree& T, auto H) { T.OnChanging = [H](TObject*, TFlyNode* N, bool&) { H(N); }; }},
     {"OnChange", [](TTestTree& T, auto H) { T.OnChange = [H](TObject*, TFlyNode* N) { H(N); }; }},
     {"OnDeletion", [](TTestTree& T, auto H) { T.OnDeletion = [H](TObject*, TFlyNode* N) { H(N); }; }},
+    {"OnCompare",
+     [](TTestTree& T, auto H) {
+         T.SetSortType(stBoth);
+         T.OnCompare = [H](TObject*, TFlyNode* A, TFlyNode* B, int& Compare) {
+             Compare = A->GetText().compare(B->GetText());
+             H(B);
+         };
+     }},
+    {"OnRowHeightChanging",
+     [](TTestTree& T, auto H) {
+         T.Find("Plum")->SetHeight(30);
+         T.OnRowHeightChanging = [&T, H](int Row, int&) { H(T.GetNodeAtRow(Row)); };
+     }},
     {"OnGetImageIndex",
      [](TTestTree& T, auto H) { T.OnGetImageIndex = [H](TObject*, TFlyNode* N) { H(N); }; }},
     {"OnGetSelectedIndex",
@@ -78,6 +108,27 @@ const std::pair<const char*, TOperation> Operations[] = {
      [](auto& Tree) {
          std::uint16_t Key = VK_DOWN;
          Tree->KeyDown(Key, {});
+     }},
+    {"choose, with branches that open by themselves",
+     [](auto& Tree) {
+         Tree->SetAutoExpand(true);
+         Tree->SetSelection(Tree->Find("Nuts"));
+     }},
+    {"extend the range",
+     [](auto& Tree) {
+         std::uint16_t Key = VK_END;
+         Tree->KeyDown(Key, {ssShift});
+     }},
+    {"search",
+     [](auto& Tree) {
+         TWMKey Message{};
+         Message.CharCode = U'n';
+         Tree->WMChar(Message);
+     }},
+    {"sort", [](auto& Tree) { Tree->GetItems()->AlphaSort(); }},
+    {"move",
+     [](auto& Tree) {
+         if (TFlyNode* N = Tree->Find("Fig")) N->MoveTo(Tree->Find("Nuts"), naAddChild);
      }},
     {"delete",
      [](auto& Tree) {
@@ -118,8 +169,8 @@ TEST(TreeHostile, EveryEventSurvivesEveryOutrageInEveryOperation) {
             }
         }
     }
-    EXPECT_EQ(Runs, 12 * 9 * 9);
-    EXPECT_GT(Fired, 500);
+    EXPECT_EQ(Runs, 14 * 12 * 14);
+    EXPECT_GT(Fired, 1000);
 }
 
 } // namespace

@@ -94,6 +94,10 @@ TEST(TreeRows, FixedRowsGrowTheRowCountFirst) {
     Tree.SetFixedRows(5);
     EXPECT_EQ(Tree.GetRowCount(), 7);
     EXPECT_EQ(Tree.GetNodeAtRow(5), Tree.Find("A"));
+    Tree.SetFixedRows(0);
+    for (const char* Text : {"A", "B"}) Tree.Find(Text)->Hide();
+    Tree.SetFixedRows(1); // nodes enough, but none with a row
+    EXPECT_EQ(Tree.GetRowCount(), 1);
     EXPECT_THROW(Tree.SetFixedRows(-1), EInvalidGridOperation);
 }
 
