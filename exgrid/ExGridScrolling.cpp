@@ -2,6 +2,7 @@
 #include "exgrid/ExGrid.h"
 
 #include "host/windows/Application.h"
+#include "host/windows/FlagScope.h"
 
 #include <algorithm>
 #include <limits>
@@ -9,24 +10,6 @@
 namespace quill {
 
 namespace {
-
-// A flag that is set for a stretch of code, also when that ends by an exception or with the grid gone.
-class TFlagScope {
-public:
-    TFlagScope(const TCustomControl* Control, bool& Flag) : FGuard(Control), FFlag(Flag), FOld(Flag) {
-        Flag = true;
-    }
-    ~TFlagScope() {
-        if (FGuard) FFlag = FOld;
-    }
-    TFlagScope(const TFlagScope&) = delete;
-    TFlagScope& operator=(const TFlagScope&) = delete;
-
-private:
-    TControlGuard FGuard;
-    bool& FFlag;
-    bool FOld;
-};
 
 int ScalePosition(int Value, int Range) {
     return Range > 0 ? MulDiv(Value, TCustomExGrid::BarScale, Range) : 0;

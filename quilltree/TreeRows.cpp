@@ -1,7 +1,7 @@
 // Rows and nodes: the row list, placeholders, heights, and rows that slide in and out.
 #include "host/graphics/Canvas.h"
 #include "host/windows/Application.h"
-#include "quilltree/FlagScope.h"
+#include "host/windows/FlagScope.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "host/base/Events.h"
 #include "host/base/Utf8.h"
 #include "host/windows/Application.h"
-#include "quilltree/FlagScope.h"
+#include "host/windows/FlagScope.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>

@@ -38,8 +38,9 @@ public:
         return MayBegin;
     }
     bool CheckColumnDrag(int&, int& Destination, const TPoint&) override {
-        if (OnCheck) OnCheck(Destination);
-        return Destination != Refused;
+        const int No = Refused;
+        if (OnCheck) OnCheck(Destination); // which may destroy the grid
+        return Destination != No;
     }
     bool EndColumnDrag(int& Origin, int& Destination, const TPoint&) override {
         Log += "end" + std::to_string(Origin) + ">" + std::to_string(Destination) + " ";
