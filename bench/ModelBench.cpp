@@ -227,6 +227,24 @@ void SingleChanges() {
     const double Small = Add(100000);
     Report("add 100,000 nodes one by one, each", Small, "us", "allowed", 2, 1);
     Report("each of 200,000", Add(200000), "us", "each of 100,000", Small, 1.5);
+    // Nodes that take their place by text among those that are there.
+    const auto AddSorted = [](int Count, bool Below) {
+        THeadlessHost Host;
+        TFlyNodes& Nodes = *Host.GetItems();
+        TFlyNode* const Parent = Below ? Nodes.Add(nullptr, "parent") : nullptr;
+        if (Below) {
+            Nodes.AddChild(Parent, "first");
+            Parent->Expand(false);
+        }
+        Host.SetSortType(stBoth);
+        std::mt19937 Random(9);
+        return Time([&] {
+                   for (int i = 0; i < Count; ++i) Nodes.AddChild(Parent, "item " + std::to_string(Random()));
+               }) *
+               1000 / Count;
+    };
+    Report("add 50,000 one by one in order, each", AddSorted(50000, false), "us", "allowed", 30, 1);
+    Report("the same below a node", AddSorted(50000, true), "us", "allowed", 30, 1);
 }
 
 void DeepAndFlat() {

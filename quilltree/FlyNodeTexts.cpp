@@ -120,6 +120,7 @@ void TFlyNode::StoreCell(int Index, std::string_view Value) {
 }
 
 void TFlyNode::StoreTexts(std::string_view Text, std::span<const std::string_view> Cells, bool WithCells) {
+    CaptionChanges();
     Texts().Assign(Text, WithCells, Cells);
     if (!HasFlag(FlagListCells)) return;
     SetFlag(FlagListCells, false);

@@ -77,8 +77,37 @@ void TFlyNodes::Materialised(TTreeCollection* Item) {
     if (Self && ItemWatch) TTreeCollection::Materialised(Item);
 }
 
+// While a node is added to a collection that is in order by text, nobody else sorts: it takes its place at last. Nodes
+// that handlers add meanwhile are sorted as ever.
+class TFlyNodes::TPlacingScope {
+public:
+    TPlacingScope(TFlyNodes* Container, TTreeCollection* Collection)
+        : FContainer(Container), FCollection(Collection) {
+        FActive = Container->SortsNodes() && !Container->FHost->HasCompare() && !Container->FPlacing &&
+                  Container->GetUpdateCount() == 0;
+        if (!FActive) return;
+        Collection->ExpectNewcomer();
+        Container->FPlacing = Collection == Container;
+    }
+    ~TPlacingScope() {
+        if (!FActive) return;
+        if (FContainer) FContainer->FPlacing = false;
+        if (FCollection) FCollection->EndNewcomer(FNode);
+    }
+    TPlacingScope(const TPlacingScope&) = delete;
+    TPlacingScope& operator=(const TPlacingScope&) = delete;
+    void SetNode(TFlyNode* Node) { FNode.Reset(Node); }
+
+private:
+    TWatch<TFlyNodes> FContainer;
+    TWatch<TTreeCollection> FCollection;
+    TWatch<TFlyNode> FNode{nullptr};
+    bool FActive = false;
+};
+
 TFlyNode* TFlyNodes::InternalAddObject(TFlyNode* Parent, const std::string& S, void* Ptr, TAddMode Mode) {
     const TWatch<TFlyNodes> Self(this);
+    TPlacingScope Placing(this, Parent ? static_cast<TTreeCollection*>(Parent) : this);
     TFlyNode* Node = nullptr;
     {
         const TBirthWatch Birth;
@@ -86,6 +115,7 @@ TFlyNode* TFlyNodes::InternalAddObject(TFlyNode* Parent, const std::string& S, v
         if (!Node || Birth.Died()) return nullptr;
     }
     const TWatch<TFlyNode> NodeWatch(Node);
+    Placing.SetNode(Node);
     Node->SetData(Ptr);
     if (NodeWatch) Node->SetCaption(S);
     if (NodeWatch && Mode == taAddFirst) Node->SetIndex(0);
@@ -107,10 +137,25 @@ void TFlyNodes::PlaceSorted(TFlyNode* Node) {
             FSortDue = true;
         }
     } else if (!Parent) {
-        AlphaSort();
+        SortTopLevelNow(Node);
     } else if (Parent->GetExpanded()) {
-        Parent->AlphaSort();
+        const TWatch<TFlyNode> ParentWatch(Parent);
+        if (!PlaceNewcomerAmong(Parent, Node)) {
+            Parent->AlphaSort();
+        } else if (ParentWatch) {
+            Parent->SetSortedField(true);
+        }
     }
+}
+
+bool TFlyNodes::SortsByComparison() const {
+    const TSortType Sort = FHost ? FHost->GetSortType() : stBoth;
+    return Sort == stData || Sort == stBoth;
+}
+
+bool TFlyNodes::PlaceNewcomerAmong(TTreeCollection* Collection, TFlyNode* Node) {
+    if (FHost && FHost->HasCompare()) return false;
+    return Collection->PlaceNewcomer(Node, SortsByComparison() ? TTextOrder::Locale : TTextOrder::Natural);
 }
 
 void TFlyNodes::SortDueChildren() {
@@ -443,16 +488,23 @@ void TFlyNodes::Repaint(TFlyNode* Node) {
 
 // --- sorting and copying ------------------------------------------------------------------------------------------------
 
-bool TFlyNodes::AlphaSort() {
+bool TFlyNodes::AlphaSort() { return SortTopLevelNow(nullptr); }
+
+// Of a Newcomer among nodes in order, only the place is to be found.
+bool TFlyNodes::SortTopLevelNow(TFlyNode* Newcomer) {
     if (GetUpdateCount() > 0) return false;
     const TWatch<TFlyNodes> Self(this);
+    const TWatch<TFlyNode> NewcomerWatch(Newcomer);
     TWatch<TFlyNode> Focused(nullptr);
     if (FHost) Focused.Reset(FHost->GetNodeAtRow(FHost->GetRow()));
     if (!Self) return true;
     {
         const TUpdateBracket Bracket(this);
+        const TRowPatch Patch(Newcomer ? this : nullptr);
         try {
-            SortTopLevel();
+            if (!NewcomerWatch || !PlaceNewcomerAmong(this, NewcomerWatch)) {
+                TFlyNode::SortItems(this, FHost, SortsByComparison());
+            }
         } catch (...) {
             // The end of the bracket would sort again, and fail again, without end.
             if (Self) FSorted = true;
@@ -462,11 +514,6 @@ bool TFlyNodes::AlphaSort() {
     }
     if (Focused) Focused->SetFocused(true);
     return true;
-}
-
-void TFlyNodes::SortTopLevel() {
-    const TSortType Sort = FHost ? FHost->GetSortType() : stBoth;
-    TFlyNode::SortItems(this, FHost, Sort == stData || Sort == stBoth);
 }
 
 void TFlyNodes::Assign(TPersistent* Source) {

@@ -123,7 +123,8 @@ public:
     // Highest tag issued so far, -1 when none.
     int GetLastUniqueTag() const { return FLastUniqueTag; }
     void SetLastUniqueTag(int Value) { FLastUniqueTag = Value; }
-    bool GetSorted() const { return FSorted; }
+    // True also while a node is added that will be put in its place.
+    bool GetSorted() const { return FSorted || FPlacing; }
     void SetSorted(bool Value) { FSorted = Value; }
     // What every new node starts with.
     int GetDefaultStateIndex() const { return FDefaultStateIndex; }
@@ -210,14 +211,18 @@ private:
     void SelectionUpTo(TFlyNode* Node, int FirstRow, int EndRow);
     void DropRowsBelow(TFlyNode* Node);
     void SortDueChildren();
+    class TPlacingScope;
     void PlaceSorted(TFlyNode* Node);
     bool SortsNodes() const;
-    void SortTopLevel();
+    bool SortsByComparison() const;
+    bool SortTopLevelNow(TFlyNode* Newcomer);
+    bool PlaceNewcomerAmong(TTreeCollection* Collection, TFlyNode* Node);
 
     INodeHost* FHost;
     TFlyNode::TAnchor* FAnchor;
     bool FEnumerating = false;
     bool FSorted = false;
+    bool FPlacing = false;
     // Inside the bracket of a single operation that follows its own change.
     bool FPatchInBracket = false;
     // Some node has FlagSortDue.

@@ -119,14 +119,61 @@ void TTreeCollection::CustomSort(const TTreeCompare& Compare, bool Ascending) {
     std::erase_if(Items, [&](const TTreeCollection* Item) {
         return Watch.IsGone(Item) || Item->GetCollection() != this;
     });
-    TakeOrder(std::move(Items));
+    TakeOrder(std::move(Items), 0);
 }
 
 void TTreeCollection::SortByText(TTextOrder Order, bool Ascending) {
-    if (GetCount() < 2) return;
     TItems Items = ExistingItems();
-    SortByKeys(Items, Order, Ascending);
-    TakeOrder(std::move(Items));
+    const std::uint32_t Flag = Order == TTextOrder::Natural ? FlagNaturalOrder : FlagLocaleOrder;
+    // Placeholders have no texts, and keep their slots.
+    const bool Whole = Ascending && Items.size() == static_cast<std::size_t>(GetCount());
+    if (Items.size() > 1) SortByKeys(Items, Order, Ascending);
+    TakeOrder(std::move(Items), Whole ? Flag : 0);
+}
+
+// --- newcomers ----------------------------------------------------------------------------------------------------
+
+void TTreeCollection::ExpectNewcomer() { SetFlag(FlagExpectsNewcomer, true); }
+
+bool TTreeCollection::PlaceNewcomer(TTreeCollection* Item, TTextOrder Order) {
+    const std::uint32_t Flag = Order == TTextOrder::Natural ? FlagNaturalOrder : FlagLocaleOrder;
+    if (Item->FCollection != this || !Item->HasFlag(FlagNewcomer) || !HasFlag(Flag)) return false;
+    const auto KeyOf = [Order](const TTreeCollection* Of) {
+        std::string Key;
+        if (Order == TTextOrder::Natural) {
+            AppendNaturalCollationKey(Key, Of->GetCaptionView());
+        } else {
+            AppendCollationKey(Key, Of->GetCaptionView());
+        }
+        return Key;
+    };
+    const std::string Wanted = KeyOf(Item);
+    const int Own = Item->GetIndex();
+    // The places among the others: before those that are greater, behind those that are less. Sorting is stable: among
+    // equals the item stays on its side.
+    const auto FirstWhere = [&](const auto& Behind) {
+        int Low = 0;
+        int High = GetCount() - 1;
+        while (Low < High) {
+            const int Middle = Low + (High - Low) / 2;
+            const TTreeSlot* const Slot = FItems->Get(Middle < Own ? Middle : Middle + 1);
+            if (Behind(KeyOf(static_cast<const TTreeCollection*>(Slot)))) {
+                High = Middle;
+            } else {
+                Low = Middle + 1;
+            }
+        }
+        return Low;
+    };
+    const int First = FirstWhere([&](const std::string& Key) { return Key >= Wanted; });
+    const int Last = FirstWhere([&](const std::string& Key) { return Key > Wanted; });
+    Item->SetIndex(std::clamp(Own, First, Last));
+    return true;
+}
+
+void TTreeCollection::EndNewcomer(TTreeCollection* Item) {
+    SetFlag(FlagExpectsNewcomer, false);
+    if (Item) Item->SetFlag(FlagNewcomer, false);
 }
 
 TItems TTreeCollection::ExistingItems() const {
@@ -143,7 +190,9 @@ TItems TTreeCollection::ExistingItems() const {
 }
 
 // Sorted holds items of this collection; those that it lacks (added by a comparison) come behind them.
-void TTreeCollection::TakeOrder(TItems Sorted) {
+void TTreeCollection::TakeOrder(TItems Sorted, std::uint32_t OrderFlag) {
+    DoubtOrder();
+    FFlags |= OrderFlag;
     const TItems Current = ExistingItems();
     if (Current == Sorted) return;
     if (Current.size() != Sorted.size()) {

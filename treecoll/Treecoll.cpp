@@ -91,10 +91,17 @@ void TTreeCollection::Link(TTreeCollection* AOwner) {
     if (!Claim || Claim->Owner != AOwner || !Claim->Slot) {
         AOwner->Items().Add(this);
         FCollection = AOwner;
+        if (AOwner->HasFlag(FlagExpectsNewcomer)) {
+            AOwner->SetFlag(FlagExpectsNewcomer, false);
+            SetFlag(FlagNewcomer, true);
+        } else {
+            AOwner->DoubtOrder();
+        }
         return;
     }
     TTreeSlot* const Placeholder = std::exchange(Claim->Slot, nullptr);
     SetFlag(FlagBornInSlot, true);
+    AOwner->DoubtOrder();
     AOwner->FItems->Replace(AOwner->FItems->IndexOf(Placeholder), this);
     FCollection = AOwner;
     AOwner->SlotReplaced(Placeholder, this);
@@ -341,6 +348,7 @@ void TTreeCollection::Materialised(TTreeCollection* Item) {
 void TTreeCollection::InsertPlaceholders(int Index, int Count) {
     if (Index < 0 || Index > GetCount()) RaiseIndexError(Index);
     if (Count <= 0) return;
+    DoubtOrder();
     // In batches, so that ten million need no list of ten million besides.
     std::array<TTreeSlot*, 4096> Batch;
     for (int Done = 0; Done < Count;) {
@@ -381,6 +389,7 @@ void TTreeCollection::SetTreeCollection(TTreeCollection* Value) {
     if (Value) {
         Value->Items().Add(this);
         FCollection = Value;
+        Value->DoubtOrder();
         Value->SlotsInserted(Value->GetCount() - 1, 1);
     }
     if (OldWatch.IsAlive()) OldParent->ItemsChanged();
@@ -392,6 +401,7 @@ void TTreeCollection::SetIndex(int Value) {
     if (Value < 0 || Value >= FCollection->GetCount()) RaiseIndexError(Value);
     const int Old = GetIndex();
     if (Old == Value) return;
+    if (!HasFlag(FlagNewcomer)) FCollection->DoubtOrder();
     FCollection->FItems->Move(Old, Value);
     FCollection->SlotMoved(Old, Value);
     FCollection->ItemsChanged();
@@ -405,7 +415,12 @@ void TTreeCollection::SetItemMark(bool Value) {
     }
 }
 
-void TTreeCollection::SetCaption(const std::string& Value) { FTexts.SetCaption(Value); }
+void TTreeCollection::SetCaption(const std::string& Value) { StoreCaption(Value); }
+
+void TTreeCollection::StoreCaption(std::string_view Value) {
+    CaptionChanges();
+    FTexts.SetCaption(Value);
+}
 
 std::string TTreeCollection::GetDisplayName() const {
     return GetCaptionView().empty() ? ClassName() : GetCaption();

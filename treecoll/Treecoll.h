@@ -124,6 +124,12 @@ public:
     // once.
     enum class TTextOrder { Natural, Locale };
     void SortByText(TTextOrder Order, bool Ascending);
+    // For adding to items that are in order. The next item linked here, until EndNewcomer, is a newcomer: its texts and
+    // its place do not count. PlaceNewcomer moves it to where SortByText (ascending) would, at O(log n) comparisons;
+    // false when the others may be out of order.
+    void ExpectNewcomer();
+    bool PlaceNewcomer(TTreeCollection* Item, TTextOrder Order);
+    void EndNewcomer(TTreeCollection* Item);
 
     // --- this item --------------------------------------------------------------------------------------------
     std::string GetCaption() const { return std::string(FTexts.GetCaption()); }
@@ -179,7 +185,12 @@ public:
         FlagNode = 1u << 6,       // this is a TFlyNode,
         FlagContainer = 1u << 7,  // this is a TFlyNodes: known without a cast
         FlagReleasing = 1u << 8,  // the steps are done; the destructor may run
-        FlagsOfDescendants = 1u << 9
+        // The items are in this order, newcomers aside.
+        FlagNaturalOrder = 1u << 9,
+        FlagLocaleOrder = 1u << 10,
+        FlagExpectsNewcomer = 1u << 11,
+        FlagNewcomer = 1u << 12,
+        FlagsOfDescendants = 1u << 13
     };
     bool HasFlag(std::uint32_t Flag) const { return (FFlags & Flag) != 0; }
 
@@ -230,7 +241,11 @@ protected:
     TPackedTexts& Texts() { return FTexts; }
     const TPackedTexts& Texts() const { return FTexts; }
     void StoreData(void* Value) { FData = Value; }
-    void StoreCaption(std::string_view Value) { FTexts.SetCaption(Value); }
+    void StoreCaption(std::string_view Value);
+    // To be called before a caption changes.
+    void CaptionChanges() {
+        if (FCollection && !HasFlag(FlagNewcomer)) FCollection->DoubtOrder();
+    }
     // The mark that the parent's list counts.
     bool GetItemMark() const { return GetMark(ChildList); }
     void SetItemMark(bool Value);
@@ -251,7 +266,8 @@ private:
     bool DropLastPlaceholders();
     void CopyItems(const TTreeCollection& Source);
     std::vector<TTreeCollection*> ExistingItems() const;
-    void TakeOrder(std::vector<TTreeCollection*> Sorted);
+    void TakeOrder(std::vector<TTreeCollection*> Sorted, std::uint32_t OrderFlag);
+    void DoubtOrder() { FFlags &= ~std::uint32_t{FlagNaturalOrder | FlagLocaleOrder}; }
 
     std::uint32_t FFlags = 0;
 

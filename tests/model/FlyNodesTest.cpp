@@ -1,10 +1,12 @@
 // Structure, adding, removing, brackets and lookup.
 #include "ModelTestTools.h"
 
+#include "host/base/Collation.h"
 #include "host/base/Errors.h"
 #include "host/base/Strings.h"
 
 #include <algorithm>
+#include <random>
 #include <vector>
 
 namespace quill {
@@ -397,6 +399,56 @@ TEST(FlyNodesAlone, ANodeOutlivesItsContainerWithoutAnOwner) {
     EXPECT_EQ(Dump(*Keep.GetItems()), "x(+) [b(+) [c]] | x b c");
     EXPECT_EQ(Moved->getFirstChild()->GetOwner(), Keep.GetItems())
         << "a node that gets a row belongs to its list";
+}
+
+// A node added to nodes in order goes to its place alone; whatever may have put the others out of order has all of them
+// sorted again. Either way the result is what sorting everything gives.
+TEST(Sorting, AnAddedNodeComesWhereSortingEverythingWouldPutIt) {
+    std::mt19937 Random(11);
+    const auto Any = [&](int Count) { return static_cast<int>(Random() % static_cast<unsigned>(Count)); };
+    int Added = 0;
+    for (const TSortType Sort : {stText, stBoth}) {
+        for (const bool Below : {false, true}) {
+            THeadlessHost Host;
+            TFlyNodes& Nodes = *Host.GetItems();
+            TFlyNode* const Parent = Below ? Nodes.Add(nullptr, "parent") : nullptr;
+            TTreeCollection& Siblings = Below ? static_cast<TTreeCollection&>(*Parent) : Nodes;
+            if (Below) Nodes.AddChild(Parent, "first");
+            if (Below) Parent->Expand(false);
+            Host.SetSortType(Sort);
+            for (int Step = 0; Step < 400; ++Step) {
+                const int Count = Siblings.GetCount();
+                auto* const Node = Count > 0 ? static_cast<TFlyNode*>(Siblings.GetItem(Any(Count))) : nullptr;
+                const std::string Text = (Any(2) ? "n" : "N") + std::to_string(Any(60));
+                const int Kind = Node ? Any(10) : 9;
+                if (Kind == 0) Node->SetText(Text);
+                if (Kind == 1) Node->SetIndex(0);
+                if (Kind == 2 && Count > 1) Node->Delete();
+                if (Kind == 3) Node->StoreTexts(Text, {});
+                if (Kind < 4) continue;
+                std::vector<std::pair<std::string, TFlyNode*>> Expected;
+                for (int i = 0; i < Siblings.GetCount(); ++i) {
+                    auto* const Old = static_cast<TFlyNode*>(Siblings.GetItem(i));
+                    Expected.emplace_back(Old->GetText(), Old);
+                }
+                const bool First = Kind == 4;
+                TFlyNode* const New =
+                    First ? Nodes.AddChildFirst(Parent, Text) : Nodes.AddChild(Parent, Text);
+                Expected.emplace(First ? Expected.begin() : Expected.end(), Text, New);
+                std::stable_sort(Expected.begin(), Expected.end(), [&](const auto& A, const auto& B) {
+                    return (Sort == stText ? CompareTextNatural : CompareTextLocale)(A.first, B.first) < 0;
+                });
+                for (std::size_t i = 0; i < Expected.size(); ++i) {
+                    ASSERT_EQ(Siblings.GetItem(static_cast<int>(i)), Expected[i].second)
+                        << Step << " " << Text;
+                }
+                ASSERT_NO_THROW(Nodes.CheckInvariants());
+                ASSERT_TRUE(Nodes.IsRowListCurrent());
+                ++Added;
+            }
+        }
+    }
+    EXPECT_GT(Added, 800);
 }
 
 } // namespace
