@@ -413,6 +413,7 @@ private:
     unsigned TextFlags() const;
     bool SelectionSpans(int ACol) const;
     bool ShowsImage(TFlyNode* Node) const;
+    TRect PaintedStructureCell(int Row);
 
     bool IsCaption(int ACol, int ARow) const;
     bool IsCaptionPressed(int ACol, int ARow) const;

@@ -29,6 +29,17 @@ bool TCustomQuillTree::ShowsImage(TFlyNode* Node) const {
     return (Node->GetSelected() && Node->GetSelectedIndex() >= 0) || Node->GetImageIndex() >= 0;
 }
 
+// The structure cell of a row where it is painted: moved with an only column that is scrolled by pixels, and as high as
+// the row where the client cuts it.
+TRect TCustomQuillTree::PaintedStructureCell(int Row) {
+    TRect R = CellRect(FStructureCol, Row);
+    if (R.IsEmpty()) return R;
+    (UseRightToLeftAlignment() ? R.Right : R.Left) +=
+        UseRightToLeftAlignment() ? GetHOffset() : -GetHOffset();
+    R.Bottom = R.Top + GetRowHeights(Row);
+    return R;
+}
+
 TRect TCustomQuillTree::DisplayRect(TFlyNode* Node, bool TextOnly) {
     if (!Node || !Node->IsNodeVisible()) return {};
     TRect R = CellRect(FStructureCol, Node->GetRow());
@@ -36,16 +47,17 @@ TRect TCustomQuillTree::DisplayRect(TFlyNode* Node, bool TextOnly) {
         R.Right = GetClientWidth();
         return R;
     }
+    const TRect Painted = PaintedStructureCell(Node->GetRow());
     const int Level = Node->GetLevel();
     const bool Indented = Level > 0 || FShowRoot;
     if (!UseRightToLeftAlignment()) {
-        R.Left += Level * FIndent;
+        R.Left = Painted.Left + Level * FIndent;
         if ((FShowlines || FShowButtons) && Indented) R.Left += FIndent;
         if (FShowLogic && Node->GetStateIndex() >= 1) R.Left += FIndent;
         if (FShowImages && ShowsImage(Node)) R.Left += FIndent;
     } else {
         // Button, state and image are tested differently in this direction; kept so.
-        R.Right -= Level * FIndent;
+        R.Right = Painted.Right - Level * FIndent;
         if ((FShowlines || (FShowButtons && Node->GetChildren())) && Indented) R.Right -= FIndent;
         if (FShowLogic) R.Right -= FIndent;
         if (FShowImages) R.Right -= FIndent;
@@ -68,10 +80,9 @@ THitTests TCustomQuillTree::GetHitTestInfoAt(int X, int Y) {
         return Result;
     }
     const bool Mirrored = UseRightToLeftAlignment();
-    const int ClientWidth = GetClientWidth();
-    TRect C = CellRect(FStructureCol, Cell.Y);
-    // From here on positions run in the cell's own direction: distances from its leading edge.
-    const int At = Mirrored ? C.Right - X : X - C.Left;
+    const TRect C = PaintedStructureCell(Cell.Y);
+    // From here on positions run in the cell's own direction: pixels from its leading edge.
+    const int At = Mirrored ? C.Right - 1 - X : X - C.Left;
     if (At < 0) {
         Result.Include(htToLeft);
         return Result;
@@ -111,12 +122,10 @@ THitTests TCustomQuillTree::GetHitTestInfoAt(int X, int Y) {
             return Result;
         }
     }
-    const bool BehindCell = Mirrored ? X < C.Left : X > C.Right;
-    const bool BehindClient = Mirrored ? X < 0 : X >= ClientWidth;
-    if (BehindCell && !BehindClient) {
-        Result.Include(htOnRight);
-    } else if (BehindClient) {
+    if (Mirrored ? X < 0 : X >= GetClientWidth()) {
         Result.Include(htToRight);
+    } else if (At > C.Width()) {
+        Result.Include(htOnRight);
     }
     return Result;
 }
