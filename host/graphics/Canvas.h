@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class QImage;
 class QPainter;
@@ -103,6 +104,7 @@ public:
     // --- mapping and clipping ---------------------------------------------------------------------------------
     // The mirrored mapping over Width pixels; Width counts only when On.
     virtual void SetMirrored(bool On, int Width);
+    int GetMirrorWidth() const { return FMirrorWidth; }
     TCanvasOrientation GetCanvasOrientation() const { return FMirrored ? coRightToLeft : coLeftToRight; }
     double GetScale() const { return FScale; }
     // Device pixels of x on the surface.
@@ -152,6 +154,9 @@ public:
     int TextWidth(std::string_view Text) { return TextExtent(Text).cx; }
     int TextHeight(std::string_view Text) { return TextExtent(Text).cy; }
     virtual TTextMetrics GetTextMetrics();
+    // Appends the widths of the starts of a line, one for each of Text's characters (code points; a malformed byte
+    // is one). Exact where TextWidth rounds up to whole pixels.
+    void AppendTextEnds(std::string_view Text, std::vector<double>& Ends);
     // TRANSPARENT or OPAQUE (text background filled with the brush); returns the old mode.
     virtual int SetBkMode(int Mode);
     int GetBkMode() const { return FBkMode; }

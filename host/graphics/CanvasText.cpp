@@ -133,6 +133,14 @@ TSize TCanvas::TextExtent(std::string_view Text) {
     return {Units(Extent.Width, FScale), Units(Extent.Height, FScale)};
 }
 
+void TCanvas::AppendTextEnds(std::string_view Text, std::vector<double>& Ends) {
+    const text::TFace* Face = FState->FontUse.Resolve(FFont, FScale);
+    if (Face == nullptr) return;
+    const std::size_t Start = Ends.size();
+    text::AppendEnds(*Face, Text, (FTextFlags & ETO_RTLREADING) != 0, Ends);
+    for (std::size_t I = Start; I < Ends.size(); ++I) Ends[I] /= FScale;
+}
+
 TTextMetrics TCanvas::GetTextMetrics() {
     const text::TFace* Face = FState->FontUse.Resolve(FFont, FScale);
     if (Face == nullptr) return {};

@@ -447,6 +447,47 @@ TExtent Measure(const TFace& Face, std::string_view Text, int Width, unsigned Fl
     return {std::max(Widest.Width, Block.Width), Clamped(static_cast<double>(Lines) * Face.LineHeight())};
 }
 
+void AppendEnds(const TFace& Face, std::string_view Text, bool RightToLeft, std::vector<double>& Ends) {
+    // Finding a position in a line costs the characters before it, so lines are kept short.
+    constexpr qsizetype Piece = 128;
+    QString Line = ToQString(Text);
+    BlankControls(Line);
+    double Width = 0.0;
+    for (qsizetype Start = 0; Start < Line.size();) {
+        qsizetype End = std::min(Start + Piece, Line.size());
+        if (End < Line.size()) {
+            const qsizetype Space = Line.lastIndexOf(u' ', End - 1);
+            if (Space > Start) End = Space + 1;
+            if (Line[End - 1].isHighSurrogate()) ++End;
+        }
+        QTextLayout Layout(Line.mid(Start, End - Start), Face.Font);
+        QTextOption Option(Qt::AlignLeft | Qt::AlignAbsolute);
+        Option.setWrapMode(QTextOption::NoWrap);
+        Option.setTextDirection(RightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+        Option.setFlags(QTextOption::IncludeTrailingSpaces);
+        Layout.setTextOption(Option);
+        Layout.beginLayout();
+        QTextLine Shaped = Layout.createLine();
+        Shaped.setLineWidth(WidestLine);
+        Layout.endLayout();
+        const QString& Shown = Layout.text();
+        // Steps in both directions count: what is asked is how much room the characters take.
+        int Index = 0;
+        double Last = Shaped.cursorToX(0);
+        double Reached = 0.0;
+        while (Index < Shown.size()) {
+            Index += Shown[Index].isHighSurrogate() && Index + 1 < Shown.size() ? 2 : 1;
+            const double X = Shaped.cursorToX(Index);
+            Reached += std::abs(X - Last);
+            Last = X;
+            Ends.push_back(Width + std::min(Reached, Shaped.horizontalAdvance()));
+        }
+        Width += Shaped.horizontalAdvance();
+        if (!Ends.empty()) Ends.back() = Width;
+        Start = End;
+    }
+}
+
 std::string_view VisiblePart(const TFace& Face, std::string_view Text, int Width, int Height,
                              unsigned Flags) {
     // Far more bytes than characters of common width could need, to leave room for narrow and combining ones.

@@ -88,6 +88,10 @@ struct TExtent {
 // there, so that a text of any length takes milliseconds at most.
 TExtent Measure(const TFace& Face, std::string_view Text, int Width, unsigned Flags);
 
+// Appends where a single line that begins with Text would end after each of its characters, as widths from its start.
+// Long texts are shaped in pieces. Nothing is cached.
+void AppendEnds(const TFace& Face, std::string_view Text, bool RightToLeft, std::vector<double>& Ends);
+
 // The start of Text that can be visible on Width x Height pixels.
 std::string_view VisiblePart(const TFace& Face, std::string_view Text, int Width, int Height, unsigned Flags);
 

@@ -1,0 +1,344 @@
+// The markup renderer: what is drawn in which look, where lines end, and what a text measures.
+#include "htmldraw/HTMLDraw.h"
+
+#include "host/graphics/RecordingCanvas.h"
+
+#include <QImage>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <random>
+#include <string>
+
+namespace quill::testing {
+namespace {
+
+constexpr TColor TextColor = 0x102030;
+constexpr TColor Paper = 0xFFFFFF;
+
+class THtmlCanvas : public TRecordingCanvas {
+public:
+    explicit THtmlCanvas(double Scale = 1.0) : TRecordingCanvas(400, 200, Scale) {
+        GetFont()->SetHeight(-14);
+        GetFont()->SetColor(TextColor);
+        GetBrush()->SetColor(Paper);
+        ClearLog();
+    }
+    void DrawText(const std::string& Text, TRect Rect = {10, 10, 390, 190}, bool Wrap = false, int Horz = 0,
+                  int Vert = 0) {
+        ClearLog();
+        DrawHTML(Rect, *this, Text, Wrap, false, Horz, Vert);
+    }
+    TSize Measure(const std::string& Text, int Width = 400, bool Wrap = false) {
+        TRect R{7, 9, 7 + Width, 9};
+        DrawHTML(R, *this, Text, Wrap, true, 0, 0);
+        EXPECT_EQ(R.Left, 7);
+        EXPECT_EQ(R.Top, 9);
+        return {R.Width(), R.Height()};
+    }
+    using TRecordingCanvas::DrawText;
+};
+
+// What a text is drawn as: each piece with its styles, colour and background where they differ from the start. Lines
+// are told apart by "/".
+std::string Pieces(const std::string& Text, bool Wrap = false, int Width = 380) {
+    THtmlCanvas Canvas;
+    Canvas.DrawText(Text, {10, 10, 10 + Width, 190}, Wrap);
+    std::string Result;
+    int LastX = -1;
+    for (const std::string& Line : Canvas.GetLines()) {
+        int X = 0;
+        int Y = 0;
+        if (std::sscanf(Line.c_str(), "TextOut (%d,%d)", &X, &Y) != 2) continue;
+        const std::size_t From = Line.find('"');
+        const std::size_t To = Line.rfind('"');
+        if (!Result.empty()) Result += X <= LastX ? "/" : "|";
+        LastX = X;
+        Result += Line.substr(From + 1, To - From - 1);
+        std::string Look = Line.substr(To + 2);
+        const std::string Plain = " $00102030";
+        if (Look.starts_with(Plain)) Look.erase(0, Plain.size());
+        for (char& C : Look) {
+            if (C == ' ') C = ':';
+        }
+        Result += Look;
+    }
+    return Result;
+}
+
+TEST(HTMLDraw, TagsChangeTheLookOfWhatFollows) {
+    const std::pair<const char*, const char*> Cases[] = {
+        {"plain", "plain"},
+        {"A<B>b</B>c", "A|b:bold|c"},
+        {"<i>a<u>b</I>c</u>d<S>e", "a:italic|b:italic:underline|c:underline|d|e:strikeout"},
+        {"<FONT COLOR=#00FF00>g</COLOR>x", "g:clLime|x"},
+        {"<FONT color=clred>r<FONT COLOR=$FF0000>b</FONT>r</FONT>x", "r:clRed|b:clBlue|r:clRed|x"},
+        {"<font size=20><b>big</font>still", "big:bold|still:bold"}, // styles are not saved
+        {"<COLOR=#0000FF>b</COLOR>x", "b:clBlue|x"},
+        {"<COLOR=nonsense>x", "x"},
+        {"<COLOR=#12345G>x", "x"},
+        {"<COLOR=clRed and more>x", "x"}, // the rest is taken whole
+        {"<COLOR>x</COLOR>y", "x|y"},     // no colour: the text stays visible
+        {"a</FONT></B></COLOR></BGCOLOR>b", "a|b"},
+        {"<FONT>x</FONT>", "<FONT>x"}, // without a space it is no tag; its end is one
+        {"<FONT BOLD>x<FONT COLOR=#FF0000>r</FONT></FONT>y", "x|r:clRed|y"},
+        {"<FONT SIZE=big COLOR=#FF0000>x", "x"}, // a bad number ends the tag
+        {"<FOO>x", "<FOO>x"},
+        {"a<b", "a"}, // a tag may end with the text
+        {"a < b > c", "a |< b > c"},
+        {"<<B>x", "<|x:bold"},
+        {"1<2 and 3>2", "1|<2 and 3>2"},
+        {"<my COLOR=#FF0000 tag>x", "x"},
+        {"<\r\nB\n>x", "x:bold"},
+        {"", ""},
+    };
+    for (const auto& [Text, Expected] : Cases) EXPECT_EQ(Pieces(Text), Expected) << Text;
+}
+
+TEST(HTMLDraw, BackgroundsComeBackInTheOrderInWhichTheyWereSaved) {
+    THtmlCanvas Canvas;
+    Canvas.DrawText("<BGCOLOR=#0000FF>a<BGCOLOR=#FF0000>b</BGCOLOR>c</BGCOLOR>d<BGCOLOR>e");
+    std::string Fills;
+    for (const std::string& Line : Canvas.GetLines()) {
+        if (Line.starts_with("FillRect")) Fills += Line.substr(Line.rfind(' ') + 1) + " ";
+    }
+    // The page, a, b; c has the start's colour, d the first tag's, and e none.
+    EXPECT_EQ(Fills, "clWhite clBlue clRed clBlue ");
+}
+
+TEST(HTMLDraw, FacesAndSizesComeFromTheFontTag) {
+    THtmlCanvas Canvas;
+    const auto HeightOf = [&](const std::string& Text) {
+        Canvas.DrawText(Text);
+        TRect R;
+        const std::string Page = Canvas.GetLog("FillRect");
+        std::sscanf(Page.c_str(), "FillRect (%d,%d,%d,%d)", &R.Left, &R.Top, &R.Right, &R.Bottom);
+        return R.Height();
+    };
+    EXPECT_EQ(HeightOf("<FONT SIZE=40>x"), 40) << "a positive height is the line's";
+    EXPECT_GT(HeightOf("<FONT SIZE=-40>x"), 40);
+    EXPECT_NEAR(HeightOf("<FONT FACE=\"Times New Roman\" SIZE=\"33\">x"), 33, 3)
+        << "a value ends at the quotation mark";
+    for (const char* Wild : {"0", "2147483647", "-2147483648", "99999999999", "$7FFFFFFF"}) {
+        const std::string Text =
+            std::string("<FONT SIZE=") + Wild + " FACE=\"\xC3\x84\xC3\x96 \xFF\">x\xF0\x9F\x98\x80";
+        EXPECT_GT(HeightOf(Text), 0) << Wild;
+        EXPECT_LE(HeightOf(Text), 180) << "no more than the page";
+    }
+}
+
+TEST(HTMLDraw, LinesBreakAtLineFeedsAndWhereWordsDoNotFit) {
+    THtmlCanvas Canvas;
+    const int Width = Canvas.TextWidth("one two ");
+    const std::pair<const char*, const char*> Cases[] = {
+        {"one two three", "one two /three"},
+        {"one\ntwo\r\nthree", "one/two/three"},
+        {"one\n\n\ntwo", "one/two"},
+        {"unbreakably long", "unbreakably /long"},
+        {"o<B>ne two thr</B>ee", "o|ne two :bold/thr:bold|ee"},
+        {"one two<B>three", "one two/three:bold"}, // before a tag, inside a word
+        {"one two <3 four", "one two /<3 four"},
+        {"one  two  three", "one  two  /three"},
+        {"\xC3\xA4\xC3\xB6\xC3\xBC \xC3\xA4\xC3\xB6 three",
+         "\xC3\xA4\xC3\xB6\xC3\xBC \xC3\xA4\xC3\xB6 /three"},
+    };
+    for (const auto& [Text, Expected] : Cases) EXPECT_EQ(Pieces(Text, true, Width), Expected) << Text;
+    EXPECT_EQ(Pieces("one two three", false, Width), "one two three");
+    EXPECT_EQ(Pieces("one two three", true, 1), "one /two /three");
+}
+
+TEST(HTMLDraw, MeasuringFollowsTheCanvasFontAlone) {
+    THtmlCanvas Canvas;
+    const int Line = Canvas.TextHeight("Ag");
+    const auto Is = [&](const std::string& Text, int Width, int Lines, bool Wrap = false, int Room = 400) {
+        for (int Round = 0; Round < 2; ++Round) { // measured, and remembered
+            const TSize Size = Canvas.Measure(Text, Room, Wrap);
+            EXPECT_EQ(Size.cx, Width) << Text;
+            EXPECT_EQ(Size.cy, Lines * Line) << Text;
+        }
+    };
+    const auto W = [&](const char* Text) { return Canvas.TextWidth(Text); };
+    Is("Abc", W("Abc"), 1);
+    Is("A<B>b</B>c", W("A") + W("b") + W("c"), 1);
+    Is("<FONT SIZE=99 FACE=Courier>Wide", W("Wide"), 1);
+    Is("a\n\n<B></B>\nlonger", W("longer"), 2);
+    Is("one two three", W("one two "), 2, true, W("one two "));
+    Is("unbreakable", W("unbreakable"), 1, true, 5);
+    TRect R{1, 2, 3, 4};
+    DrawHTML(R, Canvas, "", true, true, 0, 0);
+    EXPECT_EQ(R, (TRect{1, 2, 3, 4}));
+    // The same text in another font is another text.
+    Canvas.GetFont()->SetHeight(-28);
+    EXPECT_GT(Canvas.Measure("Abc").cy, Line);
+}
+
+TEST(HTMLDraw, CodesPlaceLinesAndBlock) {
+    struct TCase {
+        const char* What;
+        int Horz, Vert;
+        bool Mirrored;
+        int Left, Top; // of the text, from the rectangle's
+    };
+    THtmlCanvas Canvas;
+    const TRect Room{50, 20, 350, 120};
+    const int Width = Canvas.TextWidth("Text");
+    const int Height = Canvas.TextHeight("Ag");
+    const TCase Cases[] = {
+        {"left top", HTMLLeft, HTMLTop, false, 0, 0},
+        {"right middle", HTMLRight, HTMLMiddle, false, 300 - Width, (100 - Height) / 2},
+        {"centre bottom", HTMLCenter, HTMLBottom, false, (300 - Width) / 2, 100 - Height},
+        {"mirrored the sides stay", HTMLLeft, HTMLTop, true, 0, 0},
+        {"mirrored right", HTMLRight, HTMLTop, true, 300 - Width, 0},
+    };
+    for (const TCase& Case : Cases) {
+        SCOPED_TRACE(Case.What);
+        TRect R = Room;
+        if (Case.Mirrored) {
+            R = {400 - Room.Right, Room.Top, 400 - Room.Left, Room.Bottom};
+            Canvas.SetMirrored(true, 400);
+        }
+        Canvas.DrawText("Text", R, false, Case.Horz, Case.Vert);
+        Canvas.SetMirrored(false, 400);
+        int X = 0;
+        int Y = 0;
+        std::sscanf(Canvas.GetLog("TextOut").c_str(), "TextOut (%d,%d)", &X, &Y);
+        EXPECT_EQ(X, Room.Left + Case.Left);
+        EXPECT_EQ(Y, Room.Top + Case.Top);
+    }
+    for (const int Wild : {1, 2, -4, 12}) {
+        Canvas.DrawText("Text", Room, false, 0, Wild);
+        EXPECT_EQ(Canvas.GetLog("TextOut"), "") << Wild;
+    }
+    // A block that is too high begins at the top; what begins below the rectangle is not drawn.
+    Canvas.DrawText("1\n2\n3\n4\n5\n6\n7\n8\n9", {0, 0, 300, 3 * Height + 1}, false, 0, HTMLBottom);
+    EXPECT_TRUE(Canvas.GetLog("TextOut").starts_with("TextOut (0,0) \"1\""));
+    EXPECT_EQ(Canvas.GetLog("TextOut").find("\"5\""), std::string::npos);
+}
+
+TEST(HTMLDraw, FontsOfALineShareOneBaseline) {
+    THtmlCanvas Canvas;
+    Canvas.DrawText("<FONT COLOR=#000000>_<FONT SIZE=-40>_</FONT>_");
+    // The lowest dark pixel of each underscore's column band would differ; its top is what shares the baseline.
+    int X[3] = {};
+    int Y[3] = {};
+    int Found = 0;
+    for (const std::string& Line : Canvas.GetLines()) {
+        if (Found < 3 && std::sscanf(Line.c_str(), "TextOut (%d,%d)", &X[Found], &Y[Found]) == 2) ++Found;
+    }
+    ASSERT_EQ(Found, 3);
+    TFont Big;
+    Big.SetHeight(-40);
+    THtmlCanvas Own;
+    const int Small = Own.GetTextMetrics().Ascent;
+    Own.SetFont(&Big);
+    EXPECT_EQ(Y[0] + Small, Y[1] + Own.GetTextMetrics().Ascent);
+    EXPECT_EQ(Y[0], Y[2]);
+}
+
+TEST(HTMLDraw, TheCanvasIsGivenBackAsItWas) {
+    THtmlCanvas Canvas;
+    Canvas.SetMirrored(true, 400);
+    Canvas.MoveTo(3, 4);
+    Canvas.SetBkMode(OPAQUE);
+    Canvas.DrawText("<FONT SIZE=30 COLOR=#FF0000><B><BGCOLOR=#00FF00>x", {0, 0, 100, 10});
+    EXPECT_EQ(Canvas.GetFont()->GetHeight(), -14);
+    EXPECT_EQ(Canvas.GetFont()->GetColor(), TextColor);
+    EXPECT_TRUE(Canvas.GetFont()->GetStyle().IsEmpty());
+    EXPECT_EQ(Canvas.GetBrush()->GetColor(), Paper);
+    EXPECT_EQ(Canvas.GetBkMode(), OPAQUE);
+    EXPECT_EQ(Canvas.GetPenPos(), (TPoint{3, 4}));
+    EXPECT_EQ(Canvas.GetCanvasOrientation(), coRightToLeft);
+    EXPECT_EQ(Canvas.GetMirrorWidth(), 400);
+    EXPECT_EQ(Canvas.GetClipRect().Width(), 400);
+}
+
+TEST(HTMLDraw, NothingIsPaintedOutsideTheRectangle) {
+    for (const double Scale : {1.0, 1.5, 2.0}) {
+        THtmlCanvas Canvas(Scale);
+        Canvas.GetBrush()->SetColor(clWhite);
+        Canvas.FillRect({0, 0, 400, 200});
+        const TRect Room{100, 50, 220, 77};
+        Canvas.GetBrush()->SetColor(0xC0FFFF);
+        for (const int Horz : {0, 1, 2})
+            Canvas.DrawText("<I>A<FONT SIZE=60>long</FONT> line</I> that does not fit into its room\nnor its "
+                            "second\nthird",
+                            Room, false, Horz, HTMLMiddle);
+        const QImage& Image = Canvas.GetImage();
+        for (int Y = 0; Y < Image.height(); ++Y) {
+            for (int X = 0; X < Image.width(); ++X) {
+                const bool Inside = X >= Canvas.ToDevice(Room.Left) && X < Canvas.ToDevice(Room.Right) &&
+                                    Y >= Canvas.ToDevice(Room.Top) && Y < Canvas.ToDevice(Room.Bottom);
+                ASSERT_TRUE(Inside || Image.pixelColor(X, Y) == QColor(Qt::white))
+                    << X << ',' << Y << " at " << Scale;
+            }
+        }
+    }
+}
+
+// Texts that would take for ever if a part of them were read again for each of its characters.
+TEST(HTMLDraw, HostileTextsAreReadOnce) {
+    const std::string Hostile[] = {
+        std::string(400'000, '<'),
+        std::string(200'000, '<') + std::string(200'000, '\n') + ">",
+        std::string(400'000, 'x'),
+        std::string(200'000, ' ') + std::string(200'000, 'y'),
+    };
+    THtmlCanvas Canvas;
+    for (const std::string& Text : Hostile) {
+        for (const bool Wrap : {false, true}) {
+            EXPECT_GT(Canvas.Measure(Text, 300, Wrap).cx, 0);
+            Canvas.DrawText(Text, {0, 0, 300, 50}, Wrap);
+        }
+    }
+}
+
+TEST(HTMLDraw, AnyBytesAreMarkup) {
+    const unsigned Seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(Seed));
+    std::mt19937 Random(Seed);
+    const std::string Parts[] = {"<",
+                                 ">",
+                                 "<B>",
+                                 "</B>",
+                                 "<FONT ",
+                                 "SIZE=",
+                                 "FACE=\"",
+                                 "COLOR=#",
+                                 "</FONT>",
+                                 "<BGCOLOR=",
+                                 "</BGCOLOR>",
+                                 "<COLOR=",
+                                 "\n",
+                                 "\r",
+                                 " ",
+                                 "abc",
+                                 "\xC3\xA9",
+                                 "\xD7\xA9",
+                                 "\xF0\x9F\x98\x80",
+                                 "\xFF",
+                                 "=",
+                                 "\"",
+                                 "12345678",
+                                 "-1",
+                                 std::string(1, '\0')};
+    THtmlCanvas Canvas;
+    int Steps = 0;
+    for (; Steps < 2000; ++Steps) {
+        std::string Text;
+        for (auto Count = Random() % 12; Count > 0; --Count) Text += Parts[Random() % std::size(Parts)];
+        const int Left = static_cast<int>(Random() % 500) - 50;
+        const int Top = static_cast<int>(Random() % 300) - 50;
+        const TRect Room{Left, Top, Left + static_cast<int>(Random() % 300) - 40,
+                         Top + static_cast<int>(Random() % 100) - 20};
+        const bool Wrap = Random() % 2 != 0;
+        const TSize Size = Canvas.Measure(Text, Room.Width(), Wrap);
+        EXPECT_GE(Size.cy, Text.empty() ? 0 : std::min(0, Size.cy));
+        Canvas.DrawText(Text, Room, Wrap, static_cast<int>(Random() % 3), static_cast<int>(Random() % 3) * 4);
+        ASSERT_EQ(Canvas.GetFont()->GetHeight(), -14);
+    }
+    EXPECT_EQ(Steps, 2000);
+}
+
+} // namespace
+} // namespace quill::testing
