@@ -342,8 +342,11 @@ public:
     virtual void CancelDrag();
     // A fixed cell was pressed and released, and neither sized nor moved.
     virtual void FixedCellClick(int ACol, int ARow);
-    // The fixed cell that is held down now, (-1, -1) for none.
-    TGridCoord GetPressedFixed() const { return FPressedFixed; }
+    // Whether the left button is held and draws a range, sizes, moves or presses a fixed cell. Other buttons and their
+    // releases mean nothing meanwhile.
+    bool IsPressing() const { return FDrag || FGridState == gsSelecting || FPressedFixed != NoGridCoord; }
+    // The fixed cell that looks held down now, (-1, -1) for none: the one that was pressed, while the mouse is over it.
+    TGridCoord GetPressedFixed() const { return FMouseOverPressed ? FPressedFixed : NoGridCoord; }
 
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
@@ -459,6 +462,7 @@ private:
     void PressCell(const TGridCoord& Cell, TMouseButton Button, TShiftState Shift);
     int AlongAxis(const TPoint& Pos, bool Columns) const;
     void SetPressedFixed(const TGridCoord& Cell);
+    void SetMouseOverPressed(bool Value);
     void BeginSizing(TGridState State, int Index, const TPoint& Pos, bool Fit);
     void SizeTo(const TPoint& Pos);
     void SizeCell(bool Columns, int Index, int Extent);
@@ -527,6 +531,7 @@ private:
     bool FWheeling = false;
     bool FSkipPress = false;
     bool FPlainClick = true;
+    bool FMouseOverPressed = true;
     bool FSaveExtents = true;
     bool FUpdatingRange = false;
 };

@@ -23,9 +23,11 @@ bool TCustomExGrid::CanGridAcceptKey(std::uint16_t, TShiftState) { return !IsGri
 void TCustomExGrid::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     const TControlGuard Guard(this);
     TCustomControl::KeyDown(Key, Shift);
-    if (Guard && Key == VK_ESCAPE && IsDragging()) {
+    if (Guard && Key == VK_ESCAPE && IsPressing()) {
         Key = 0;
-        CancelDrag();
+        // A range goes back to where it began.
+        if (FGridState == gsSelecting && FDragStart != NoGridCoord) ExtendDrag(FDragStart);
+        if (Guard) CancelMode();
         return;
     }
     if (!Guard || !CanGridAcceptKey(Key, Shift) || !Guard || Key == 0) return;

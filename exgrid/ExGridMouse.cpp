@@ -19,7 +19,14 @@ void TCustomExGrid::SetPressedFixed(const TGridCoord& Cell) {
     if (Cell == FPressedFixed) return;
     InvalidateCell(FPressedFixed.X, FPressedFixed.Y);
     FPressedFixed = Cell;
+    FMouseOverPressed = true;
     InvalidateCell(Cell.X, Cell.Y);
+}
+
+void TCustomExGrid::SetMouseOverPressed(bool Value) {
+    if (FPressedFixed == NoGridCoord || Value == FMouseOverPressed) return;
+    FMouseOverPressed = Value;
+    InvalidateCell(FPressedFixed.X, FPressedFixed.Y);
 }
 
 // --- pressing, dragging, releasing ----------------------------------------------------------------------------
@@ -41,8 +48,12 @@ void TCustomExGrid::MouseDown(TMouseButton Button, TShiftState Shift, int X, int
 }
 
 void TCustomExGrid::Press(TMouseButton Button, TShiftState Shift, int X, int Y) {
-    if (FDrag) return; // another button while the left one sizes or moves
     const TControlGuard Guard(this);
+    if (IsPressing()) {
+        if (Button != mbLeft) return;
+        CancelMode(); // its release went elsewhere
+        if (!Guard) return;
+    }
     const bool Designing = HasState(csDesigning);
     if (!Designing && CanFocus() && !Focused()) {
         SetFocus();
@@ -102,12 +113,13 @@ void TCustomExGrid::WMMouseMove(TWMMouse& Message) {
     FHitTest = {Message.XPos, Message.YPos};
     const TControlGuard Guard(this);
     TCustomControl::WMMouseMove(Message);
-    if (!Guard || (FGridState != gsSelecting && !FDrag)) return;
+    if (!Guard || !IsPressing()) return;
     if (!Message.Shift.Contains(ssLeft)) {
         CancelMode(); // the release went elsewhere
         return;
     }
     const TPoint Pos{Message.XPos, Message.YPos};
+    SetMouseOverPressed(MouseCoord(Pos.X, Pos.Y) == FPressedFixed);
     if (FDrag) {
         if (FDrag->IsSizing()) {
             SizeTo(Pos);
@@ -119,6 +131,7 @@ void TCustomExGrid::WMMouseMove(TWMMouse& Message) {
         }
         return;
     }
+    if (FGridState != gsSelecting) return;
     TExGridDI DI;
     CalcDI(DI);
     const TGridCoord Cell = CalcCoordFromPoint(Message.XPos, Message.YPos, DI);
@@ -166,7 +179,7 @@ void TCustomExGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y
     const TGridCoord PressedFixed = FPressedFixed;
     if (Button == mbLeft && FDrag && !FDrag->IsSizing()) {
         DropDrag({X, Y});
-    } else if (Button == mbLeft || !FDrag) {
+    } else if (Button == mbLeft || !IsPressing()) {
         LeaveMode();
     }
     if (!Guard) return;

@@ -207,6 +207,7 @@ public:
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseMove(TShiftState Shift, int X, int Y) override;
+    void WMLButtonUp(TWMMouse& Message) override;
     void CMMouseLeave(TMessage& Message) override;
     // Takes a row, not a node: the row under the mouse, -1 for none.
     void SetTrackedNode(int Row);

@@ -9,6 +9,11 @@ namespace {
 
 constexpr THitTests PressFilter{htOnButton, htOnIcon, htOnIndent, htOnStateIcon};
 
+// Presses beside the parts of nodes are none on cells.
+constexpr bool SkipsPress(THitTests Hit) {
+    return !Hit.IsEmpty() && (Hit * THitTests{htOnLabel, htOnIcon, htAbove}).IsEmpty();
+}
+
 constexpr bool IsPlain(TShiftState Shift) { return !Shift.Contains(ssShift) && !Shift.Contains(ssCtrl); }
 
 constexpr TShiftState WithCtrlInverted(TShiftState Shift) {
@@ -140,11 +145,13 @@ bool TCustomQuillTree::CanButtonSelect(TMouseButton Button) {
     return !Node || !Node->GetSelected();
 }
 
-// The last column's border is the client's edge while the column fills what is left.
+// The last column's border is the client's edge while the column fills what is left. Rows are not sized where a press
+// is skipped: the cursor promises no more than the press keeps.
 void TCustomQuillTree::CalcSizingState(int X, int Y, TGridState& State, int& Index, int& SizingPos,
                                        int& SizingOfs, TExGridDI& DI) {
     TCustomExGrid::CalcSizingState(X, Y, State, Index, SizingPos, SizingOfs, DI);
     if (State == gsColSizing && FFitColumnToClientWidth && Index == GetColCount() - 1) State = gsNormal;
+    if (State == gsRowSizing && SkipsPress(GetHitTestInfoAt(X, Y))) State = gsNormal;
 }
 
 void TCustomQuillTree::CancelDrag() {
@@ -154,6 +161,10 @@ void TCustomQuillTree::CancelDrag() {
 }
 
 void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    if (Button != mbLeft && IsPressing()) {
+        TCustomExGrid::MouseDown(Button, Shift, X, Y);
+        return;
+    }
     const TControlGuard Guard(this);
     const TGridCoord Cell = MouseCoord(X, Y);
     if (ShowsCursor(VertCursor)) {
@@ -173,8 +184,7 @@ void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, 
         if (Guard && Watch) Node->ExpandItem(!Node->GetExpanded(), false);
         if (!Guard) return;
     }
-    constexpr THitTests OnNode{htOnLabel, htOnIcon, htAbove};
-    if (!Hit.IsEmpty() && (Hit * OnNode).IsEmpty()) SetSkipPress(true);
+    if (SkipsPress(Hit)) SetSkipPress(true);
     TCustomExGrid::MouseDown(Button, Shift, X, Y);
     if (!Guard) return;
     FInButtonClick = false;
@@ -185,6 +195,10 @@ void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, 
 }
 
 void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    if (Button != mbLeft && IsPressing()) {
+        TCustomExGrid::MouseUp(Button, Shift, X, Y);
+        return;
+    }
     const TControlGuard Guard(this);
     const int PressedCol = std::exchange(FPressedCol, -1);
     const int PressedRow = std::exchange(FPressedRow, -1);
@@ -196,18 +210,20 @@ void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, in
     const int OldHeight = Sizing ? GetDragOldExtent() : GetRowHeights(PressedRow);
     const THitTests Hit = GetHitTestInfoAt(X, Y);
     const TGridCoord Cell = MouseCoord(X, Y);
+    const TGridRect Range = GetGridSelection();
+    const bool DrewRange = GetGridState() == gsSelecting && Range.Top < Range.Bottom;
     SetPlainClick((!GetNodeAt(X, Y) || Cell.X != FStructureCol) && IsPlain(Shift));
     TCustomExGrid::MouseUp(Button, Shift, X, Y);
     if (!Guard) return;
 
     TFlyNode* Node = GetNodeAt(X, Y);
     if (Node && FToggleSelection) Shift = WithCtrlInverted(Shift);
-    const bool IsSelecting = (Button == mbLeft && IsPlain(Shift)) || (Button == mbRight && FRightClickSelect);
+    const bool IsSelecting =
+        (Button == mbLeft && IsPlain(Shift) && !DrewRange) || (Button == mbRight && FRightClickSelect);
     if (Node && IsSelecting && Hit.Contains(htOnItem) && !Hit.Contains(htOnStateIcon) && HasSelection()) {
         if (Button == mbLeft || !Node->GetSelected()) {
-            // A plain click leaves no other node marked.
-            TFlyNode* Current = GetNodeAtRow(GetRow());
-            if (Current) FlushSelection();
+            // A plain click leaves no other node marked. One on a button or beside the node is none on the node.
+            if ((Hit * PressFilter).IsEmpty() && GetNodeAtRow(GetRow())) FlushSelection();
             SelectOne(GetRow());
             if (!Guard) return;
             InvalidateCurrent();
@@ -223,6 +239,12 @@ void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, in
         if (TFlyNode* Sized = GetNodeAtRow(PressedRow)) Sized->SetHeightField(NewHeight);
         RowSized(PressedRow, OldHeight, NewHeight);
     }
+}
+
+// A click is reported after a small move, and after a double click, too.
+void TCustomQuillTree::WMLButtonUp(TWMMouse& Message) {
+    IncludeControlState(csClicked);
+    TCustomExGrid::WMLButtonUp(Message);
 }
 
 void TCustomQuillTree::MouseMove(TShiftState Shift, int X, int Y) {

@@ -273,6 +273,36 @@ TEST(GridDrag, AColumnMovesToTheGapNearestToTheMouse) {
     }
 }
 
+TEST(GridDrag, AHeldFixedCellLooksSoWhileTheMouseIsOverIt) {
+    TDragGrid Grid(goColSizing);
+    Grid.Down(100, 10);
+    std::string Seen;
+    for (const int X : {100, 180, 110}) {
+        Grid.Move(X, 10);
+        Seen += Show(Grid.GetPressedFixed()) + " ";
+    }
+    EXPECT_EQ(Seen, "1,0 -1,-1 1,0 ");
+    Grid.Up(110, 10);
+    EXPECT_EQ(Grid.TakeLog(), "click1,0 ");
+    Grid.Down(100, 10);
+    Grid.Escape();
+    Grid.Up(100, 10);
+    EXPECT_EQ(Grid.TakeLog(), "");
+}
+
+TEST(GridDrag, APressAfterALostReleaseBeginsAnew) {
+    for (const int X : {151, 100, 30}) { // sizing, moving, a fixed cell
+        TDragGrid Grid;
+        Grid.Down(X, 10);
+        Grid.Move(X + 30, 10);
+        Grid.TakeLog();
+        Grid.Down(200, 60);
+        EXPECT_EQ(Grid.State(), "2,2 [2,2..2,2] @1,1") << X;
+        EXPECT_EQ(Grid.GetGridState(), gsSelecting);
+        EXPECT_EQ(Grid.Widths(), "75 75 75 75 75 ");
+    }
+}
+
 TEST(GridDrag, AMovedColumnTakesItsWidthAndTheCurrentCellAlong) {
     TDragGrid Grid;
     Grid.SetColWidths(1, 50);

@@ -177,6 +177,36 @@ TEST(TreeSizing, AFinishedSizingIsReportedOnce) {
     EXPECT_EQ(Tree.TakeLog(), "") << "what was taken back was not sized";
 }
 
+TEST(TreeSizing, AnotherButtonMeanwhileReportsNothing) {
+    TCaptionTree Tree;
+    Tree.Send(WM_LBUTTONDOWN, 100, 10);
+    Tree.Send(WM_MOUSEMOVE, 120, 10);
+    Tree.Send(WM_RBUTTONDOWN, 250, 10, {ssLeft, ssRight});
+    Tree.Send(WM_RBUTTONUP, 250, 10);
+    EXPECT_EQ(Tree.TakeLog(), "");
+    Tree.Send(WM_MOUSEMOVE, 130, 10);
+    Tree.Send(WM_LBUTTONUP, 130, 10, {});
+    EXPECT_EQ(Tree.TakeLog(), "col0:100>130 ");
+}
+
+TEST(TreeSizing, TheCursorPromisesWhatAPressKeeps) {
+    TCaptionTree Tree;
+    Tree.SetFixedCols(1); // the structure, whose buttons and indents take no other presses
+    Tree.SetRowHeights(2, 16);
+    int Promised = 0;
+    for (int Y = 24; Y < 140; ++Y) {
+        for (int X = 0; X < 100; X += 7) {
+            Tree.Perform(WM_SETCURSOR, 0, MakePointParam(X, Y));
+            const bool Promise = Tree.GetAppliedCursor() == TCustomExGrid::VertCursor;
+            Tree.Send(WM_LBUTTONDOWN, X, Y);
+            EXPECT_EQ(Tree.GetGridState() == gsRowSizing, Promise) << X << "," << Y;
+            Tree.Send(WM_LBUTTONUP, X, Y, {});
+            Promised += Promise;
+        }
+    }
+    EXPECT_GT(Promised, 0);
+}
+
 TEST(TreeSizing, ADoubleClickShowsTheWholeTextOfEveryVisibleNode) {
     TCaptionTree Tree;
     Tree.Find("Pear")->SetText("A pear with a rather long name");

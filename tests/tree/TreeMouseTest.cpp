@@ -11,8 +11,9 @@ QPoint WindowPoint(TCustomQuillTree& Tree, TPoint Client) {
     return Tree.viewport()->mapTo(Tree.window(), QPoint(Client.X, Client.Y));
 }
 
-void Click(TCustomQuillTree& Tree, TPoint Client, Qt::KeyboardModifiers Modifiers = Qt::NoModifier) {
-    QTest::mouseClick(Tree.windowHandle(), Qt::LeftButton, Modifiers, WindowPoint(Tree, Client));
+void Click(TCustomQuillTree& Tree, TPoint Client, Qt::KeyboardModifiers Modifiers = Qt::NoModifier,
+           Qt::MouseButton Button = Qt::LeftButton) {
+    QTest::mouseClick(Tree.windowHandle(), Button, Modifiers, WindowPoint(Tree, Client));
 }
 
 TPoint Middle(const TRect& R) { return {(R.Left + R.Right) / 2, (R.Top + R.Bottom) / 2}; }
@@ -63,6 +64,49 @@ TEST_P(TreeMouse, AClickOnATextSelectsThatNodeAlone) {
     EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel) Pear< Nuts(sel)");
     Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Fruit"), true)));
     EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel)< Apple Pear Nuts");
+}
+
+TEST_P(TreeMouse, AClickOnAButtonKeepsTheMarks) {
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Apple"), true)));
+    Click(Tree, Middle(Tree.DisplayRect(Tree.Find("Nuts"), true)), Qt::ControlModifier);
+    Click(Tree, ButtonOf(Tree, Tree.Find("Nuts")));
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel) Pear Nuts(+)(sel)< Hazel");
+}
+
+TEST_P(TreeMouse, ARangeDrawnOverTheTextsOutlivesItsRelease) {
+    const auto TextOf = [&](const char* Name) { return Middle(Tree.DisplayRect(Tree.Find(Name), true)); };
+    const auto Send = [&](QEvent::Type Type, const char* Name) {
+        const QPoint Pos = WindowPoint(Tree, TextOf(Name));
+        if (Type == QEvent::MouseButtonPress) QTest::mousePress(Tree.windowHandle(), Qt::LeftButton, {}, Pos);
+        if (Type == QEvent::MouseMove) QTest::mouseMove(Tree.windowHandle(), Pos);
+        if (Type == QEvent::MouseButtonRelease)
+            QTest::mouseRelease(Tree.windowHandle(), Qt::LeftButton, {}, Pos);
+        QCoreApplication::processEvents();
+    };
+    const char* const Drawn = "Fruit(+) Apple(sel)< Pear(sel) Nuts(sel)";
+    Tree.SetRightClickSelect(true);
+    Send(QEvent::MouseButtonPress, "Apple");
+    Send(QEvent::MouseMove, "Nuts");
+    EXPECT_EQ(Tree.Rows(), Drawn);
+    Click(Tree, TextOf("Fruit"), {}, Qt::RightButton);
+    EXPECT_EQ(Tree.GetGridState(), gsSelecting) << "other buttons mean nothing meanwhile";
+    Send(QEvent::MouseMove, "Nuts");
+    Send(QEvent::MouseButtonRelease, "Nuts");
+    EXPECT_EQ(Tree.Rows(), Drawn);
+    Send(QEvent::MouseButtonPress, "Apple");
+    Send(QEvent::MouseMove, "Nuts");
+    QTest::keyClick(&Tree, Qt::Key_Escape);
+    Send(QEvent::MouseMove, "Fruit");
+    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear Nuts") << "Esc takes the range back";
+}
+
+TEST_P(TreeMouse, EveryReleaseIsAClick) {
+    int Clicks = 0;
+    Tree.OnClick = [&](TObject*) { ++Clicks; };
+    const TPoint Pear = Middle(Tree.DisplayRect(Tree.Find("Pear"), true));
+    QTest::mouseDClick(Tree.windowHandle(), Qt::LeftButton, {}, WindowPoint(Tree, Pear));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Clicks, 2);
 }
 
 TEST_P(TreeMouse, HitsNameTheParts) {
