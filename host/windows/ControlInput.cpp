@@ -437,6 +437,12 @@ bool TCustomControl::event(QEvent* Event) {
         FImpl->ScaleChanged();
         break;
     case QEvent::Paint: {
+        if (FBorderWidth > 0) {
+            const TColor Color = ColorToRGB(FColor, FCanvas->GetPalette());
+            QPainter(this).fillRect(contentsRect(), QColor(static_cast<int>(Color & 0xFF),
+                                                           static_cast<int>(Color >> 8 & 0xFF),
+                                                           static_cast<int>(Color >> 16 & 0xFF)));
+        }
         const bool Result = QAbstractScrollArea::event(Event);
         // Qt draws a plain frame in the text's colour, which is too loud around a whole control.
         if (frameStyle() == (QFrame::Box | QFrame::Plain)) {

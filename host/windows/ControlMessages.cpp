@@ -150,6 +150,9 @@ void TCustomControl::WndProc(TMessage& Message) {
     case CM_CTL3DCHANGED:
         CMCtl3DChanged(Message);
         break;
+    case CM_BORDERCHANGED:
+        CMBorderChanged(Message);
+        break;
     case CM_SHOWINGCHANGED:
         CMShowingChanged(Message);
         break;

@@ -279,6 +279,7 @@ void TCustomControl::SetColor(TColor Value) {
     FParentColor = false;
     if (FColor == Value) return;
     FColor = Value;
+    if (FBorderWidth > 0) update();
     Invalidate();
 }
 
@@ -295,6 +296,7 @@ void TCustomControl::SetParentColor(bool Value) {
     }
     if (FColor == Color) return;
     FColor = Color;
+    if (FBorderWidth > 0) update();
     Invalidate();
 }
 
@@ -362,6 +364,17 @@ void TCustomControl::SetBorderStyle(TBorderStyle Value) {
     if (FBorderStyle == Value) return;
     FBorderStyle = Value;
     RecreateWnd();
+}
+
+void TCustomControl::SetBorderWidth(int Value) {
+    Value = std::max(Value, 0);
+    if (FBorderWidth == Value) return;
+    FBorderWidth = Value;
+    const TControlGuard Guard(this);
+    setViewportMargins(Value, Value, Value, Value);
+    FImpl->LayOut();
+    FImpl->ClientResized();
+    if (Guard) Perform(CM_BORDERCHANGED, 0, 0);
 }
 
 void TCustomControl::SetTabStop(bool Value) {
@@ -488,6 +501,8 @@ void TCustomControl::CMFontChanged(TMessage&) {
 void TCustomControl::CMCtl3DChanged(TMessage&) {
     if (FBorderStyle == bsSingle) RecreateWnd();
 }
+
+void TCustomControl::CMBorderChanged(TMessage&) { Invalidate(); }
 
 void TCustomControl::CMShowingChanged(TMessage&) {}
 

@@ -27,7 +27,8 @@ enum TControlStyleValue {
     csClickEvents,
     csFramed,
     csOpaque,
-    csDoubleClicks
+    csDoubleClicks,
+    csReplicatable
 };
 using TControlStyle = TSet<TControlStyleValue>;
 enum TControlStateValue { csLButtonDown, csClicked };
@@ -182,6 +183,9 @@ public:
     void SetParentCtl3D(bool Value) { FParentCtl3D = Value; }
     TBorderStyle GetBorderStyle() const { return FBorderStyle; }
     void SetBorderStyle(TBorderStyle Value);
+    // Pixels of the control's colour between border and client area, 0 or more; sends CM_BORDERCHANGED.
+    int GetBorderWidth() const { return FBorderWidth; }
+    void SetBorderWidth(int Value);
     bool GetTabStop() const { return FTabStop; }
     void SetTabStop(bool Value);
     bool GetEnabled() const { return isEnabled(); }
@@ -292,6 +296,7 @@ public:
     virtual void CMMouseLeave(TMessage& Message);
     virtual void CMFontChanged(TMessage& Message);
     virtual void CMCtl3DChanged(TMessage& Message);
+    virtual void CMBorderChanged(TMessage& Message);
     virtual void CMShowingChanged(TMessage& Message);
     virtual void CMBiDiModeChanged(TMessage& Message);
     // Result 1: the control wants the key in CharCode although a dialog or a parent would use it: Tab (which then
@@ -374,6 +379,7 @@ private:
     TControlState FControlState;
     TColor FColor = clWindow;
     TBorderStyle FBorderStyle = bsSingle;
+    int FBorderWidth = 0;
     TBiDiMode FBiDiMode = bdLeftToRight;
     TDragKind FDragKind = dkDrag;
     TDragMode FDragMode = dmManual;
