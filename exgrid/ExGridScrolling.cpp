@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace quill {
 
@@ -36,19 +37,14 @@ void TCustomExGrid::SetLeftCol(int Value) { MoveTopLeft(Value, FTopLeft.Y); }
 void TCustomExGrid::SetTopRow(int Value) { MoveTopLeft(FTopLeft.X, Value); }
 
 void TCustomExGrid::MoveTopLeft(int ALeft, int ATop) {
+    // What is still to be painted moves along with the pixels, so nothing need be painted before.
     const auto Fitted = [&] {
         return TGridCoord{std::clamp(ALeft, FFixedCols, std::max(FFixedCols, FColCount - 1)),
                           std::clamp(ATop, FFixedRows, std::max(FFixedRows, FRowCount - 1))};
     };
     if (Fitted() == FTopLeft) return;
-    // What is pending belongs to the old origin; only then may pixels move.
-    const TControlGuard Guard(this);
-    Update();
-    if (!Guard) return;
-    const TGridCoord OldTopLeft = FTopLeft;
-    FTopLeft = Fitted();
-    // A handler that was painting may have moved it there already.
-    if (FTopLeft != OldTopLeft) TopLeftMoved(OldTopLeft);
+    const TGridCoord OldTopLeft = std::exchange(FTopLeft, Fitted());
+    TopLeftMoved(OldTopLeft);
 }
 
 // Instead of painting everything anew, the pixels that stay valid are moved where that gives the same picture.

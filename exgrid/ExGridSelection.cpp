@@ -151,16 +151,12 @@ void TCustomExGrid::MoveAnchor(const TGridCoord& NewAnchor) {
 void TCustomExGrid::ClampInView(const TGridCoord& Coord) {
     if (!HandleAllocated()) return;
     const TGridCoord Cell = Coord;
+    // What is still to be painted moves along with the pixels, so nothing need be painted before.
     TExGridDI DI;
-    const auto InView = [&] {
-        CalcDI(DI);
-        return Cell.X >= DI.Horz.FirstGridCell && Cell.X <= DI.Horz.LastFullVisibleCell &&
-               Cell.Y >= DI.Vert.FirstGridCell && Cell.Y <= DI.Vert.LastFullVisibleCell;
-    };
-    if (InView()) return;
-    const TControlGuard Guard(this);
-    Update(); // before pixels move; handlers that paint may change everything
-    if (!Guard || InView()) return;
+    CalcDI(DI);
+    if (Cell.X >= DI.Horz.FirstGridCell && Cell.X <= DI.Horz.LastFullVisibleCell &&
+        Cell.Y >= DI.Vert.FirstGridCell && Cell.Y <= DI.Vert.LastFullVisibleCell)
+        return;
     const TGridCoord OldTopLeft = FTopLeft;
     const TGridCoord MaxTopLeft = CalcMaxTopLeft(Cell, DI);
     // Fixed cells are always in view, and the origin stays among the scrollable cells.

@@ -8,6 +8,8 @@
 #include <QPointer>
 
 #include <array>
+#include <cstddef>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -51,9 +53,13 @@ struct TCustomControl::TImpl {
     void ClientResized(bool Always = false);
 
     // --- surface (ControlSurface.cpp) -------------------------------------------------------------------------
-    // Device pixels, opaque, ratio 1. The canvas is bound to it unless redraw is off.
+    // Device pixels, opaque, ratio 1. The canvas is bound to it unless redraw is off. It lies in a buffer with some
+    // rows more, along which it is shifted when the contents scroll, so that most steps copy next to nothing.
     QImage Surface;
-    QSize SurfaceClient; // the client size that it stands for
+    std::unique_ptr<QRgb[]> SurfaceBuffer;
+    int SurfaceTop = 0;   // row of the buffer where the surface begins
+    int SurfaceSpare = 0; // rows that the buffer has more
+    QSize SurfaceClient;  // the client size that it stands for
     double Scale = 1.0;
     bool Redraw = true;
     bool ChangedWhileOff = false;
@@ -72,6 +78,13 @@ struct TCustomControl::TImpl {
     void BindCanvas();
     void FitSurface();
     void DropSurface();
+    void MakeSurface(int Width, int Height);
+    QRgb* BufferRow(int Row) {
+        return SurfaceBuffer.get() + static_cast<std::ptrdiff_t>(Row) * Surface.width();
+    }
+    // Shifts the surface so that the rows From .. To - 1 move by ShiftY; the other rows stay. What is uncovered gets
+    // the control's colour. False when that would be no gain.
+    bool ShiftSurface(int From, int To, int ShiftY);
     void FillSurface(const QRegion& Device);
     void AddInvalid(const QRegion& Region, bool Erase);
     void PaintInvalid();

@@ -77,10 +77,9 @@ void TCustomControl::TImpl::FitSurface() {
         return static_cast<int>(std::ceil(Value * NewScale - 1e-6));
     };
     Control.FCanvas->EndPainting();
-    const QImage Old =
-        std::exchange(Surface, Client.isEmpty() ? QImage()
-                                                : QImage(ToSize(Client.width()), ToSize(Client.height()),
-                                                         QImage::Format_RGB32));
+    const QImage Old = std::exchange(Surface, QImage());
+    const std::unique_ptr<QRgb[]> OldBuffer = std::move(SurfaceBuffer);
+    if (!Client.isEmpty()) MakeSurface(ToSize(Client.width()), ToSize(Client.height()));
     const bool Keep = !Old.isNull() && NewScale == Scale;
     const QRect Kept = Keep ? QRect(QPoint(0, 0), SurfaceClient.boundedTo(Client)) : QRect();
     Scale = NewScale;
@@ -103,12 +102,52 @@ void TCustomControl::TImpl::FitSurface() {
     }
 }
 
+void TCustomControl::TImpl::MakeSurface(int Width, int Height) {
+    SurfaceTop = 0;
+    SurfaceSpare = Height / 2;
+    const auto Rows = static_cast<std::size_t>(Height) + static_cast<std::size_t>(SurfaceSpare);
+    SurfaceBuffer = std::make_unique_for_overwrite<QRgb[]>(static_cast<std::size_t>(Width) * Rows);
+    Surface = QImage(reinterpret_cast<uchar*>(SurfaceBuffer.get()), Width, Height,
+                     Width * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
+}
+
+bool TCustomControl::TImpl::ShiftSurface(int From, int To, int ShiftY) {
+    const int Height = Surface.height();
+    const int Stay = From + Height - To;
+    if (Stay > Height / 4 || std::abs(ShiftY) > SurfaceSpare) return false;
+    // Somebody who holds a copy of the image got the buffer's rows; the surface has others.
+    if (reinterpret_cast<const QRgb*>(Surface.constBits()) != BufferRow(SurfaceTop)) return false;
+    const auto Move = [this](int Row, int NewRow, int Count) {
+        if (Count > 0)
+            std::memmove(BufferRow(NewRow), BufferRow(Row),
+                         static_cast<std::size_t>(Count) * static_cast<std::size_t>(Surface.width()) *
+                             sizeof(QRgb));
+    };
+    int NewTop = SurfaceTop - ShiftY;
+    if (NewTop < 0 || NewTop > SurfaceSpare) {
+        // At the end of the buffer: once in a while everything moves to its other end.
+        const int Other = ShiftY > 0 ? SurfaceSpare : 0;
+        Move(SurfaceTop, Other, Height);
+        SurfaceTop = Other;
+        NewTop = Other - ShiftY;
+    }
+    Move(SurfaceTop, NewTop, From);
+    Move(SurfaceTop + To, NewTop + To, Height - To);
+    SurfaceTop = NewTop;
+    const int Width = Surface.width();
+    Surface = QImage(reinterpret_cast<uchar*>(BufferRow(SurfaceTop)), Width, Height,
+                     Width * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
+    FillSurface(ShiftY > 0 ? QRect(0, From, Width, ShiftY) : QRect(0, To + ShiftY, Width, -ShiftY));
+    return true;
+}
+
 void TCustomControl::TImpl::DropSurface() {
     Control.FInvalid = QRegion();
     ChangedWhileOff = false;
     TPaintScheduler::Remove(&Control);
     Control.FCanvas->Bind(nullptr, Scale);
     Surface = QImage();
+    SurfaceBuffer.reset();
     SurfaceClient = QSize();
     ToldSize = QSize(-1, -1);
     if (Painting) SurfaceStale = true;
@@ -363,7 +402,13 @@ void TCustomControl::ScrollWindow(int DX, int DY, const TRect& Scroll, const TRe
             const int ShiftX = static_cast<int>(std::lround(DeviceDX));
             const int ShiftY = static_cast<int>(std::lround(DeviceDY));
             FCanvas->EndPainting();
-            const QRect To = Device & Impl.Surface.rect().translated(ShiftX, ShiftY);
+            // Where the moved pixels come from and go to, as one band.
+            const QRect Band = Device | Device.translated(-ShiftX, -ShiftY);
+            const bool WholeRows =
+                ShiftX == 0 && Device.left() == 0 && Device.width() == Impl.Surface.width();
+            const bool Shifted = WholeRows && Band.top() >= 0 && Band.bottom() < Impl.Surface.height() &&
+                                 Impl.ShiftSurface(Band.top(), Band.bottom() + 1, ShiftY);
+            const QRect To = Shifted ? QRect() : Device & Impl.Surface.rect().translated(ShiftX, ShiftY);
             const auto Bytes = static_cast<std::size_t>(std::max(To.width(), 0)) * sizeof(QRgb);
             const auto MoveRow = [&](int Y) {
                 std::memmove(Impl.Surface.scanLine(Y) + To.left() * static_cast<int>(sizeof(QRgb)),

@@ -57,7 +57,11 @@ const TScene Scenes[] = {
              Grid.Invalidate();
          },
          On(&TTestGrid::OnDrawCell)),
-     PressKey(VK_NEXT)},
+     [](TTestGrid& Grid) {
+         const TControlGuard Guard(&Grid);
+         Grid.Press(VK_NEXT);
+         if (Guard) Grid.Update();
+     }},
     {"OnSelectCell by key", On(&TTestGrid::OnSelectCell), PressKey(VK_DOWN, ssShift)},
     {"OnSelectCell by mouse", On(&TTestGrid::OnSelectCell), PressMouse},
     {"OnSelectCell while rows go",
