@@ -2,6 +2,7 @@
 
 #include "host/base/Errors.h"
 #include "host/base/Streams.h"
+#include "host/windows/HintWindow.h"
 #include "quilltree/QuillTree.h"
 
 #include <QApplication>
@@ -9,6 +10,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QImage>
+#include <QPainter>
 #include <QPalette>
 #include <QPixmap>
 #include <QStyle>
@@ -45,7 +47,11 @@ void SetUpLook(bool Dark, bool RightToLeft) {
         Palette.setColor(QPalette::ButtonText, QColor(225, 225, 228));
         Palette.setColor(QPalette::Highlight, QColor(38, 90, 150));
         Palette.setColor(QPalette::HighlightedText, Qt::white);
+        Palette.setColor(QPalette::ToolTipBase, QColor(66, 66, 72));
+        Palette.setColor(QPalette::ToolTipText, QColor(235, 235, 238));
         Palette.setColor(QPalette::Link, QColor(110, 170, 255));
+        for (const auto Role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+            Palette.setColor(QPalette::Disabled, Role, QColor(130, 130, 136));
         QApplication::setPalette(Palette);
     }
     if (RightToLeft) QApplication::setLayoutDirection(Qt::RightToLeft);
@@ -95,8 +101,13 @@ void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft) {
 void SaveScreenshot(QWidget& Window, const std::string& FileName) {
     // Showing sets texts, texts ask for room, and room moves other things.
     for (int Round = 0; Round < 3; ++Round) QApplication::processEvents();
+    QPixmap Picture = Window.grab();
+    for (QWidget* Other : QApplication::topLevelWidgets()) {
+        if (!Other->isVisible() || !dynamic_cast<THintWindow*>(Other)) continue;
+        QPainter(&Picture).drawPixmap(Window.mapFromGlobal(Other->pos()), Other->grab());
+    }
     QBuffer Png;
-    if (!Window.grab().save(&Png, "PNG")) throw Exception("The window gave no picture");
+    if (!Picture.save(&Png, "PNG")) throw Exception("The window gave no picture");
     TMemoryStream(Png.data().toStdString()).SaveToFile(FileName);
 }
 

@@ -44,7 +44,7 @@ std::unique_ptr<TImageList> LoadPictures();
 void SetUpTree(TCustomQuillTree& Tree);
 void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft);
 
-// Writes the window as it is shown, in PNG. Raises EStreamError.
+// Writes the window as it is shown, hints over it included, in PNG. Raises EStreamError.
 void SaveScreenshot(QWidget& Window, const std::string& FileName);
 
 } // namespace quill::examples

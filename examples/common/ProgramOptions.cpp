@@ -9,6 +9,17 @@
 
 namespace quill::examples {
 
+namespace {
+
+std::string ReadFileName(const QCommandLineParser& Parser, const char* Option) {
+    const std::string Name = Parser.value(Option).toStdString();
+    if (Parser.isSet(Option) && Name.empty())
+        std::exit(ReportError(std::string("--") + Option + " needs a file name"));
+    return Name;
+}
+
+} // namespace
+
 void ChoosePlatform(int ArgCount, char** Args) {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
@@ -22,28 +33,26 @@ void ChoosePlatform(int ArgCount, char** Args) {
     }
 }
 
-void AddCommonOptions(QCommandLineParser& Parser) {
+void AddWindowOptions(QCommandLineParser& Parser) {
     Parser.addHelpOption();
     Parser.addOptions({
         {"screenshot", "Write a picture of the window to FILE (PNG) and end.", "FILE"},
-        {"save-as", "Save the nodes to FILE and end.", "FILE"},
         {"size", "Size of the window in pixels, 1000x700 if not given.", "WxH"},
         {"dark", "Use dark colours."},
         {"rtl", "Lay everything out from right to left."},
     });
 }
 
-TProgramOptions ReadCommonOptions(const QCommandLineParser& Parser) {
+void AddCommonOptions(QCommandLineParser& Parser) {
+    AddWindowOptions(Parser);
+    Parser.addOption({"save-as", "Save the nodes to FILE and end.", "FILE"});
+}
+
+TProgramOptions ReadWindowOptions(const QCommandLineParser& Parser) {
     TProgramOptions Options;
-    Options.Screenshot = Parser.value("screenshot").toStdString();
-    Options.SaveAs = Parser.value("save-as").toStdString();
+    Options.Screenshot = ReadFileName(Parser, "screenshot");
     Options.Dark = Parser.isSet("dark");
     Options.RightToLeft = Parser.isSet("rtl");
-    for (const char* Name : {"screenshot", "save-as"}) {
-        if (Parser.isSet(Name) && Parser.value(Name).isEmpty()) {
-            std::exit(ReportError(std::string("--") + Name + " needs a file name"));
-        }
-    }
     if (Parser.isSet("size")) {
         static const QRegularExpression Pattern("^([1-9]\\d{1,3})x([1-9]\\d{1,3})$");
         const QRegularExpressionMatch Match = Pattern.match(Parser.value("size"));
@@ -53,6 +62,12 @@ TProgramOptions ReadCommonOptions(const QCommandLineParser& Parser) {
         }
         Options.Size = QSize(Match.captured(1).toInt(), Match.captured(2).toInt());
     }
+    return Options;
+}
+
+TProgramOptions ReadCommonOptions(const QCommandLineParser& Parser) {
+    TProgramOptions Options = ReadWindowOptions(Parser);
+    Options.SaveAs = ReadFileName(Parser, "save-as");
     return Options;
 }
 

@@ -23,8 +23,11 @@ struct TProgramOptions {
 // To be called before the application object is made: without a display, work that needs no user goes on without one.
 void ChoosePlatform(int ArgCount, char** Args);
 
+// The options of a window, and those together with the ones of a program that saves nodes.
+void AddWindowOptions(QCommandLineParser& Parser);
 void AddCommonOptions(QCommandLineParser& Parser);
-// Ends the program with a message when an option has a value that makes no sense.
+// Both end the program with a message when an option has a value that makes no sense.
+TProgramOptions ReadWindowOptions(const QCommandLineParser& Parser);
 TProgramOptions ReadCommonOptions(const QCommandLineParser& Parser);
 
 // "PROGRAM: MESSAGE" on the error channel; returns the exit code of a failure.
