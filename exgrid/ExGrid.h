@@ -166,6 +166,9 @@ public:
     void SetFixedColAsButton(bool Value);
 
     void Paint() override;
+    // How far above its cells a descendant paints into a column, pixels. Where only that is to be painted anew the cell
+    // below takes part.
+    virtual int GetPaintReach(int) const { return 0; }
     // Paints the grid on ACanvas. With Full false only the mapping of the control's own canvas is set and reset.
     virtual void DrawOn(TCanvas& ACanvas, bool Full);
     // One region: cells from (ACol, ARow) on, between the pixels Start and Stop. Each row ends with a filler cell

@@ -129,7 +129,8 @@ void TCustomExGrid::DrawCells(TCanvas& ACanvas, int ACol, int ARow, int StartX, 
             if (Right == Left) continue;
             const TRect Cell{Narrow(Left), Narrow(Top), Narrow(Right), Narrow(Bottom)};
             // The lines count as visible parts: an invalid strip may begin on one.
-            const TRect Outer{Cell.Left, Cell.Top, Cell.Right + DI.Horz.EffectiveLineWidth,
+            const TRect Outer{Cell.Left, Cell.Top - GetPaintReach(CurCol),
+                              Cell.Right + DI.Horz.EffectiveLineWidth,
                               Cell.Bottom + DI.Vert.EffectiveLineWidth};
             if (!Outer.IsEmpty() && ACanvas.RectVisible(Outer)) {
                 State = IncludeDrawState;

@@ -149,6 +149,8 @@ public:
 
     // --- painting ---------------------------------------------------------------------------------------------
     void Paint() override;
+    // Outline lines reach into the row above.
+    int GetPaintReach(int ACol) const override { return FShowlines && ACol == FStructureCol ? 2 : 0; }
     void DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect& Rect, TExGridDrawState State,
                   bool& ContinueRow) override;
     virtual void DrawBackground(TCanvas& Canvas, const TRect& Rect, int ARow, int ACol,
@@ -400,7 +402,7 @@ Q_SIGNALS:
 
 private:
     bool IsEditorShowing() const { return GetEditorMode() && GetInplaceEditor(); }
-    void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level);
+    void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level, bool IsTopRow);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
     void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);
     void DrawNodePicture(TCanvas& Canvas, TFlyNode* Node, int ARow, const TRect& Cell, TExGridDrawState State,

@@ -48,7 +48,11 @@ void TCustomQuillTree::ColumnMoved(int FromIndex, int ToIndex) {
     }
 }
 
-void TCustomQuillTree::ColCountChanged() { InitColumnsMap(); }
+void TCustomQuillTree::ColCountChanged() {
+    // Columns that were moved fall back into their order, which is more than the strip that appeared or went.
+    if (!std::is_sorted(FColumnsMap.begin(), FColumnsMap.end())) Invalidate();
+    InitColumnsMap();
+}
 
 void TCustomQuillTree::SetStructureCol(int Value) {
     if (Value == FStructureCol) return;

@@ -163,11 +163,13 @@ void TCustomQuillTree::OutlineLine(TCanvas& Canvas, TPoint From, TPoint To) {
     }
 }
 
-void TCustomQuillTree::DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level) {
+void TCustomQuillTree::DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level,
+                                       bool IsTopRow) {
     TRect R = Cell;
     if (MadeOddRow(R.Top) == R.Top) --R.Top;
     R.Bottom = MadeOddRow(R.Bottom);
-    const int Above = R.Top - 1;
+    // The first row keeps out of the captions above it, which stay when it is scrolled.
+    const int Above = IsTopRow ? Cell.Top : R.Top - 1;
     const int Below = R.Bottom + 1;
     const int Centre = OutlineCentre(FOutlineLeft, Level);
     const int Middle = MadeOddRow(R.Top + (R.Bottom - R.Top) / 2);
@@ -222,7 +224,8 @@ void TCustomQuillTree::DrawStructureButtonsLines(TCanvas& Canvas, TFlyNode* Node
             Pen.SetWidth(2);
             Pen.SetColor(FOutlineColor);
         }
-        if (FShowlines && Options.Contains(doDrawlines)) DrawLinesOfSlot(Canvas, Node, Rect, Slots.Level);
+        if (FShowlines && Options.Contains(doDrawlines))
+            DrawLinesOfSlot(Canvas, Node, Rect, Slots.Level, ARow == GetTopRow());
         // Without buttons the pen of the solid style stays as it is; it is put back only for the button.
         if (FShowButtons && Options.Contains(doDrawbuttons)) {
             if (FOutlineStyle == olsExcel) {

@@ -77,7 +77,7 @@ void TCustomQuillTree::DrawCell(TCanvas& Canvas, int ACol, int ARow, const TRect
                                 TExGridDrawState State, bool& ContinueRow) {
     const TControlGuard Guard(this);
     // A cell outside the clip costs nothing but the user's event.
-    if (Canvas.RectVisible(Rect)) {
+    if (Canvas.RectVisible({Rect.Left, Rect.Top - GetPaintReach(ACol), Rect.Right, Rect.Bottom})) {
         TFlyNode* Node = GetNodeAtRow(ARow);
         if (!Guard) return;
         Canvas.GetBrush()->SetColor(TCustomExGrid::GetColor());

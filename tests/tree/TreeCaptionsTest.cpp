@@ -236,6 +236,20 @@ TEST(TreeSizing, TheLastColumnThatFillsTheClientHasNoBorder) {
     EXPECT_EQ(Tree.GetColWidths(2), 400 - 101 - 141 - 1);
 }
 
+TEST(TreeCaptions, LinesOfTheRowBelowOutliveTheRepaintOfACell) {
+    TCaptionTree Tree;
+    Tree.SetBounds(0, 0, 300, 90);
+    for (const int Top : {1, 2, 3}) {
+        Tree.SetTopRow(Top); // captions stay as they are
+        for (int Row = -1; Row < Tree.GetRowCount(); ++Row) {
+            Tree.InvalidateCell(0, Row);
+            const QImage Seen = Tree.GetSurfaceImage().copy();
+            Tree.Invalidate();
+            EXPECT_EQ(Seen, Tree.GetSurfaceImage()) << "top " << Top << " row " << Row;
+        }
+    }
+}
+
 TEST(TreeMoving, ADroppedRowIsReportedAndMovesNoNode) {
     TCaptionTree Tree;
     Tree.SetOptions(Tree.GetOptions() + TGridOptions(goRowMoving) - TGridOptions(goRangeSelect));
@@ -255,6 +269,10 @@ TEST(TreeMoving, ADroppedColumnIsPaintedInItsNewPlaceAtOnce) {
     const QImage Seen = Tree.GetSurfaceImage();
     Tree.Invalidate();
     EXPECT_EQ(Seen, Tree.GetSurfaceImage());
+    Tree.SetColCount(2); // which puts the columns back
+    const QImage Fewer = Tree.GetSurfaceImage();
+    Tree.Invalidate();
+    EXPECT_EQ(Fewer, Tree.GetSurfaceImage());
 }
 
 TEST(TreeMoving, ADragMarksTheNodesBetweenPressAndMouse) {
