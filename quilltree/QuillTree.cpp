@@ -1,6 +1,8 @@
 // The tree's life, its properties, and what the node model asks of it.
 #include "quilltree/QuillTree.h"
 #include "host/base/Events.h"
+#include "host/windows/Application.h"
+#include "htmldraw/NVHTMLHintWindow.h"
 
 #include "host/windows/Application.h"
 
@@ -33,6 +35,8 @@ TCustomQuillTree::TCustomQuillTree(TComponent* AOwner, QWidget* AParent)
 
 TCustomQuillTree::~TCustomQuillTree() {
     BeginDestruction();
+    StopToolTipTimer();
+    FHintWindow.reset();
     if (FImages) FImages->UnRegisterChanges(&FImageChangeLink);
     // The container still asks this object things while it goes.
     FItems->RowList.Clear();
@@ -135,6 +139,7 @@ void TCustomQuillTree::SetShowButtons(bool Value) { SetPainted(FShowButtons, Val
 void TCustomQuillTree::SetShowImages(bool Value) { SetPainted(FShowImages, Value); }
 void TCustomQuillTree::SetShowLogic(bool Value) { SetPainted(FShowLogic, Value); }
 void TCustomQuillTree::SetWordWrap(bool Value) { SetPainted(FWordWrap, Value); }
+void TCustomQuillTree::SetHTMLDrawing(bool Value) { SetPainted(FHTMLDrawing, Value); }
 void TCustomQuillTree::SetFirstLevelDrawMode(unsigned char Value) { SetPainted(FFirstLevelDrawMode, Value); }
 
 void TCustomQuillTree::SetHotTrack(bool Value) {
@@ -212,6 +217,7 @@ void TCustomQuillTree::ProcessMessages() {
 
 void TCustomQuillTree::ForgetNode(TFlyNode* Node) {
     if (FDropTargetNode == Node) FDropTargetNode = nullptr;
+    if (FToolTipNode == Node) ForgetToolTip();
     if (FAnchorNode == Node) FAnchorNode = nullptr;
     if (FRangeStartNode == Node) FRangeStartNode = nullptr;
     FAncestorsOf = nullptr;

@@ -23,6 +23,9 @@
 
 namespace quill {
 
+class TNVHTMLHintWindow;
+class TTimer;
+
 // Metrics of the outline, in pixels.
 namespace TreeMetrics {
 inline constexpr int TextMargin = 4;      // between the outline (or the cell edge) and the text
@@ -218,6 +221,27 @@ public:
     void RowSized(int ARow, int OldHeight, int NewHeight) override;
     bool ChangeState(TFlyNode* Node, int NewState) override;
 
+    // --- tooltips ---------------------------------------------------------------------------------------------
+    // While on, a cell that is too narrow for its text shows it in a hint window when the mouse comes over it.
+    bool GetToolTips() const { return FToolTips; }
+    void SetToolTips(bool Value);
+    TColor GetTooltipColor() const { return FTooltipColor; }
+    void SetTooltipColor(TColor Value) { FTooltipColor = Value; }
+    // How long a tooltip stays, in milliseconds; 0 for as long as the mouse.
+    int GetToolTipPause() const { return FToolTipPause; }
+    void SetToolTipPause(int Value) { FToolTipPause = Value; }
+    // Shows the tooltip of the cell under a client point when it needs one; true when it did.
+    bool ActivateToolTips(int X, int Y);
+    void HideToolTip();
+    void StartToolTipTimer(int Pause);
+    void StopToolTipTimer();
+    void TimerProc(TObject* Sender);
+    // Null while tooltips are off.
+    TNVHTMLHintWindow* GetHintWindow() const { return FHintWindow.get(); }
+    void WMMouseMove(TWMMouse& Message) override;
+    bool DoMouseWheelDown(TShiftState Shift, TPoint MousePos) override;
+    bool DoMouseWheelUp(TShiftState Shift, TPoint MousePos) override;
+
     // --- selection and keys -----------------------------------------------------------------------------------
     using TCustomExGrid::SetSelection;
     // The node of the current row; null while the selection is cleared.
@@ -253,6 +277,7 @@ public:
     // Whether pixels moved so far keep the outline right, whose dots and boxes keep to every second line.
     bool CanScrollPixels(int DX, int DY) override;
     void KeyDown(std::uint16_t& Key, TShiftState Shift) override;
+    void CMWantSpecialKey(TWMKey& Message) override;
     void WMChar(TWMKey& Message) override;
 
     // --- published properties ---------------------------------------------------------------------------------
@@ -303,6 +328,9 @@ public:
     void SetShowImages(bool Value);
     bool GetShowLogic() const { return FShowLogic; }
     void SetShowLogic(bool Value);
+    // Whether the texts of all cells are markup (htmldraw/HTMLDraw.h).
+    bool GetHTMLDrawing() const { return FHTMLDrawing; }
+    void SetHTMLDrawing(bool Value);
     bool GetWordWrap() const { return FWordWrap; }
     void SetWordWrap(bool Value);
     // Whether a plain click on a node toggles its mark, and Ctrl selects it alone.
@@ -418,6 +446,13 @@ private:
     bool ShowsImage(TFlyNode* Node) const;
     TRect PaintedStructureCell(int Row);
 
+    // Draws markup over the brush's colour, aligned in the control's direction.
+    void DrawMarkup(TCanvas& Canvas, const std::string& Text, const TRect& Rect, TAlignment Align,
+                    int VertAlign);
+    // Width of a text in the control's font, as cells show it.
+    int TextWidthOf(const std::string& Text);
+    bool IsTextCut(const TRect& Room, const std::string& Text, bool Structure);
+    void ForgetToolTip();
     bool IsCaption(int ACol, int ARow) const;
     bool IsCaptionPressed(int ACol, int ARow) const;
     void DrawSortArrow(TCanvas& Canvas, TRect& Rect, int ACol, int ARow);
@@ -462,6 +497,9 @@ private:
     TFlyNode* FAnchorNode = nullptr;     // from which a range extends
     TFlyNode* FRangeStartNode = nullptr; // the other end of the last range, or the node toggled last
     TFlyNode* FDropTargetNode = nullptr;
+    TFlyNode* FToolTipNode = nullptr; // whose cell was looked at last
+    std::unique_ptr<TNVHTMLHintWindow> FHintWindow;
+    std::unique_ptr<TTimer> FToolTipTimer; // while a tooltip is shown
 
     // The ancestors of the node painted last, top level first, as far as they are visible.
     std::vector<TFlyNode*> FAncestors;
@@ -478,6 +516,9 @@ private:
     int FPressedCol = -1;
     int FPressedRow = -1;
     int FSortColumn = -1;
+    int FToolTipCol = -1;
+    int FToolTipPause = 1000;
+    TColor FTooltipColor = clInfoBk;
     int FButtonSize;
     int FIndent = 20;
     int FStructureCol = 0;
@@ -510,6 +551,8 @@ private:
     bool FShowImages = false;
     bool FShowLogic = false;
     bool FWordWrap = false;
+    bool FHTMLDrawing = false;
+    bool FToolTips = false;
     bool FAutoExpand = false;
     bool FLoading = false;
     bool FExpanding = false;

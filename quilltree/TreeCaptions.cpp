@@ -2,6 +2,7 @@
 // that a column needs.
 #include "host/base/Events.h"
 #include "host/graphics/Canvas.h"
+#include "htmldraw/HTMLDraw.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -111,8 +112,16 @@ int TCustomQuillTree::GetCellFitWidth(int ACol, int ARow) {
             Width = 2 * TreeMetrics::TextMargin;
         }
     }
-    GetCanvas()->SetFont(GetFont());
-    return Width + GetCanvas()->TextWidth(Text) + 1;
+    return Width + TextWidthOf(Text) + 1;
+}
+
+int TCustomQuillTree::TextWidthOf(const std::string& Text) {
+    TCanvas& Canvas = *GetCanvas();
+    Canvas.SetFont(GetFont());
+    if (!FHTMLDrawing) return Canvas.TextWidth(Text);
+    TRect R;
+    DrawHTML(R, Canvas, Text, false, true, HTMLLeft, HTMLTop);
+    return R.Width();
 }
 
 } // namespace quill

@@ -161,6 +161,7 @@ void TCustomQuillTree::CancelDrag() {
 }
 
 void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    HideToolTip();
     if (Button != mbLeft && IsPressing()) {
         TCustomExGrid::MouseDown(Button, Shift, X, Y);
         return;
@@ -256,7 +257,9 @@ void TCustomQuillTree::MouseMove(TShiftState Shift, int X, int Y) {
 void TCustomQuillTree::CMMouseLeave(TMessage& Message) {
     const TControlGuard Guard(this);
     TCustomExGrid::CMMouseLeave(Message);
-    if (Guard && FHotTrack) SetTrackedNode(-1);
+    if (!Guard) return;
+    if (FHotTrack) SetTrackedNode(-1);
+    if (FToolTips) ForgetToolTip();
 }
 
 void TCustomQuillTree::SetTrackedNode(int Row) {

@@ -1,5 +1,6 @@
 // Painting of cells: dispatch, backgrounds and colours, texts, fixed cells. The outline is in TreeOutline.cpp.
 #include "host/graphics/Canvas.h"
+#include "htmldraw/HTMLDraw.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -188,17 +189,29 @@ void TCustomQuillTree::DrawStructureCellContents(TCanvas& Canvas, TRect& Rect, b
             if (!Node || !Node->GetSelected()) Font.SetColor(FHotTrackColor);
         }
     }
-    // Markup text will be measured and drawn by its renderer from here on.
+    TRect Measured = Rect;
+    if (FHTMLDrawing) {
+        Measured.Right -= TreeMetrics::TextOnlyExtra;
+        DrawHTML(Measured, Canvas, Text, FWordWrap, true, HTMLLeft, HTMLTop);
+    }
     if (FNodeSelectionStyle == tnsTextOnly) {
         // Measured in the cell's own direction, so that the extent begins at the outline in both directions.
-        TRect Measured = Rect;
-        Canvas.DrawText(Text, Measured, Flags | DT_CALCRECT);
+        if (!FHTMLDrawing) Canvas.DrawText(Text, Measured, Flags | DT_CALCRECT);
         Rect.Left = Measured.Left;
         Rect.Right = std::min(Rect.Right, Measured.Right + TreeMetrics::TextOnlyExtra);
     }
     if (!IsRowSelect() && !State.Contains(gdFixed)) DrawBackground(Canvas, Rect, ARow, ACol, State);
     TRect TextRect = Rect;
     TextRect.Left += TreeMetrics::TextMargin;
+    if (FHTMLDrawing) {
+        if (!FWordWrap && Measured.Height() < Rect.Height()) {
+            const int Half = (Rect.Height() - Measured.Height()) / 2;
+            TextRect.Top += Half;
+            TextRect.Bottom -= Half;
+        }
+        DrawMarkup(Canvas, Text, TextRect, taLeftJustify, HTMLTop);
+        return;
+    }
     TextRect.Right -= GetGridLineWidth();
     DrawRTLText(Canvas, Text, TextRect, Flags, static_cast<int>(VerticalFlag(VertAlign)));
 }
@@ -221,8 +234,10 @@ void TCustomQuillTree::DrawDataNode(TCanvas& Canvas, TFlyNode* Node, const TRect
     if (!Guard) return;
     DrawBackground(Canvas, Rect, ARow, ACol, State);
     if (!Guard) return;
-    if (!Text.empty()) {
-        // Markup text will be drawn by its renderer here.
+    if (FHTMLDrawing) {
+        const TAlignment Align = GetAlignment(ACol);
+        DrawMarkup(Canvas, Text, DataTextRect(Rect, Align), Align, HTMLMiddle);
+    } else if (!Text.empty()) {
         // Centred by the text routine alone: with the flag as well, a tall row's text would sink below the middle.
         const unsigned Flags = AlignmentFlag(GetAlignment(ACol)) | DT_NOPREFIX |
                                (FWordWrap ? DT_WORDBREAK : DT_END_ELLIPSIS | DT_SINGLELINE);
@@ -241,6 +256,18 @@ void TCustomQuillTree::DrawDataNode(TCanvas& Canvas, TFlyNode* Node, const TRect
     Canvas.GetBrush()->SetColor(OldBrush);
 }
 
+// The renderer keeps left and right where they are; here they are meant in the control's direction.
+void TCustomQuillTree::DrawMarkup(TCanvas& Canvas, const std::string& Text, const TRect& Rect,
+                                  TAlignment Align, int VertAlign) {
+    int Code = Align;
+    if (UseRightToLeftAlignment() && Align != taCenter) Code = Align == taLeftJustify ? HTMLRight : HTMLLeft;
+    const int OldFlags = Canvas.GetTextFlags();
+    Canvas.SetTextFlags(UseRightToLeftReading() ? ETO_RTLREADING : 0);
+    TRect R = Rect;
+    DrawHTML(R, Canvas, Text, FWordWrap, false, Code, VertAlign);
+    Canvas.SetTextFlags(OldFlags);
+}
+
 // --- fixed cells -------------------------------------------------------------------------------------------------
 
 void TCustomQuillTree::DrawFixed(TCanvas& Canvas, const TRect& Rect, int ARow, int ACol, TExGridDrawState) {
@@ -254,12 +281,15 @@ void TCustomQuillTree::DrawFixed(TCanvas& Canvas, const TRect& Rect, int ARow, i
         ARow < GetFixedRows() ? GetEditText(ACol, ARow) : TCustomExGrid::GetEditText(ACol, ARow);
     if (!Guard) return;
 
-    // Markup text will be drawn by its renderer here.
     TRect TextRect = Rect;
     TextRect.Inflate(-TreeMetrics::FixedTextMargin, 0);
     if (Pressed) TextRect.Offset(1, 1);
     DrawSortArrow(Canvas, TextRect, ACol, ARow);
     if (Text.empty()) return;
+    if (FHTMLDrawing) {
+        DrawMarkup(Canvas, Text, TextRect, GetAlignment(ACol), HTMLMiddle);
+        return;
+    }
     const unsigned Flags = FWordWrap ? DT_NOPREFIX | DT_WORDBREAK
                                      : AlignmentFlag(GetAlignment(ACol)) | DT_END_ELLIPSIS | DT_NOPREFIX |
                                            DT_SINGLELINE | DT_VCENTER;

@@ -2,6 +2,7 @@
 #include "host/graphics/Canvas.h"
 #include "host/windows/Application.h"
 #include "host/windows/FlagScope.h"
+#include "htmldraw/HTMLDraw.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -376,8 +377,9 @@ int TCustomQuillTree::CalcNodeHeight(TFlyNode* Node, int Col) {
 
     TCanvas& Canvas = *GetCanvas();
     Canvas.SetFont(GetFont());
-    // Markup text will be measured by its renderer here.
-    if (FWordWrap) {
+    if (FHTMLDrawing) {
+        DrawHTML(R, Canvas, Text, FWordWrap, true, HTMLLeft, HTMLTop);
+    } else if (FWordWrap) {
         DrawRTLText(Canvas, Text, R, Flags | DT_CALCRECT, 0);
     } else {
         R.Bottom = Canvas.TextHeight(Text);

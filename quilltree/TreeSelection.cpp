@@ -416,6 +416,14 @@ void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     if (Guard) TCustomExGrid::KeyDown(Key, Shift);
 }
 
+// Enter opens and closes a node that has children; a dialog gets it from the others.
+void TCustomQuillTree::CMWantSpecialKey(TWMKey& Message) {
+    TCustomExGrid::CMWantSpecialKey(Message);
+    if (Message.CharCode != VK_RETURN || (GetCol() != FStructureCol && !IsRowSelect())) return;
+    const TFlyNode* Node = GetNodeAtRow(GetRow());
+    if (Node && Node->GetChildren()) Message.Result = 1;
+}
+
 void TCustomQuillTree::WMChar(TWMKey& Message) {
     const char32_t Char = Message.CharCode;
     if (GetCol() != FStructureCol && !IsRowSelect()) {

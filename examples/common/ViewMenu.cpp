@@ -51,9 +51,13 @@ const TSwitch Switches[] = {
          Tree.SetWordWrap(Value);
          Tree.SetFitToHeight(Value);
      }},
+    {"&Markup", [](TTree& Tree) { return Tree.GetHTMLDrawing(); },
+     [](TTree& Tree, bool Value) { Tree.SetHTMLDrawing(Value); }},
+    {"&Tooltips", [](TTree& Tree) { return Tree.GetToolTips(); },
+     [](TTree& Tree, bool Value) { Tree.SetToolTips(Value); }},
     {"Select W&hole Rows", [](TTree& Tree) { return Tree.HasOption(goRowSelect); },
      [](TTree& Tree, bool Value) { SetOption(Tree, {goRowSelect}, Value); }},
-    {"&Track the Mouse", [](TTree& Tree) { return Tree.GetHotTrack(); },
+    {"Trac&k the Mouse", [](TTree& Tree) { return Tree.GetHotTrack(); },
      [](TTree& Tree, bool Value) { Tree.SetHotTrack(Value); }},
     {"S&mooth Animation", [](TTree& Tree) { return Tree.GetSmoothExpandCollapse(); },
      [](TTree& Tree, bool Value) { Tree.SetSmoothExpandCollapse(Value); }},

@@ -6,10 +6,13 @@
 #include "../common/TreeStatus.h"
 #include "../common/ViewMenu.h"
 
+#include "htmldraw/HTMLText.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
@@ -92,7 +95,35 @@ void TOutlinerWindow::MakeViewMenu(QToolBar* Tools) {
     Collapse->setShortcut(tr("Ctrl+Shift+E"));
     Menu->addSeparator();
     new TViewMenu(Menu, FTree);
+    Menu->addSeparator();
+    Menu->addAction(MakePreview()->toggleViewAction());
     Tools->addActions({Expand, Collapse});
+}
+
+// The text of the selected node as markup, in a part of the window that the user can open.
+QDockWidget* TOutlinerWindow::MakePreview() {
+    auto* Dock = new QDockWidget(tr("Previe&w"), this);
+    Dock->setObjectName("preview");
+    FPreview = new TNVHTMLText(nullptr, Dock);
+    FPreview->SetWordWrap(true);
+    FPreview->SetParentColor(false);
+    FPreview->SetColor(clWindow);
+    FPreview->SetVertAlign(vaTop);
+    FPreview->SetMargin(8);
+    FPreview->setMinimumHeight(60);
+    Dock->setWidget(FPreview);
+    addDockWidget(Qt::BottomDockWidgetArea, Dock);
+    Dock->hide();
+    connect(FTree, &TOutlineTree::changed, this, &TOutlinerWindow::ShowPreview);
+    connect(Dock, &QDockWidget::visibilityChanged, this, &TOutlinerWindow::ShowPreview);
+    return Dock;
+}
+
+void TOutlinerWindow::ShowPreview() {
+    TStringList Lines;
+    TFlyNode* Node = FTree->GetNodeAtRow(FTree->GetRow());
+    if (Node) Lines.SetText(Node->GetText());
+    FPreview->SetStrings(&Lines);
 }
 
 void TOutlinerWindow::MakeHelpMenu() {

@@ -6,6 +6,12 @@
 
 #include <string>
 
+class QDockWidget;
+
+namespace quill {
+class TNVHTMLText;
+}
+
 namespace quill::examples {
 
 class TOutlineTree;
@@ -35,6 +41,8 @@ private:
     void MakeFileMenu(QToolBar* Tools);
     void MakeEditMenu();
     void MakeViewMenu(QToolBar* Tools);
+    QDockWidget* MakePreview();
+    void ShowPreview();
     void MakeHelpMenu();
 
     void AskAndOpen();
@@ -54,6 +62,7 @@ private:
     QString StatusText() const;
 
     TOutlineTree* FTree;
+    TNVHTMLText* FPreview = nullptr;
     TTreeStatus* FStatus;
     std::string FFileName; // empty for an outline that has none yet
     TSaveNodesOptions FOptions = DefaultOptions();

@@ -26,6 +26,7 @@ struct TArguments {
     std::vector<std::string> RoundTrip;
     TOutlineStyle Style = olsStandardTree;
     bool ExpandAll = false;
+    bool Markup = false;
 };
 
 TArguments ReadArguments() {
@@ -35,6 +36,7 @@ TArguments ReadArguments() {
     Parser.addOptions({
         {"file", "Open FILE.", "FILE"},
         {"expand-all", "Open all nodes first."},
+        {"markup", "Show texts as markup."},
         {"outline-style", "Draw the outline as NAME: standard, explorer or solid.", "NAME", "standard"},
         {"roundtrip",
          "Load and save the FILES with all options that keep their fields, compare the bytes, and end."},
@@ -45,6 +47,7 @@ TArguments ReadArguments() {
     TArguments Arguments;
     Arguments.Common = ReadCommonOptions(Parser);
     Arguments.ExpandAll = Parser.isSet("expand-all");
+    Arguments.Markup = Parser.isSet("markup");
     QStringList Files = Parser.values("file") + Parser.positionalArguments();
     if (Parser.isSet("roundtrip")) {
         if (Files.isEmpty()) std::exit(ReportError("--roundtrip needs files"));
@@ -79,6 +82,7 @@ int main(int ArgCount, char** Args) {
 
     TOutlinerWindow Window;
     Window.GetTree()->SetOutlineStyle(Arguments.Style);
+    Window.GetTree()->SetHTMLDrawing(Arguments.Markup);
     return Window.Run(Arguments.Common, QObject::tr("Open an Outline"), [&] {
         if (!Arguments.File.empty()) Window.OpenFile(Arguments.File);
         if (Arguments.ExpandAll) Window.ExpandAll();
