@@ -7,8 +7,12 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QPainter>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace quill::examples {
 
@@ -17,6 +21,26 @@ namespace {
 constexpr int ListWidth = 180;
 constexpr int ItemHeight = 32;
 constexpr int PageMargin = 16;
+
+constexpr int TextInset = 12;
+
+// Names of pages, with some room before them.
+class TPageDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void paint(QPainter* Painter, const QStyleOptionViewItem& Option,
+               const QModelIndex& Index) const override {
+        QStyleOptionViewItem Item(Option);
+        initStyleOption(&Item, Index);
+        const QString Text = std::exchange(Item.text, QString());
+        Item.widget->style()->drawControl(QStyle::CE_ItemViewItem, &Item, Painter, Item.widget);
+        const bool Selected = Item.state.testFlag(QStyle::State_Selected);
+        Item.widget->style()->drawItemText(
+            Painter, Item.rect.adjusted(TextInset, 0, -TextInset, 0),
+            static_cast<int>(QStyle::visualAlignment(Item.direction, Qt::AlignLeft) | Qt::AlignVCenter),
+            Item.palette, true, Text, Selected ? QPalette::HighlightedText : QPalette::Text);
+    }
+};
 
 QString Translated(const char* Text) { return QCoreApplication::translate("Gallery", Text); }
 
@@ -46,7 +70,7 @@ TGalleryWindow::TGalleryWindow()
 void TGalleryWindow::MakeList() {
     FList->setFixedWidth(ListWidth);
     FList->setFrameShape(QFrame::NoFrame);
-    FList->setStyleSheet("QListWidget::item { padding: 0 12px; }");
+    FList->setItemDelegate(new TPageDelegate(FList));
     FList->setAccessibleName(tr("Pages"));
     for (const TPageInfo& Info : GalleryPages()) {
         auto* Item = new QListWidgetItem(Translated(Info.Title), FList);

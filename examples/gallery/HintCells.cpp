@@ -25,9 +25,9 @@ const char* const Texts[][ColCount] = {
      "\u03b9\u03ba\u03ac, \u0440\u0443\u0441\u0441\u043a"
      "\u0438\u0439 \u044f\u0437\u044b\u043a"},
     {"<BGCOLOR=#FFE680><COLOR=#000000>Marked</COLOR></BGCOLOR> and then some more",
-     "A background is part of the <B>markup</B>, and so is <FONT FACE=Monospace>monospaced text</FONT> in "
-     "the middle "
-     "of a line that is far too long"},
+     "A background is part of the <B>markup</B>, and so are <COLOR=#C06000>colours</COLOR> and <U>lines</U> "
+     "in the middle "
+     "of a text that is far too long for its cell"},
     {"\u05e9\u05dc\u05d5\u05dd \u05e2\u05d5\u05dc\u05dd, \u05d6\u05d4\u05d5 \u05d8\u05e7\u05e1\u05d8 "
      "\u05d0\u05e8\u05d5\u05da",
      "Text that is written from right to left keeps its order: "

@@ -62,8 +62,10 @@ int Fit(std::int64_t From, int Size, int Low, int High) {
 // A child of its owner's widget as far as the window system is concerned: it stays above that window and is placed
 // with it where programs cannot place windows freely.
 THintWindow::THintWindow(TComponent* AOwner) : TCustomControl(AOwner, dynamic_cast<QWidget*>(AOwner)) {
-    setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
-                   Qt::WindowDoesNotAcceptFocus);
+    // A tooltip stays on top anyway. Unless we say so Qt makes its X11 window twice, and the second one is not
+    // transparent for input: the window below would see the mouse leave as soon as the hint is shown under it.
+    setWindowFlags(Qt::ToolTip | Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint |
+                   Qt::WindowTransparentForInput | Qt::WindowDoesNotAcceptFocus);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setAttribute(Qt::WA_WindowPropagation);
