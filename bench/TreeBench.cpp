@@ -1,7 +1,9 @@
 // The tree control on screen: painting, expanding and adding, beside a QTreeView that shows the same data.
 #include "bench/PeerModel.h"
 #include "bench/Report.h"
+#include "host/graphics/Canvas.h"
 #include "host/windows/Application.h"
+#include "htmldraw/HTMLDraw.h"
 #include "quilltree/QuillTree.h"
 
 #include <QApplication>
@@ -284,6 +286,53 @@ void MoveAmongSiblings(int Count) {
     Report("expand above a million rows, one of its own height", Shift, "ms", "1 ms", 1, 60);
 }
 
+// A page of cells whose texts are markup beside the same page as plain text, and measuring such texts.
+void Markup() {
+    constexpr int Rows = 35;
+    constexpr int Cols = 5;
+    const auto CellText = [](int Row, int Col, bool Tags) {
+        const std::string Number = std::to_string(Row * Cols + Col);
+        return Tags ? "Cell <B>number</B> " + Number + " <COLOR=#C00000>in red"
+                    : "Cell number " + Number + " in red";
+    };
+    TImageList Images(nullptr, 16, 16);
+    const auto PaintOf = [&](bool Tags) {
+        TOurTree Ours(Images);
+        TQuillTree& Tree = Ours.Tree;
+        TFlyNodes& Items = *Tree.GetItems();
+        Tree.SetColCount(Cols);
+        for (int Col = 0; Col < Cols; ++Col) Tree.SetColWidths(Col, 190);
+        Tree.SetHTMLDrawing(Tags);
+        Items.BeginUpdate();
+        Items.Clear();
+        for (int Row = 0; Row < Rows; ++Row) {
+            TFlyNode* Node = Items.Add(nullptr, CellText(Row, 0, Tags));
+            for (int Col = 1; Col < Cols; ++Col) Node->SetCell(Col, CellText(Row, Col, Tags));
+        }
+        Items.EndUpdate();
+        Settle();
+        return Ours.FullPaint();
+    };
+    Report("paint 35 x 5 cells of markup", PaintOf(true), "ms", "plain texts", PaintOf(false), 4);
+
+    constexpr int Count = 2000;
+    std::vector<std::string> Texts;
+    for (int Index = 0; Index < Count; ++Index) Texts.push_back(CellText(Index, 1, true));
+    TBitmap Bitmap;
+    Bitmap.SetSize(10, 10);
+    TCanvas& Canvas = *Bitmap.GetCanvas();
+    const auto MeasureAll = [&] {
+        const TStopwatch Watch;
+        for (const std::string& Text : Texts) {
+            TRect R;
+            DrawHTML(R, Canvas, Text, false, true, 0, 0);
+        }
+        return Watch.Milliseconds() * 1000 / Count;
+    };
+    Report("measure a short markup text", MeasureAll(), "us", "1 us", 1, 6);
+    Report("measure it again", MeasureAll(), "us", "1 us", 1, 1);
+}
+
 void AddOneByOne(int Count) {
     TImageList Images(nullptr, 16, 16);
     const auto Run = [&Images](int Nodes) {
@@ -319,7 +368,7 @@ void Memory(int Groups) {
 int main(int ArgCount, char** Args) {
     if (!std::getenv("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication App(ArgCount, Args);
-    // --tenth runs with a tenth of the nodes, --only NAME one of memory, paint, move and add.
+    // --tenth runs with a tenth of the nodes, --only NAME one of memory, paint, markup, move and add.
     bool Tenth = false;
     std::string Only;
     for (int Index = 1; Index < ArgCount; ++Index) {
@@ -330,6 +379,7 @@ int main(int ArgCount, char** Args) {
     const int Groups = Tenth ? 10 : 100;
     if (Wanted("memory")) Memory(Groups);
     if (Wanted("paint")) PaintAndExpand(Groups);
+    if (Wanted("markup")) Markup();
     if (Wanted("move")) MoveAmongSiblings(Tenth ? 100000 : 1000000);
     if (Wanted("add")) AddOneByOne(Tenth ? 10000 : 100000);
     return 0;
