@@ -5,7 +5,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -60,14 +59,13 @@ QWidget* THintPage::MakeOptions() {
     Switches->addWidget(FMarkup);
     Switches->addWidget(FWordWrap);
     Switches->addStretch();
-    auto* Width = new QLabel(tr("Ma&ximum width"));
-    Width->setBuddy(FMaxWidth);
-    Switches->addWidget(Width);
-    Switches->addWidget(FMaxWidth);
+    auto* Width = new QFormLayout;
+    Width->addRow(tr("Ma&ximum width"), FMaxWidth);
     auto* Options = new QGroupBox(tr("Text of the hint"));
     auto* Column = new QVBoxLayout(Options);
     Column->addWidget(FText, 1);
     Column->addLayout(Switches);
+    Column->addLayout(Width);
     return Options;
 }
 

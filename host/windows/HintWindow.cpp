@@ -128,8 +128,10 @@ void THintWindow::ActivateHint(const TRect& Rect, const std::string& AHint) {
     SetBounds(Window.Left, Window.Top, Window.Width(), Window.Height());
     if (!Guard) return;
     Invalidate();
-    setVisible(true);
-    if (Guard) raise();
+    if (isVisible())
+        raise();
+    else
+        setVisible(true); // on top of the others
 }
 
 void THintWindow::HideHint() { setVisible(false); }

@@ -83,6 +83,14 @@ TEST_F(Programs, KeepAllBytesOfTheSamplesAndShowThem) {
                   {600, 500});
 }
 
+TEST_F(Programs, ShowEveryPageOfTheGallery) {
+    for (const char* Page : {"label", "hint"}) {
+        ExpectPicture(GALLERY_PROGRAM, {"--page", Page, "--size", "800x560"}, {800, 560});
+        ExpectPicture(GALLERY_PROGRAM, {"--page", Page, "--size", "800x560", "--dark", "--rtl"}, {1600, 1120},
+                      "2");
+    }
+}
+
 TEST_F(Programs, SaveExpandedNodesWhenAsked) {
     Folder.Put("a.nodes", "SaveOptions:16\r\n0,A\r\n\t0,B\r\n\t\t0,C\r\n0,D\r\n");
     const TResult Result = RunProgram(OUTLINER_PROGRAM, {"--file", Folder.File("a.nodes"), "--expand-all",
@@ -105,6 +113,7 @@ TEST_F(Programs, ReportWhatTheyCannotDo) {
         {OUTLINER_PROGRAM, {Folder.File("missing.nodes"), "--screenshot", Out}, {"missing.nodes"}},
         {OUTLINER_PROGRAM, {Folder.File("good.nodes"), "--save-as", "/dev/full"}, {"/dev/full", "No space"}},
         {OUTLINER_PROGRAM, {"--size", "huge"}, {"huge"}},
+        {GALLERY_PROGRAM, {"--page", "nowhere"}, {"nowhere", "label, hint"}},
         {OUTLINER_PROGRAM, {"--roundtrip", Folder.File("plain.nodes")}, {"options 8: differs from byte"}},
         {EXPLORER_PROGRAM, {"--root", "/no/such", "--screenshot", Out}, {"\"/no/such\": No such file"}},
     };
