@@ -2,6 +2,7 @@
 
 #include "host/base/Errors.h"
 #include "host/base/Streams.h"
+#include "host/graphics/Canvas.h"
 #include "host/windows/HintWindow.h"
 #include "quilltree/QuillTree.h"
 
@@ -91,6 +92,13 @@ void SetUpTree(TCustomQuillTree& Tree) {
     Tree.SetFitColumnToClientWidth(true);
     Tree.SetHotTrackColor(ColorOf(Tree.palette().color(QPalette::Link)));
     Tree.SetBorderStyle(bsNone);
+}
+
+void DrawCaptionEdge(TCustomQuillTree& Tree, TCanvas& Canvas, const TRect& Rect, int ARow) {
+    if (ARow >= Tree.GetFixedRows()) return;
+    Canvas.GetBrush()->SetColor(clBtnShadow);
+    Canvas.FillRect({Rect.Right - 1, Rect.Top + 4, Rect.Right, Rect.Bottom - 4});
+    Canvas.GetBrush()->SetColor(Tree.GetFixedColor());
 }
 
 void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft) {

@@ -42,6 +42,8 @@ std::unique_ptr<TImageList> LoadPictures();
 
 // Rows as high as the font needs, a row of captions, whole rows selected, lines and colours of the palette.
 void SetUpTree(TCustomQuillTree& Tree);
+// Tells captions apart where no line does; to be called after the frame of a fixed cell was drawn.
+void DrawCaptionEdge(TCustomQuillTree& Tree, TCanvas& Canvas, const TRect& Rect, int ARow);
 void SetRightToLeft(TCustomQuillTree& Tree, bool RightToLeft);
 
 // Writes the window as it is shown, hints over it included, in PNG. Raises EStreamError.

@@ -34,6 +34,11 @@ std::string TExplorerTree::GetEditText(int ACol, int ARow) {
     return FirstStrongIsolate + Text + PopDirectionalIsolate;
 }
 
+void TExplorerTree::DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) {
+    TQuillTree::DrawFixedFrame(Canvas, Rect, ACol, ARow, Clicked);
+    DrawCaptionEdge(*this, Canvas, Rect, ARow);
+}
+
 TExplorerWindow::TExplorerWindow() : FTree(new TExplorerTree(this)) {
     SetUpTree(*FTree);
     SetTree(FTree, WideTexts);

@@ -21,6 +21,7 @@ public:
     std::string GetEditText(int ACol, int ARow) override;
     // Only what is shown differs, not what is stored: files are saved by whole records.
     bool StoresPlainTexts() const override { return true; }
+    void DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) override;
 };
 
 class TExplorerWindow : public TProgramWindow {

@@ -47,6 +47,11 @@ void TOutlineTree::ShowOutline(const TOutline& Outline, std::vector<std::string>
     if (TFlyNode* First = GetNodeAtRow(GetFixedRows())) SetSelection(First);
 }
 
+void TOutlineTree::DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) {
+    TQuillTree::DrawFixedFrame(Canvas, Rect, ACol, ARow, Clicked);
+    DrawCaptionEdge(*this, Canvas, Rect, ARow);
+}
+
 // --- sorting -------------------------------------------------------------------------------------------------------
 
 void TOutlineTree::CaptionClick(int DataCol) {

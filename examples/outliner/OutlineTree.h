@@ -32,6 +32,7 @@ public:
 
     // This class does nothing of its own with cells, so that files load and save by whole records.
     bool StoresPlainTexts() const override { return true; }
+    void DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) override;
     bool ChangeState(TFlyNode* Node, int NewState) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
 
