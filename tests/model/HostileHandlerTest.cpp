@@ -25,182 +25,159 @@ struct TScene {
     }
 };
 
-using TDeed = std::function<void(TScene&, TFlyNode*)>;
-struct TNamedDeed {
+struct TDeed {
     const char* Name;
-    TDeed Work;
+    std::function<void(TScene&, TFlyNode*)> Work;
 };
 
-// What the handler does; the node may be null.
-const std::vector<TNamedDeed>& Misdeeds() {
-    static const std::vector<TNamedDeed> All = {
-        {"deletes the node",
-         [](TScene&, TFlyNode* N) {
-             if (N) N->Delete();
-         }},
-        {"deletes the node by operator", [](TScene&, TFlyNode* N) { delete N; }},
-        {"deletes its parent",
-         [](TScene&, TFlyNode* N) {
-             if (N && N->GetParent()) N->GetParent()->Delete();
-         }},
-        {"deletes a stranger",
-         [](TScene& S, TFlyNode*) {
-             if (TFlyNode* const N = S.At("c")) N->Delete();
-         }},
-        {"deletes the first node",
-         [](TScene& S, TFlyNode*) {
-             if (S.Nodes()->FirstExisting()) S.Nodes()->FirstExisting()->Delete();
-         }},
-        {"deletes the children",
-         [](TScene&, TFlyNode* N) {
-             if (N) N->DeleteChildren();
-         }},
-        {"clears the tree", [](TScene& S, TFlyNode*) { S.Nodes()->Clear(); }},
-        {"destroys the host", [](TScene& S, TFlyNode*) { S.Host.reset(); }},
-        {"adds nodes",
-         [](TScene& S, TFlyNode* N) {
-             S.Nodes()->Add(N, "new");
-             S.Nodes()->AddChild(N, "new");
-             S.Nodes()->Insert(nullptr, "new");
-         }},
-        {"moves the node",
-         [](TScene& S, TFlyNode* N) {
-             if (N && S.Nodes()->FirstExisting() != N) N->MoveTo(S.Nodes()->FirstExisting(), naInsert);
-         }},
-        {"moves it to another tree",
-         [](TScene& S, TFlyNode* N) {
-             if (N && S.Other->GetItems()->GetCount())
-                 N->MoveTo(S.Other->GetItems()->FirstExisting(), naAddChild);
-         }},
-        {"expands and collapses",
-         [](TScene& S, TFlyNode*) {
-             if (TFlyNode* const N = S.At("a")) {
-                 N->Collapse(true);
-                 if (S.At("a") == N) N->Expand(true);
-             }
-         }},
-        {"hides everything",
-         [](TScene& S, TFlyNode* N) {
-             if (N) N->Hide();
-             if (TFlyNode* const A = S.At("a")) A->Hide();
-         }},
-        {"sorts", [](TScene& S, TFlyNode*) { S.Nodes()->CustomSort(nullptr, false); }},
-        {"throws", [](TScene&, TFlyNode*) { throw EInvalidOperation("hostile"); }},
-        {"opens a bracket and forgets it",
-         [](TScene& S, TFlyNode*) {
-             S.Nodes()->BeginUpdate();
-             S.Left = 0;
-         }},
-    };
-    return All;
-}
+// What the handler does with a node that is there.
+const TDeed Misdeeds[] = {
+    {"deletes the node", [](TScene&, TFlyNode* N) { N->Delete(); }},
+    {"deletes the node by operator", [](TScene&, TFlyNode* N) { delete N; }},
+    {"deletes its parent",
+     [](TScene&, TFlyNode* N) {
+         if (N->GetParent()) N->GetParent()->Delete();
+     }},
+    {"deletes the first node", [](TScene& S, TFlyNode*) { S.Nodes()->FirstExisting()->Delete(); }},
+    {"deletes the children", [](TScene&, TFlyNode* N) { N->DeleteChildren(); }},
+    {"clears the tree", [](TScene& S, TFlyNode*) { S.Nodes()->Clear(); }},
+    {"destroys the host", [](TScene& S, TFlyNode*) { S.Host.reset(); }},
+    {"adds nodes",
+     [](TScene& S, TFlyNode* N) {
+         S.Nodes()->Add(N, "new");
+         S.Nodes()->AddChild(N, "new");
+         S.Nodes()->Insert(nullptr, "new");
+     }},
+    {"moves the node",
+     [](TScene& S, TFlyNode* N) {
+         if (S.Nodes()->FirstExisting() != N) N->MoveTo(S.Nodes()->FirstExisting(), naInsert);
+     }},
+    {"moves it to another tree",
+     [](TScene& S, TFlyNode* N) {
+         if (S.Other->GetItems()->GetCount()) N->MoveTo(S.Other->GetItems()->FirstExisting(), naAddChild);
+     }},
+    {"expands and collapses",
+     [](TScene& S, TFlyNode*) {
+         if (TFlyNode* const N = S.At("a")) {
+             N->Collapse(true);
+             if (S.At("a") == N) N->Expand(true);
+         }
+     }},
+    {"hides everything",
+     [](TScene& S, TFlyNode* N) {
+         N->Hide();
+         if (TFlyNode* const A = S.At("a")) A->Hide();
+     }},
+    {"sorts", [](TScene& S, TFlyNode*) { S.Nodes()->CustomSort(nullptr, false); }},
+    {"throws", [](TScene&, TFlyNode*) { throw EInvalidOperation("hostile"); }},
+    {"opens a bracket and forgets it",
+     [](TScene& S, TFlyNode*) {
+         S.Nodes()->BeginUpdate();
+         S.Left = 0;
+     }},
+};
 
-// Which event strikes: each connects the misdeed.
-using TStrike = std::function<void(TFlyNode*)>;
-struct TNamedEvent {
+// Fits every event that begins with a node.
+struct TStrike {
+    std::function<void(TFlyNode*)> Work;
+    template <class... TArgs>
+    void operator()(TFlyNode* Node, TArgs&&...) const {
+        const auto Copy = Work; // the handler's own place may go while it runs
+        Copy(Node);
+    }
+};
+
+struct TEvent {
     const char* Name;
     void (*Connect)(TScene&, TStrike);
 };
 
-const std::vector<TNamedEvent>& Events() {
-    static const std::vector<TNamedEvent> All = {
-        {"OnExpanding",
-         [](TScene& S, TStrike F) { S.Host->OnExpanding = [F](TFlyNode* N, bool&) { F(N); }; }},
-        {"OnCollapsing",
-         [](TScene& S, TStrike F) { S.Host->OnCollapsing = [F](TFlyNode* N, bool&) { F(N); }; }},
-        {"OnExpanded", [](TScene& S, TStrike F) { S.Host->OnExpanded = F; }},
-        {"OnCollapsed", [](TScene& S, TStrike F) { S.Host->OnCollapsed = F; }},
-        {"OnDeletion", [](TScene& S, TStrike F) { S.Host->OnDeletion = F; }},
-        {"OnStateChanging",
-         [](TScene& S, TStrike F) { S.Host->OnStateChanging = [F](TFlyNode* N, int, bool&) { F(N); }; }},
-        {"OnSelectItem", [](TScene& S, TStrike F) { S.Host->OnSelectItem = F; }},
-        {"OnCompare",
-         [](TScene& S, TStrike F) {
-             S.Host->OnCompare = [F](TFlyNode* A, TFlyNode* B, int& C) {
-                 C = A->GetText().compare(B->GetText());
-                 F(B);
-             };
-             S.Host->SetSortType(stBoth);
-         }},
-        {"OnMaterialise", [](TScene& S, TStrike F) { S.Host->OnMaterialise = F; }},
-        {"OnInsertRows",
-         [](TScene& S, TStrike F) {
-             S.Host->OnInsertRows = [F, &S](int Row, int) { F(S.Nodes()->RowList.NodeAt(Row)); };
-         }},
-        {"OnDeleteRows",
-         [](TScene& S, TStrike F) {
-             S.Host->OnDeleteRows = [F, &S](int Row, int) { F(S.Nodes()->RowList.NodeAt(Row)); };
-         }},
-        {"OnRefresh", [](TScene& S, TStrike F) { S.Host->OnRefresh = [F, &S] { F(S.At("b")); }; }},
-        {"OnCollectionChange",
-         [](TScene& S, TStrike F) { S.Nodes()->OnCollectionChange = [F, &S](TObject*) { F(S.At("b")); }; }},
-    };
-    return All;
-}
+const TEvent Events[] = {
+    {"OnExpanding", [](TScene& S, TStrike F) { S.Host->OnExpanding = F; }},
+    {"OnCollapsing", [](TScene& S, TStrike F) { S.Host->OnCollapsing = F; }},
+    {"OnExpanded", [](TScene& S, TStrike F) { S.Host->OnExpanded = F; }},
+    {"OnCollapsed", [](TScene& S, TStrike F) { S.Host->OnCollapsed = F; }},
+    {"OnDeletion", [](TScene& S, TStrike F) { S.Host->OnDeletion = F; }},
+    {"OnStateChanging", [](TScene& S, TStrike F) { S.Host->OnStateChanging = F; }},
+    {"OnSelectItem", [](TScene& S, TStrike F) { S.Host->OnSelectItem = F; }},
+    {"OnCompare",
+     [](TScene& S, TStrike F) {
+         S.Host->OnCompare = [F](TFlyNode* A, TFlyNode* B, int& C) {
+             C = A->GetText().compare(B->GetText());
+             F(B);
+         };
+         S.Host->SetSortType(stBoth);
+     }},
+    {"OnMaterialise", [](TScene& S, TStrike F) { S.Host->OnMaterialise = F; }},
+    {"OnInsertRows",
+     [](TScene& S, TStrike F) {
+         S.Host->OnInsertRows = [F, &S](int Row, int) { F(S.Nodes()->RowList.NodeAt(Row)); };
+     }},
+    {"OnDeleteRows",
+     [](TScene& S, TStrike F) {
+         S.Host->OnDeleteRows = [F, &S](int Row, int) { F(S.Nodes()->RowList.NodeAt(Row)); };
+     }},
+    {"OnRefresh", [](TScene& S, TStrike F) { S.Host->OnRefresh = [F] { F(nullptr); }; }},
+    {"OnCollectionChange",
+     [](TScene& S, TStrike F) { S.Nodes()->OnCollectionChange = [F](TObject*) { F(nullptr); }; }},
+};
 
-const std::vector<TNamedDeed>& Operations() {
-    static const std::vector<TNamedDeed> All = {
-        {"Expand all",
-         [](TScene& S, TFlyNode* A) {
-             A->Expand(true);
-             (void)S;
-         }},
-        {"Collapse all", [](TScene&, TFlyNode* A) { A->Collapse(true); }},
-        {"MakeVisible", [](TScene& S, TFlyNode*) { S.At("d")->MakeVisible(); }},
-        {"SetFocused", [](TScene& S, TFlyNode*) { S.At("d")->SetFocused(true); }},
-        {"SetSelected", [](TScene& S, TFlyNode*) { S.At("b")->SetSelected(true); }},
-        {"SetStateIndex", [](TScene& S, TFlyNode*) { S.At("b")->SetStateIndex(4); }},
-        {"SetText", [](TScene& S, TFlyNode*) { S.At("b")->SetText("zz"); }},
-        {"SetHidden", [](TScene& S, TFlyNode*) { S.At("b")->SetHidden(true); }},
-        {"ShowAll", [](TScene& S, TFlyNode*) { S.Nodes()->ShowAll(); }},
-        {"Delete", [](TScene&, TFlyNode* A) { A->Delete(); }},
-        {"Delete a leaf", [](TScene& S, TFlyNode*) { S.At("d")->Delete(); }},
-        {"operator delete", [](TScene& S, TFlyNode*) { delete S.At("b"); }},
-        {"DeleteChildren", [](TScene&, TFlyNode* A) { A->DeleteChildren(); }},
-        {"Clear", [](TScene& S, TFlyNode*) { S.Nodes()->Clear(); }},
-        {"AlphaSort",
-         [](TScene& S, TFlyNode* A) {
-             A->AlphaSort();
-             if (S.Nodes()) S.Nodes()->AlphaSort();
-         }},
-        {"Add", [](TScene& S, TFlyNode* A) { S.Nodes()->AddChild(A, "q"); }},
-        {"Insert", [](TScene& S, TFlyNode* A) { S.Nodes()->Insert(A, "q"); }},
-        {"SetIndex", [](TScene&, TFlyNode* A) { A->SetIndex(1); }},
-        {"MoveTo", [](TScene& S, TFlyNode*) { S.At("b")->MoveTo(S.At("f"), naAddChild); }},
-        {"MoveTo another tree",
-         [](TScene& S, TFlyNode* A) { A->MoveTo(S.Other->GetItems()->FirstExisting(), naInsert); }},
-        {"Assign a node", [](TScene& S, TFlyNode* A) { S.At("f")->Assign(A); }},
-        {"Assign the container", [](TScene& S, TFlyNode*) { S.Nodes()->Assign(S.Other->GetItems()); }},
-        {"materialise a row",
-         [](TScene& S, TFlyNode*) { S.Host->GetNodeAtRow(S.Nodes()->RowList.GetCount() - 1); }},
-        {"walk the tree", [](TScene& S, TFlyNode*) { S.Nodes()->GetLastNode(); }},
-        {"save nodes",
-         [](TScene& S, TFlyNode*) {
-             TMemoryStream Stream;
-             S.Nodes()->SaveNodesToStream(Stream, tsnIncludeCells);
-         }},
-        {"load nodes",
-         [](TScene& S, TFlyNode*) {
-             TMemoryStream Stream("SaveOptions:22\r\n1,3,1,z\r\n\t2,4,1,y\r\n\t\t2,4,1,x\r\n5,6,0,w\r\n");
-             S.Nodes()->LoadNodesFromStream(Stream);
-         }},
-        {"load a stream", [](TScene& S, TFlyNode*) { S.Nodes()->LoadFromText(S.Nodes()->SaveToText(true)); }},
-        {"an update bracket",
-         [](TScene& S, TFlyNode* A) {
-             const TUpdateBracket Bracket(S.Nodes());
-             S.Nodes()->AddChild(A, "q");
-             if (TFlyNode* const B = S.At("b")) B->Delete();
-         }},
-    };
-    return All;
-}
+const TDeed Operations[] = {
+    {"Expand all", [](TScene&, TFlyNode* A) { A->Expand(true); }},
+    {"Collapse all", [](TScene&, TFlyNode* A) { A->Collapse(true); }},
+    {"MakeVisible", [](TScene& S, TFlyNode*) { S.At("d")->MakeVisible(); }},
+    {"SetFocused", [](TScene& S, TFlyNode*) { S.At("d")->SetFocused(true); }},
+    {"SetSelected", [](TScene& S, TFlyNode*) { S.At("b")->SetSelected(true); }},
+    {"SetStateIndex", [](TScene& S, TFlyNode*) { S.At("b")->SetStateIndex(4); }},
+    {"SetText", [](TScene& S, TFlyNode*) { S.At("b")->SetText("zz"); }},
+    {"SetHidden", [](TScene& S, TFlyNode*) { S.At("b")->SetHidden(true); }},
+    {"ShowAll", [](TScene& S, TFlyNode*) { S.Nodes()->ShowAll(); }},
+    {"Delete", [](TScene&, TFlyNode* A) { A->Delete(); }},
+    {"Delete a leaf", [](TScene& S, TFlyNode*) { S.At("d")->Delete(); }},
+    {"operator delete", [](TScene& S, TFlyNode*) { delete S.At("b"); }},
+    {"DeleteChildren", [](TScene&, TFlyNode* A) { A->DeleteChildren(); }},
+    {"Clear", [](TScene& S, TFlyNode*) { S.Nodes()->Clear(); }},
+    {"AlphaSort",
+     [](TScene& S, TFlyNode* A) {
+         A->AlphaSort();
+         if (S.Nodes()) S.Nodes()->AlphaSort();
+     }},
+    {"Add", [](TScene& S, TFlyNode* A) { S.Nodes()->AddChild(A, "q"); }},
+    {"Insert", [](TScene& S, TFlyNode* A) { S.Nodes()->Insert(A, "q"); }},
+    {"SetIndex", [](TScene&, TFlyNode* A) { A->SetIndex(1); }},
+    {"MoveTo", [](TScene& S, TFlyNode*) { S.At("b")->MoveTo(S.At("f"), naAddChild); }},
+    {"MoveTo another tree",
+     [](TScene& S, TFlyNode* A) { A->MoveTo(S.Other->GetItems()->FirstExisting(), naInsert); }},
+    {"Assign a node", [](TScene& S, TFlyNode* A) { S.At("f")->Assign(A); }},
+    {"Assign the container", [](TScene& S, TFlyNode*) { S.Nodes()->Assign(S.Other->GetItems()); }},
+    {"materialise a row",
+     [](TScene& S, TFlyNode*) { S.Host->GetNodeAtRow(S.Nodes()->RowList.GetCount() - 1); }},
+    {"walk the tree", [](TScene& S, TFlyNode*) { S.Nodes()->GetLastNode(); }},
+    {"save nodes",
+     [](TScene& S, TFlyNode*) {
+         TMemoryStream Stream;
+         S.Nodes()->SaveNodesToStream(Stream, tsnIncludeCells);
+     }},
+    {"load nodes",
+     [](TScene& S, TFlyNode*) {
+         TMemoryStream Stream("SaveOptions:22\r\n1,3,1,z\r\n\t2,4,1,y\r\n\t\t2,4,1,x\r\n5,6,0,w\r\n");
+         S.Nodes()->LoadNodesFromStream(Stream);
+     }},
+    {"load a stream", [](TScene& S, TFlyNode*) { S.Nodes()->LoadFromText(S.Nodes()->SaveToText(true)); }},
+    {"an update bracket",
+     [](TScene& S, TFlyNode* A) {
+         const TUpdateBracket Bracket(S.Nodes());
+         S.Nodes()->AddChild(A, "q");
+         if (TFlyNode* const B = S.At("b")) B->Delete();
+     }},
+};
 
 TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
     int Combinations = 0;
     int Struck = 0;
-    for (const TNamedEvent& Event : Events()) {
-        for (const TNamedDeed& Misdeed : Misdeeds()) {
-            for (const TNamedDeed& Operation : Operations()) {
+    for (const TEvent& Event : Events) {
+        for (const TDeed& Misdeed : Misdeeds) {
+            for (const TDeed& Operation : Operations) {
                 SCOPED_TRACE(std::string(Event.Name) + " " + Misdeed.Name + " during " + Operation.Name);
                 TScene Scene;
                 Plant(*Scene.Nodes(), "a[b[c[d] e]+ g]+ f[h] i");
@@ -209,12 +186,14 @@ TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
                 Scene.At("f")->AddPlaceholders(2);
                 Scene.At("g")->SetHidden(true);
                 Scene.At("b")->SetSelected(true);
-                Event.Connect(Scene, [&](TFlyNode* Node) {
-                    if (Scene.Left <= 0 || !Scene.Host) return;
-                    --Scene.Left;
-                    ++Scene.Struck;
-                    Misdeed.Work(Scene, Node);
-                });
+                Event.Connect(Scene, {[&](TFlyNode* Node) {
+                                  if (Scene.Left <= 0 || !Scene.Host) return;
+                                  if (!Node) Node = Scene.Nodes()->FirstExisting();
+                                  if (!Node) return;
+                                  --Scene.Left;
+                                  ++Scene.Struck;
+                                  Misdeed.Work(Scene, Node);
+                              }});
                 Scene.Left = 3;
                 try {
                     if (TFlyNode* const A = Scene.At("a")) Operation.Work(Scene, A);
@@ -233,7 +212,8 @@ TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
             }
         }
     }
-    EXPECT_EQ(Combinations, static_cast<int>(Events().size() * Misdeeds().size() * Operations().size()));
+    EXPECT_EQ(Combinations,
+              static_cast<int>(std::size(Events) * std::size(Misdeeds) * std::size(Operations)));
     EXPECT_GT(Struck, 1500) << "the handlers were not reached";
 }
 
