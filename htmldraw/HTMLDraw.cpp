@@ -1,6 +1,7 @@
 #include "htmldraw/HTMLDraw.h"
 
 #include "host/graphics/Canvas.h"
+#include "host/graphics/ReadingOrder.h"
 #include "htmldraw/Markup.h"
 
 #include <algorithm>
@@ -26,7 +27,7 @@ class TCanvasKeeper {
 public:
     explicit TCanvasKeeper(TCanvas& Canvas)
         : FCanvas(Canvas), FMirrored(Canvas.GetCanvasOrientation() == coRightToLeft),
-          FBkMode(Canvas.GetBkMode()), FPenPos(Canvas.GetPenPos()) {
+          FBkMode(Canvas.GetBkMode()), FTextFlags(Canvas.GetTextFlags()), FPenPos(Canvas.GetPenPos()) {
         FFont.Assign(Canvas.GetFont());
         FBrush.Assign(Canvas.GetBrush());
     }
@@ -35,6 +36,7 @@ public:
         FCanvas.SetBrush(&FBrush);
         if (FMirrored) FCanvas.SetMirrored(true, FCanvas.GetMirrorWidth());
         FCanvas.SetBkMode(FBkMode);
+        FCanvas.SetTextFlags(FTextFlags);
         FCanvas.MoveTo(FPenPos.X, FPenPos.Y);
     }
     TCanvasKeeper(const TCanvasKeeper&) = delete;
@@ -48,6 +50,7 @@ private:
     TBrush FBrush;
     bool FMirrored;
     int FBkMode;
+    int FTextFlags;
     TPoint FPenPos;
 };
 
@@ -58,6 +61,7 @@ struct TChunk {
     int Width = 0;
     int Height = 0;
     int Ascent = 0;
+    bool RightToLeft = false; // how it is read
 };
 
 struct TLine {
@@ -322,17 +326,11 @@ public:
             const bool LineEnds = Reader.Read(Line.Width, Text);
             if (!Text.empty()) Append(Line, std::move(Text), Reader.GetLook());
             if (!LineEnds) continue;
-            if (!Line.Chunks.empty()) {
-                FHeight = AddClamped(FHeight, Line.Height);
-                FLines.push_back(std::move(Line));
-            }
+            Finish(Line);
             Line = {};
         }
         // What ended with the page's height is as high as needed; more would change nothing that is seen.
-        if (!Line.Chunks.empty()) {
-            FHeight = AddClamped(FHeight, Line.Height);
-            FLines.push_back(std::move(Line));
-        }
+        Finish(Line);
     }
 
     void Draw(int VertAlign) {
@@ -368,6 +366,42 @@ private:
         Line.Height = std::max(Line.Height, Chunk.Height);
         Line.Ascent = std::max(Line.Ascent, Chunk.Ascent);
         Line.Chunks.push_back(std::move(Chunk));
+    }
+
+    void Finish(TLine& Line) {
+        if (Line.Chunks.empty()) return;
+        Arrange(Line);
+        FHeight = AddClamped(FHeight, Line.Height);
+        FLines.push_back(std::move(Line));
+    }
+
+    // Puts the pieces of a line in which both directions meet into the order in which they are read.
+    void Arrange(TLine& Line) {
+        const bool RightToLeft = (FCanvas.GetTextFlags() & ETO_RTLREADING) != 0;
+        for (TChunk& Chunk : Line.Chunks) Chunk.RightToLeft = RightToLeft;
+        if (Line.Chunks.size() == 1) return; // the canvas does it
+        if (!RightToLeft && std::none_of(Line.Chunks.begin(), Line.Chunks.end(), [](const TChunk& Chunk) {
+                return text::HasRightToLeft(Chunk.Text);
+            })) {
+            return;
+        }
+        std::string Text;
+        std::vector<std::size_t> Ends;
+        for (const TChunk& Chunk : Line.Chunks) Ends.push_back((Text += Chunk.Text).size());
+        std::vector<TChunk> Arranged;
+        Line.Width = 0;
+        for (const text::TVisualRun& Run : text::VisualRuns(Text, Ends, RightToLeft)) {
+            const auto End = std::upper_bound(Ends.begin(), Ends.end(), Run.From);
+            TChunk Chunk = Line.Chunks[static_cast<std::size_t>(End - Ends.begin())];
+            Chunk.Text = Text.substr(Run.From, Run.To - Run.From);
+            Chunk.RightToLeft = Run.RightToLeft;
+            SetLook(FLooks[Chunk.Look]);
+            Chunk.Width = FCanvas.TextExtent(Chunk.Text).cx;
+            Line.Width = AddClamped(Line.Width, Chunk.Width);
+            Arranged.push_back(std::move(Chunk));
+        }
+        SetLook(FLooks.front());
+        Line.Chunks = std::move(Arranged);
     }
 
     void SetLook(const TLook& Look) {
@@ -413,6 +447,7 @@ private:
             if (FCanvas.RectVisible(Place)) {
                 SetLook(Look);
                 FCanvas.GetFont()->SetColor(Look.Color == clNone ? FLooks.front().Color : Look.Color);
+                FCanvas.SetTextFlags(Chunk.RightToLeft ? ETO_RTLREADING : 0);
                 FCanvas.TextOut(X, Y, Chunk.Text);
             }
             X = Place.Right;

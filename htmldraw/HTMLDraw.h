@@ -30,6 +30,9 @@ inline constexpr int HTMLBottom = 8;
 // Measuring: Right and Bottom of Rect become the extent, Left and Top stay. Everything is measured in the canvas font,
 // whatever tags say, so that the size of a text does not depend on its markup.
 //
+// Where texts of both directions meet in a line, its pieces stand in the order in which they are read; the canvas's text
+// flags say which direction the line has.
+//
 // WordWrap breaks lines at spaces where they would be wider than Rect; one word that is wider is not broken. An empty
 // text changes nothing. The canvas is given back as it was. Time is linear in the text. Calls may nest.
 void DrawHTML(TRect& Rect, TCanvas& Canvas, std::string_view Text, bool WordWrap, bool MeasureOnly,

@@ -148,6 +148,42 @@ TEST(HTMLDraw, LinesBreakAtLineFeedsAndWhereWordsDoNotFit) {
     EXPECT_EQ(Pieces("one two three", true, 1), "one /two /three");
 }
 
+TEST(HTMLDraw, PiecesOfALineStandInReadingOrder) {
+    const char* const Shalom = "\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D";
+    const char* const Olam = "\xD7\xA2\xD7\x95\xD7\x9C\xD7\x9D";
+    const struct {
+        std::string Text;
+        std::string LeftToRight, RightToLeft; // pieces as they stand from the left
+    } Cases[] = {
+        {"one <B>two</B> three", "one |two| three", "one |two| three"},
+        {"up by <B>12.5 %</B> over", "up by |12.5 %| over", "up by |12.5 %| over"},
+        {std::string(Shalom) + " <B>" + Olam + "</B>", std::string(Olam) + "|" + Shalom + " ",
+         std::string(Olam) + "|" + Shalom + " "},
+        {std::string("say ") + Shalom + " <B>" + Olam + "</B> now",
+         std::string("say |") + Olam + "|" + Shalom + " | now",
+         std::string("now| |") + Olam + "| " + Shalom + " |say"},
+        // Numbers keep their order of digits and stand in the order of what surrounds them.
+        {std::string("one <B>") + Shalom + "</B> 12, 13 two",
+         std::string("one |13|, |12| |") + Shalom + "| two",
+         std::string("two| |13|, |12| |") + Shalom + "| |one"},
+    };
+    for (const auto& Case : Cases) {
+        for (const bool RightToLeft : {false, true}) {
+            THtmlCanvas Canvas;
+            Canvas.SetTextFlags(RightToLeft ? ETO_RTLREADING : 0);
+            Canvas.DrawText(Case.Text);
+            std::string Found;
+            for (const std::string& Line : Canvas.GetLines()) {
+                if (!Line.starts_with("TextOut")) continue;
+                const std::size_t From = Line.find('"');
+                Found += (Found.empty() ? "" : "|") + Line.substr(From + 1, Line.rfind('"') - From - 1);
+            }
+            EXPECT_EQ(Found, RightToLeft ? Case.RightToLeft : Case.LeftToRight);
+            EXPECT_EQ(Canvas.GetTextFlags(), RightToLeft ? ETO_RTLREADING : 0);
+        }
+    }
+}
+
 TEST(HTMLDraw, MeasuringFollowsTheCanvasFontAlone) {
     THtmlCanvas Canvas;
     const int Line = Canvas.TextHeight("Ag");
