@@ -1,7 +1,9 @@
 // Hit testing and the mouse: presses on buttons, releases that select, hot tracking, sizing reports.
+#include "host/windows/FlagScope.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace quill {
 
@@ -24,6 +26,21 @@ constexpr TShiftState WithCtrlInverted(TShiftState Shift) {
     }
     return Shift;
 }
+
+// Ends the skipping of a press.
+class TSkipScope {
+public:
+    explicit TSkipScope(TCustomQuillTree* Tree) : FTree(Tree), FGuard(Tree) {}
+    ~TSkipScope() {
+        if (FGuard) FTree->SetSkipPress(false);
+    }
+    TSkipScope(const TSkipScope&) = delete;
+    TSkipScope& operator=(const TSkipScope&) = delete;
+
+private:
+    TCustomQuillTree* FTree;
+    TControlGuard FGuard;
+};
 
 } // namespace
 
@@ -178,8 +195,11 @@ void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, 
     const THitTests Hit = GetHitTestInfoAt(X, Y);
     if (Node && FToggleSelection) Shift = WithCtrlInverted(Shift);
 
+    // Both flags hold for this press, also when a handler throws.
+    std::optional<TFlagScope> InClick;
+    const TSkipScope Skip(this);
     if (Node && Button == mbLeft && IsPlain(Shift) && Hit.Contains(htOnItem) && Hit.Contains(htOnButton)) {
-        FInButtonClick = true;
+        InClick.emplace(this, FInButtonClick);
         const TNodeWatch Watch(Node);
         SetEditorMode(false);
         if (Guard && Watch) Node->ExpandItem(!Node->GetExpanded(), false);
@@ -188,8 +208,6 @@ void TCustomQuillTree::MouseDown(TMouseButton Button, TShiftState Shift, int X, 
     if (SkipsPress(Hit)) SetSkipPress(true);
     TCustomExGrid::MouseDown(Button, Shift, X, Y);
     if (!Guard) return;
-    FInButtonClick = false;
-    SetSkipPress(false);
     // A border has a zone on its far side too, where the mouse is over the next cell.
     if (GetGridState() == gsColSizing) FPressedCol = GetDragIndex();
     if (GetGridState() == gsRowSizing) FPressedRow = GetDragIndex();
@@ -223,8 +241,9 @@ void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, in
         (Button == mbLeft && IsPlain(Shift) && !DrewRange) || (Button == mbRight && FRightClickSelect);
     if (Node && IsSelecting && Hit.Contains(htOnItem) && !Hit.Contains(htOnStateIcon) && HasSelection()) {
         if (Button == mbLeft || !Node->GetSelected()) {
-            // A plain click leaves no other node marked. One on a button or beside the node is none on the node.
-            if ((Hit * PressFilter).IsEmpty() && GetNodeAtRow(GetRow())) FlushSelection();
+            // A plain click leaves no other node marked. One on a button or beside the node is none on the node, and
+            // one whose press was refused changes nothing.
+            if ((Hit * PressFilter).IsEmpty() && GetNodeAtRow(GetRow()) == Node) FlushSelection();
             SelectOne(GetRow());
             if (!Guard) return;
             InvalidateCurrent();

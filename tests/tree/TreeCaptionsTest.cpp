@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace quill {
 namespace {
@@ -248,6 +249,24 @@ TEST(TreeCaptions, LinesOfTheRowBelowOutliveTheRepaintOfACell) {
             EXPECT_EQ(Seen, Tree.GetSurfaceImage()) << "top " << Top << " row " << Row;
         }
     }
+}
+
+TEST(TreeSelecting, ARefusedClickKeepsAllMarksAndAThrowingOneLeavesNoFlagBehind) {
+    TCaptionTree Tree;
+    Tree.Send(WM_LBUTTONDOWN, 150, 30);
+    Tree.Send(WM_MOUSEMOVE, 150, 60);
+    Tree.Send(WM_LBUTTONUP, 150, 60, {});
+    const std::string Marked = "Fruit(+)(sel)< Apple(sel) Pear Nuts";
+    ASSERT_EQ(Tree.Rows(), Marked);
+    Tree.OnChanging = [](TObject*, TFlyNode*, bool& Allow) { Allow = false; };
+    const TRect Pear = Tree.DisplayRect(Tree.Find("Pear"), true);
+    Tree.Drag(Pear.Left + 5, Pear.Top + 5, Pear.Left + 5, Pear.Top + 5);
+    EXPECT_EQ(Tree.Rows(), Marked);
+    Tree.OnChanging = nullptr;
+    Tree.OnCollapsing = [](TObject*, TFlyNode*, bool&) { throw std::runtime_error("no"); };
+    const TRect Fruit = Tree.CellRect(0, 1);
+    EXPECT_THROW(Tree.MouseDown(mbLeft, ssLeft, Fruit.Left + 10, Fruit.Top + 12), std::runtime_error);
+    EXPECT_FALSE(Tree.GetSkipPress());
 }
 
 TEST(TreeMoving, ADroppedRowIsReportedAndMovesNoNode) {
