@@ -1,5 +1,6 @@
 #include "htmldraw/HTMLDraw.h"
 
+#include "host/base/Utf8.h"
 #include "host/graphics/Canvas.h"
 #include "host/graphics/ReadingOrder.h"
 #include "htmldraw/Markup.h"
@@ -71,10 +72,13 @@ struct TLine {
     int Ascent = 0;
 };
 
-int AddClamped(int A, int B) {
+// Nothing is placed farther away, so that sums of two places do not overflow.
+int Clamped(std::int64_t Value) {
     constexpr std::int64_t Limit = 1 << 28;
-    return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{A} + B, -Limit, Limit));
+    return static_cast<int>(std::clamp(Value, -Limit, Limit));
 }
+
+int AddClamped(int A, int B) { return Clamped(std::int64_t{A} + B); }
 
 // The widths of the starts of one run of text, shaped piece by piece as far as they are asked for.
 class TRunWidths {
@@ -86,9 +90,12 @@ public:
         FDone = 0;
         FEnds.clear();
     }
-    // The width of the characters First .. Last - 1 alone.
+    // The width of the characters First .. Last - 1 alone, rounded as TextWidth does: up to whole device pixels, and
+    // those up to whole units.
     int Between(std::size_t First, std::size_t Last) {
-        return static_cast<int>(std::ceil(EndOf(Last) - EndOf(First) - 0.01));
+        const double Scale = FCanvas.GetScale();
+        const double Device = std::ceil((EndOf(Last) - EndOf(First)) * Scale - 0.01);
+        return static_cast<int>(std::ceil(Device / Scale - 1e-6));
     }
 
 private:
@@ -185,8 +192,8 @@ private:
                 ++Pos;
                 continue;
             }
-            std::size_t Next = Pos + 1;
-            while (Next < FRunStop && (static_cast<unsigned char>(FText[Next]) & 0xC0) == 0x80) ++Next;
+            std::size_t Next = Pos;
+            DecodeUtf8(FText, Next);
             ++Count;
             const int Width = AddClamped(FWidths.Between(First, Count), LineWidth);
             if (C == ' ') {
@@ -318,7 +325,7 @@ public:
     TPage(TCanvas& Canvas, const TRect& Rect, int HorzAlign, const TLook& Start)
         : FCanvas(Canvas), FRect(Rect), FHorzAlign(HorzAlign), FBackground(Start.Background), FLooks{Start} {}
 
-    // Reads the lines that can be seen. True when all of the page is filled.
+    // Reads the lines that can be seen: what follows when the page is full changes nothing.
     void ReadLines(TReader& Reader) {
         TLine Line;
         std::string Text;
@@ -469,7 +476,7 @@ private:
 void DrawHTML(TRect& Rect, TCanvas& Canvas, std::string_view Text, bool WordWrap, bool MeasureOnly,
               int HorzAlign, int VertAlign) {
     if (Text.empty()) return;
-    const int Room = AddClamped(Rect.Right, -Rect.Left);
+    const int Room = Clamped(std::int64_t{Rect.Right} - Rect.Left);
     if (MeasureOnly) {
         static TMeasured Measured;
         const TSize Size = Measured.Get(Canvas, Text, WordWrap, Room);
@@ -480,7 +487,8 @@ void DrawHTML(TRect& Rect, TCanvas& Canvas, std::string_view Text, bool WordWrap
     if (VertAlign != HTMLTop && VertAlign != HTMLMiddle && VertAlign != HTMLBottom) return;
     const TCanvasKeeper Keeper(Canvas);
     // A width below 0 leaves no room for words, but its size is the page's.
-    TRect Page{Rect.Left, Rect.Top, AddClamped(Rect.Left, std::abs(Room)), Rect.Bottom};
+    TRect Page{Clamped(Rect.Left), Clamped(Rect.Top), AddClamped(Rect.Left, std::abs(Room)),
+               Clamped(Rect.Bottom)};
     if (Page.IsEmpty()) return;
     if (Canvas.GetCanvasOrientation() == coRightToLeft) {
         // Left and right keep their sides: they swap once as codes and once as offsets that count from the right.

@@ -18,6 +18,9 @@ bool IsLineEnd(char C) { return C == '\n' || C == '\r'; }
 // The longest tag that is compared as a whole.
 constexpr std::size_t LongestExact = 5; // "/FONT"
 
+// No font has a longer name; every tag that saves the font copies it.
+constexpr std::size_t LongestFace = 255;
+
 struct TStyleTag {
     std::string_view Name;
     TFontStyle Style;
@@ -129,7 +132,7 @@ void TTagReader::ApplyFont(const std::string& Tag) {
     const auto ValueAt = [&Tag](std::size_t At) { return AttributeValue(std::string_view(Tag).substr(At)); };
     PushFont();
     try {
-        if (Face != None) FLook.Name = ValueAt(Face);
+        if (Face != None) FLook.Name = ValueAt(Face).substr(0, LongestFace);
         if (Size != None) FLook.Height = StrToInt(ValueAt(Size));
         if (Color == None) return;
         const std::string_view Value = ValueAt(Color);

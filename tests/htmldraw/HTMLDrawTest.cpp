@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -184,6 +185,45 @@ TEST(HTMLDraw, PiecesOfALineStandInReadingOrder) {
     }
 }
 
+TEST(HTMLDraw, NoLineOfSeveralWordsIsWiderThanTheRoom) {
+    const std::string Texts[] = {
+        "one two three four five six seven eight nine ten eleven twelve i i i ill till fill",
+        "\x80\x81\x82\x83 \xBF\xBF\xBF\xBF \x80\x81\x82\x83 \xBF\xBF\xBF\xBF \x80\x81\x82\x83 "
+        "\xBF\xBF\xBF\xBF"};
+    for (const double Scale : {1.0, 1.25, 1.5, 2.0}) {
+        THtmlCanvas Canvas(Scale);
+        for (const std::string& Text : Texts) {
+            for (int Room = 40; Room < 200; ++Room) {
+                Canvas.DrawText(Text, {10, 10, 10 + Room, 190}, true);
+                for (const std::string& Line : Canvas.GetLines()) {
+                    if (!Line.starts_with("TextOut")) continue;
+                    const std::size_t From = Line.find('"') + 1;
+                    std::string Shown = Line.substr(From, Line.rfind('"') - From);
+                    Shown.erase(Shown.find_last_not_of(' ') + 1);
+                    if (Shown.find(' ') == std::string::npos) continue;
+                    ASSERT_LE(Canvas.TextWidth(Shown), Room) << Shown << " at " << Scale;
+                }
+            }
+        }
+    }
+}
+
+TEST(HTMLDraw, RectanglesMayReachToTheEndsOfTheirNumbers) {
+    THtmlCanvas Canvas;
+    TRect Wide{INT_MIN, 0, 0, 0};
+    DrawHTML(Wide, Canvas, "one two", true, true, 0, 0);
+    EXPECT_EQ(Wide.Height(), Canvas.TextHeight("Ag"));
+    for (const TRect& R :
+         {TRect{INT_MIN, INT_MIN, INT_MAX, INT_MAX}, TRect{INT_MAX, INT_MAX, INT_MIN, INT_MIN},
+          TRect{0, INT_MIN, 10, INT_MAX}, TRect{INT_MIN, 0, INT_MIN + 1, 10}}) {
+        for (const bool Mirrored : {false, true}) {
+            Canvas.SetMirrored(Mirrored, 400);
+            Canvas.DrawText("<B>one</B> two", R, true, HTMLCenter, HTMLMiddle);
+            EXPECT_EQ(Canvas.GetFont()->GetStyle(), TFontStyles());
+        }
+    }
+}
+
 TEST(HTMLDraw, MeasuringFollowsTheCanvasFontAlone) {
     THtmlCanvas Canvas;
     const int Line = Canvas.TextHeight("Ag");
@@ -312,6 +352,12 @@ TEST(HTMLDraw, NothingIsPaintedOutsideTheRectangle) {
     }
 }
 
+std::string Repeated(const std::string& Part, int Count) {
+    std::string Result;
+    for (; Count > 0; --Count) Result += Part;
+    return Result;
+}
+
 // Texts that would take for ever if a part of them were read again for each of its characters.
 TEST(HTMLDraw, HostileTextsAreReadOnce) {
     const std::string Hostile[] = {
@@ -319,6 +365,7 @@ TEST(HTMLDraw, HostileTextsAreReadOnce) {
         std::string(200'000, '<') + std::string(200'000, '\n') + ">",
         std::string(400'000, 'x'),
         std::string(200'000, ' ') + std::string(200'000, 'y'),
+        "<FONT FACE=" + std::string(200'000, 'F') + ">" + Repeated("<COLOR=>", 20'000) + "x",
     };
     THtmlCanvas Canvas;
     for (const std::string& Text : Hostile) {
