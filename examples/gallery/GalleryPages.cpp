@@ -1,5 +1,6 @@
 #include "GalleryPages.h"
 
+#include "CellsPage.h"
 #include "HintPage.h"
 #include "LabelPage.h"
 
@@ -23,6 +24,9 @@ const TPageInfo Pages[] = {
      QT_TRANSLATE_NOOP(
          "Gallery", "Move the mouse over a text that does not fit, or show a hint at an edge of the screen."),
      Make<THintPage>},
+    {"cells", QT_TRANSLATE_NOOP("Gallery", "Markup in cells"),
+     QT_TRANSLATE_NOOP("Gallery", "Markup in the cells of a tree; what does not fit is shown under the mouse."),
+     Make<TCellsPage>},
 };
 
 } // namespace
