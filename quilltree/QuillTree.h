@@ -239,6 +239,7 @@ public:
     // Null while tooltips are off.
     TNVHTMLHintWindow* GetHintWindow() const { return FHintWindow.get(); }
     void WMMouseMove(TWMMouse& Message) override;
+    void TopLeftChanged() override;
     bool DoMouseWheelDown(TShiftState Shift, TPoint MousePos) override;
     bool DoMouseWheelUp(TShiftState Shift, TPoint MousePos) override;
 
@@ -449,8 +450,8 @@ private:
     // Draws markup over the brush's colour, aligned in the control's direction.
     void DrawMarkup(TCanvas& Canvas, const std::string& Text, const TRect& Rect, TAlignment Align,
                     int VertAlign);
-    // Width of a text in the control's font, as cells show it.
-    int TextWidthOf(const std::string& Text);
+    // Width of a text in the control's font, as cells show it; broken into lines unless WrapWidth is negative.
+    int TextWidthOf(const std::string& Text, int WrapWidth = -1);
     bool IsTextCut(const TRect& Room, const std::string& Text, bool Structure);
     void ForgetToolTip();
     bool IsCaption(int ACol, int ARow) const;

@@ -115,12 +115,18 @@ int TCustomQuillTree::GetCellFitWidth(int ACol, int ARow) {
     return Width + TextWidthOf(Text) + 1;
 }
 
-int TCustomQuillTree::TextWidthOf(const std::string& Text) {
+int TCustomQuillTree::TextWidthOf(const std::string& Text, int WrapWidth) {
     TCanvas& Canvas = *GetCanvas();
     Canvas.SetFont(GetFont());
-    if (!FHTMLDrawing) return Canvas.TextWidth(Text);
-    TRect R;
-    DrawHTML(R, Canvas, Text, false, true, HTMLLeft, HTMLTop);
+    const bool Wraps = WrapWidth >= 0;
+    TRect R{0, 0, Wraps ? WrapWidth : 0, 0};
+    if (FHTMLDrawing) {
+        DrawHTML(R, Canvas, Text, Wraps, true, HTMLLeft, HTMLTop);
+    } else if (Wraps) {
+        DrawRTLText(Canvas, Text, R, DT_NOPREFIX | DT_WORDBREAK | DT_CALCRECT, 0);
+    } else {
+        return Canvas.TextWidth(Text);
+    }
     return R.Width();
 }
 

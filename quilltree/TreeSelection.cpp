@@ -363,6 +363,8 @@ void TCustomQuillTree::FullCollapse() {
 
 void TCustomQuillTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     const TControlGuard Guard(this);
+    HideToolTip(); // keys move, expand and edit what it lies over
+    if (!Guard) return;
     TFlyNode* Node = (GetCol() == FStructureCol || IsRowSelect()) ? GetNodeAtRow(GetRow()) : nullptr;
     if (!Guard) return;
     // Arrow keys that move along the tree mark as those do that move along the rows.

@@ -48,8 +48,13 @@ bool TCustomQuillTree::ActivateToolTips(int X, int Y) {
     Hint.SetHTMLDrawing(FHTMLDrawing);
     const TPoint Corner = ClientToScreen({Room.Left, Room.Top});
     // Wrapped texts are broken as in their cell, so that only a word that is too wide needs a tooltip.
-    TRect Rect =
-        Hint.CalcHintRect(FWordWrap ? Room.Width() : THintWindow::MaxHintWidth(Corner), Text, nullptr);
+    const int MaxWidth = FWordWrap ? Room.Width() : THintWindow::MaxHintWidth(Corner);
+    TRect Rect = Hint.CalcHintRect(MaxWidth, Text, nullptr);
+    if (!FWordWrap && Rect.Width() > MaxWidth) {
+        // Plain hints are wrapped there anyhow; of a line of markup the end would be beyond the screen.
+        Hint.SetWordWrap(true);
+        Rect = Hint.CalcHintRect(MaxWidth, Text, nullptr);
+    }
     // Remembered also where none is needed, so that the way back to a cell shows its tooltip again.
     FToolTipNode = Node.Get();
     FToolTipCol = Cell.X;
@@ -67,9 +72,13 @@ bool TCustomQuillTree::ActivateToolTips(int X, int Y) {
     return Guard && FHintWindow != nullptr;
 }
 
-// Whether Text needs more than the width of its room in a cell.
+// Whether Text, broken into lines if the cell does so, needs more than the width of its room there.
 bool TCustomQuillTree::IsTextCut(const TRect& Room, const std::string& Text, bool Structure) {
-    return TextWidthOf(Text) + TreeMetrics::TextMargin + (Structure ? GetGridLineWidth() : 0) > Room.Width();
+    const int Width =
+        Room.Width() - TreeMetrics::TextMargin - (Structure && !FHTMLDrawing ? GetGridLineWidth() : 0);
+    if (!FWordWrap) return TextWidthOf(Text) > Width;
+    // A broken line of markup ends with its space, which may stand outside.
+    return TextWidthOf(Text, std::max(Width, 0)) - (FHTMLDrawing ? TextWidthOf(" ") : 0) > Width;
 }
 
 void TCustomQuillTree::HideToolTip() {
@@ -93,6 +102,13 @@ void TCustomQuillTree::StartToolTipTimer(int Pause) {
 void TCustomQuillTree::StopToolTipTimer() { FToolTipTimer.reset(); }
 
 void TCustomQuillTree::TimerProc(TObject*) { HideToolTip(); }
+
+// What scrolls under a resting mouse leaves the tooltip over other cells.
+void TCustomQuillTree::TopLeftChanged() {
+    const TControlGuard Guard(this);
+    HideToolTip();
+    if (Guard) TCustomExGrid::TopLeftChanged();
+}
 
 bool TCustomQuillTree::DoMouseWheelDown(TShiftState Shift, TPoint MousePos) {
     const TControlGuard Guard(this);

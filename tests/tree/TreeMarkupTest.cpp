@@ -170,6 +170,49 @@ TEST_F(TreeToolTips, GoAtTheEndOfThePauseAndWhenTheUserActs) {
     EXPECT_EQ(Tree.GetHintWindow(), nullptr);
 }
 
+TEST_F(TreeToolTips, AreNotNeededWhereTheCellBreaksItsLines) {
+    Tree.SetWordWrap(true);
+    for (const bool Markup : {false, true}) {
+        Tree.SetHTMLDrawing(Markup);
+        // Lines of nearly any width: those that fill the cell leave no room for the hint's margins.
+        for (int Width = 60; Width < 200; Width += 3) {
+            Tree.SetColWidths(1, Width);
+            Tree.Find("Empty")->SetCell(1, "some short words that are broken and all fit in");
+            Over(0, 1);
+            EXPECT_EQ(Over(1, 3), "") << Width << Markup;
+            Tree.HideToolTip();
+        }
+        Tree.Find("Empty")->SetCell(1, "Averylongwordthatcannotbebrokenandisfartoowide for a cell");
+        Over(0, 1);
+        EXPECT_EQ(Over(1, 3), "Averyl") << Markup;
+        Tree.HideToolTip();
+    }
+}
+
+TEST_F(TreeToolTips, OfLongMarkupAreBrokenIntoLinesOnTheScreen) {
+    Tree.SetHTMLDrawing(true);
+    std::string Long = "A cell";
+    for (int I = 0; I < 300; ++I) Long += " and <B>more</B>";
+    Tree.Find("Short")->SetCell(1, Long);
+    EXPECT_EQ(Over(1, 1), "A cell");
+    const TNVHTMLHintWindow& Hint = *Tree.GetHintWindow();
+    EXPECT_LE(Hint.width(), THintWindow::MaxHintWidth({Hint.x(), Hint.y()}) + 10);
+    EXPECT_GT(Hint.height(), 3 * Tree.GetCanvas()->TextHeight("Ag"));
+    EXPECT_EQ(Over(0, 2), "A node");
+    EXPECT_FALSE(Hint.GetWordwrap()) << "as the tree is set";
+}
+
+TEST_F(TreeToolTips, DoNotStayOverCellsThatScrolledAway) {
+    Tree.SetBounds(0, 0, 400, 60);
+    ASSERT_EQ(Over(1, 1), "A cell");
+    Tree.SetTopRow(2);
+    EXPECT_EQ(Shown(), "");
+    ASSERT_EQ(Over(0, 2), "A node");
+    std::uint16_t Key = VK_DOWN;
+    Tree.KeyDown(Key, {});
+    EXPECT_EQ(Shown(), "");
+}
+
 TEST_F(TreeToolTips, ATreeMayGoWhileOneIsShown) {
     auto* Doomed = new TTestTree;
     Doomed->Build("A node with a text that is much longer than its column");
