@@ -90,6 +90,8 @@ void SetUpTree(TCustomQuillTree& Tree) {
     // Without vertical lines a selected row is coloured in one piece; the captions are told apart by their frames.
     Tree.SetOptions({goFixedHorzLine, goRangeSelect, goColSizing, goColMoving, goRowSelect, goThumbTracking});
     Tree.SetFitColumnToClientWidth(true);
+    Tree.SetToolTips(true);
+    Tree.SetToolTipPause(5000);
     Tree.SetHotTrackColor(ColorOf(Tree.palette().color(QPalette::Link)));
     Tree.SetBorderStyle(bsNone);
 }

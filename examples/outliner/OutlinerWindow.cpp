@@ -77,7 +77,10 @@ void TOutlinerWindow::MakeEditMenu() {
     QMenu* Menu = menuBar()->addMenu(tr("&Edit"));
     QAction* Copy = Menu->addAction(tr("&Copy Rows"), this, &TOutlinerWindow::CopySelected);
     Copy->setShortcut(QKeySequence::Copy);
-    QAction* All = Menu->addAction(tr("Select &All"), FTree, [this] { FTree->SelectAll(); });
+    QAction* All = Menu->addAction(tr("Select &All"), this, [this] {
+        FTree->SelectAll();
+        FStatus->Touch();
+    });
     All->setShortcut(QKeySequence::SelectAll);
     Menu->addSeparator();
     Menu->addAction(tr("Sort A to &Z"), FTree, [this] { FTree->SortBy(0, srtAscending); });
