@@ -62,6 +62,7 @@ struct TChunk {
     int Width = 0;
     int Height = 0;
     int Ascent = 0;
+    double Baseline = 0.0;    // the ascent to the device pixel
     bool RightToLeft = false; // how it is read
 };
 
@@ -70,6 +71,7 @@ struct TLine {
     int Width = 0;
     int Height = 0;
     int Ascent = 0;
+    double Baseline = 0.0;
 };
 
 // Nothing is placed farther away, so that sums of two places do not overflow.
@@ -367,11 +369,14 @@ private:
         Chunk.Text = std::move(Text);
         Chunk.Width = Extent.cx;
         Chunk.Height = Extent.cy;
-        Chunk.Ascent = FCanvas.GetTextMetrics().Ascent;
+        const TTextMetrics Metrics = FCanvas.GetTextMetrics();
+        Chunk.Ascent = Metrics.Ascent;
+        Chunk.Baseline = Metrics.Baseline;
         SetLook(FLooks.front()); // wrapping measures in the font of the start
         Line.Width = AddClamped(Line.Width, Chunk.Width);
         Line.Height = std::max(Line.Height, Chunk.Height);
         Line.Ascent = std::max(Line.Ascent, Chunk.Ascent);
+        Line.Baseline = std::max(Line.Baseline, Chunk.Baseline);
         Line.Chunks.push_back(std::move(Chunk));
     }
 
@@ -394,7 +399,10 @@ private:
         }
         std::string Text;
         std::vector<std::size_t> Ends;
-        for (const TChunk& Chunk : Line.Chunks) Ends.push_back((Text += Chunk.Text).size());
+        for (TChunk& Chunk : Line.Chunks) {
+            Ends.push_back((Text += Chunk.Text).size());
+            Chunk.Text.clear(); // each of its runs begins as a copy
+        }
         std::vector<TChunk> Arranged;
         Line.Width = 0;
         for (const text::TVisualRun& Run : text::VisualRuns(Text, Ends, RightToLeft)) {
@@ -455,7 +463,7 @@ private:
                 SetLook(Look);
                 FCanvas.GetFont()->SetColor(Look.Color == clNone ? FLooks.front().Color : Look.Color);
                 FCanvas.SetTextFlags(Chunk.RightToLeft ? ETO_RTLREADING : 0);
-                FCanvas.TextOut(X, Y, Chunk.Text);
+                FCanvas.TextOutOnBaseline(X, Top, Line.Baseline, Chunk.Text);
             }
             X = Place.Right;
         }

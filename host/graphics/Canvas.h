@@ -77,6 +77,7 @@ struct TTextMetrics {
     int Ascent = 0;  // above the baseline
     int Descent = 0; // below it
     int AveCharWidth = 0;
+    double Baseline = 0.0; // the ascent before it is rounded up: a whole number of device pixels
 };
 
 // Draws in device-independent pixels. Edges are snapped to device pixels once, so that neighbours always meet; a
@@ -149,6 +150,9 @@ public:
     // Without DT_NOPREFIX a single "&" underlines the next character. Mirrored: Rect is mirrored, glyphs are not.
     virtual int DrawText(std::string_view Text, TRect& Rect, unsigned Flags);
     virtual void TextOut(int X, int Y, std::string_view Text);
+    // As TextOut in a line at Y whose baseline (as that of the text metrics) is Baseline units below, so that texts in
+    // several fonts stand on one also where it lies between two units.
+    virtual void TextOutOnBaseline(int X, int Y, double Baseline, std::string_view Text);
     // The extent of a single line; line breaks count as spaces.
     virtual TSize TextExtent(std::string_view Text);
     int TextWidth(std::string_view Text) { return TextExtent(Text).cx; }
@@ -242,6 +246,7 @@ private:
     void StretchPixels(const QRect& Rect, TCanvas& Source, const QRect& From, unsigned Rop, int Alpha);
     void CopyUnits(const TRect& Rect, TCanvas& Source, const TRect& From, unsigned Rop, int Alpha);
     void DrawBlock(const text::TBlock& Block, const QRect& Rect, unsigned Flags);
+    void DrawLineOfText(int X, int Y, const double* Baseline, std::string_view Text);
 
     QImage* FImage = nullptr;
     std::unique_ptr<TState> FState;

@@ -110,7 +110,14 @@ void TCanvas::DrawBlock(const text::TBlock& Block, const QRect& Rect, unsigned F
     }
 }
 
-void TCanvas::TextOut(int X, int Y, std::string_view Text) {
+void TCanvas::TextOut(int X, int Y, std::string_view Text) { DrawLineOfText(X, Y, nullptr, Text); }
+
+void TCanvas::TextOutOnBaseline(int X, int Y, double Baseline, std::string_view Text) {
+    DrawLineOfText(X, Y, &Baseline, Text);
+}
+
+// Without a baseline the font's own ascent lies below Y.
+void TCanvas::DrawLineOfText(int X, int Y, const double* Baseline, std::string_view Text) {
     const text::TFace* Face = FState->FontUse.Resolve(FFont, FScale);
     if (Face == nullptr) return;
     const unsigned Shaping = (FTextFlags & ETO_RTLREADING) != 0 ? unsigned{text::RightToLeft} : 0u;
@@ -122,7 +129,9 @@ void TCanvas::TextOut(int X, int Y, std::string_view Text) {
         text::Shape(*Face, text::VisiblePart(*Face, Text, FImage->width(), 0, Shaping), 0, Shaping);
     const TPoint Mapped = MapPoint(X, Y);
     const int Left = FMirrored ? ToDevice(Mapped.X) - Block.Width : ToDevice(Mapped.X);
-    DrawBlock(Block, QRect(Left, ToDevice(Mapped.Y), Block.Width, Block.Height), DT_LEFT);
+    int Top = ToDevice(Mapped.Y);
+    if (Baseline != nullptr) Top += static_cast<int>(std::lround(*Baseline * FScale)) - Face->Ascent;
+    DrawBlock(Block, QRect(Left, Top, Block.Width, Block.Height), DT_LEFT);
 }
 
 TSize TCanvas::TextExtent(std::string_view Text) {
@@ -149,6 +158,7 @@ TTextMetrics TCanvas::GetTextMetrics() {
     Result.Ascent = std::min(Result.Height, Units(Face->Ascent, FScale));
     Result.Descent = Result.Height - Result.Ascent;
     Result.AveCharWidth = Units(Face->AveCharWidth, FScale);
+    Result.Baseline = Face->Ascent / FScale;
     return Result;
 }
 

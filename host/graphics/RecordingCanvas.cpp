@@ -4,6 +4,7 @@
 
 #include <QImage>
 
+#include <cmath>
 #include <utility>
 
 namespace quill {
@@ -229,6 +230,12 @@ int TRecordingCanvas::DrawText(std::string_view Text, TRect& Rect, unsigned Flag
 void TRecordingCanvas::TextOut(int X, int Y, std::string_view Text) {
     Log(Join("TextOut ", Show(TPoint{X, Y}), " ", Quoted(Text), ",", Ink()));
     TCanvas::TextOut(X, Y, Text);
+}
+
+void TRecordingCanvas::TextOutOnBaseline(int X, int Y, double Baseline, std::string_view Text) {
+    const int Top = Y + static_cast<int>(std::lround(Baseline - GetTextMetrics().Baseline));
+    Log(Join("TextOut ", Show(TPoint{X, Top}), " ", Quoted(Text), ",", Ink()));
+    TCanvas::TextOutOnBaseline(X, Y, Baseline, Text);
 }
 
 void TRecordingCanvas::DrawEdge(const TRect& Rect, unsigned Edge, unsigned Flags) {

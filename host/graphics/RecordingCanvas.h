@@ -45,6 +45,8 @@ public:
     void SetPixels(std::span<const TPoint> Points, TColor Color) override;
     int DrawText(std::string_view Text, TRect& Rect, unsigned Flags) override;
     void TextOut(int X, int Y, std::string_view Text) override;
+    // Recorded as TextOut.
+    void TextOutOnBaseline(int X, int Y, double Baseline, std::string_view Text) override;
     void DrawEdge(const TRect& Rect, unsigned Edge, unsigned Flags) override;
     void DrawFrameControl(const TRect& Rect, unsigned Type, unsigned State) override;
     void Draw(int X, int Y, TGraphic* Graphic) override;

@@ -312,6 +312,29 @@ TEST(HTMLDraw, FontsOfALineShareOneBaseline) {
     EXPECT_EQ(Y[0], Y[2]);
 }
 
+TEST(HTMLDraw, FontsOfALineShareOneBaselineToThePixel) {
+    for (const double Scale : {1.0, 1.25, 1.5, 2.0}) {
+        for (int Size = 15; Size < 45; Size += 3) {
+            THtmlCanvas Canvas(Scale);
+            Canvas.DrawText("<COLOR=#000000><FONT SIZE=-" + std::to_string(Size) + ">HH</FONT>HH");
+            // The lowest dark pixel in the first and in the last column that has any.
+            const QImage& Image = Canvas.GetImage();
+            int First = -1;
+            int Last = -1;
+            for (int X = 0; X < Image.width(); ++X) {
+                for (int Y = Image.height() - 1; Y >= 0; --Y) {
+                    if (qAlpha(Image.pixel(X, Y)) == 0 || qGray(Image.pixel(X, Y)) > 100) continue;
+                    if (First < 0) First = Y;
+                    Last = Y;
+                    break;
+                }
+            }
+            ASSERT_GT(First, 0);
+            EXPECT_EQ(First, Last) << Size << " at " << Scale;
+        }
+    }
+}
+
 TEST(HTMLDraw, TheCanvasIsGivenBackAsItWas) {
     THtmlCanvas Canvas;
     Canvas.SetMirrored(true, 400);
@@ -365,6 +388,7 @@ TEST(HTMLDraw, HostileTextsAreReadOnce) {
         std::string(200'000, '<') + std::string(200'000, '\n') + ">",
         std::string(400'000, 'x'),
         std::string(200'000, ' ') + std::string(200'000, 'y'),
+        "<B>x</B>" + Repeated("a\xD7\x90", 30'000),
         "<FONT FACE=" + std::string(200'000, 'F') + ">" + Repeated("<COLOR=>", 20'000) + "x",
     };
     THtmlCanvas Canvas;
