@@ -253,9 +253,8 @@ TEST(GridDrag, AHeldFixedCellLooksSoWhileTheMouseIsOverIt) {
         Grid.Move(X, 10);
         Seen += Show(Grid.GetPressedFixed()) + " ";
     }
-    EXPECT_EQ(Seen, "1,0 -1,-1 1,0 ");
     Grid.Up(110, 10);
-    EXPECT_EQ(Grid.TakeLog(), "click1,0 ");
+    EXPECT_EQ(Seen + Grid.TakeLog(), "1,0 -1,-1 1,0 click1,0 ");
     Grid.Down(100, 10);
     Grid.Escape();
     Grid.Up(100, 10);

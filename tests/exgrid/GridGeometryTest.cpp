@@ -36,36 +36,6 @@ TEST(GridGeometry, CellsHaveTheirRectangles) {
     }
 }
 
-TEST(GridGeometry, ALayoutTellsWhatFits) {
-    TTestGrid Grid(200, 100, 10, 50);
-    Grid.SetFixedCols(1);
-    const struct {
-        const char* What;
-        int Width;
-        int Height;
-        const char* Horz; // fixed boundary, last full cell, full boundary, grid boundary
-        const char* Vert;
-    } Cases[] = {
-        {"the fourth row's line alone is cut", 200, 100, "76 1 152 200", "25 3 100 100"},
-        {"a row with one pixel less", 1000, 99, "76 9 760 760", "25 3 100 99"},
-        {"a row with two pixels less", 1000, 98, "76 9 760 760", "25 2 75 98"},
-        {"nothing scrollable fits, and still one is counted", 80, 20, "76 1 76 80", "25 1 25 20"},
-    };
-    for (const auto& Case : Cases) {
-        TExGridDI DI;
-        Grid.CalcDIXY(DI, Case.Width, Case.Height);
-        const auto Dump = [](const auto& Axis) {
-            return std::to_string(Axis.FixedBoundary) + " " + std::to_string(Axis.LastFullVisibleCell) + " " +
-                   std::to_string(Axis.FullVisBoundary) + " " + std::to_string(Axis.GridBoundary);
-        };
-        EXPECT_EQ(Dump(DI.Horz), Case.Horz) << Case.What;
-        EXPECT_EQ(Dump(DI.Vert), Case.Vert) << Case.What;
-    }
-    Grid.SetClientSize(80, 100);
-    EXPECT_EQ(Grid.GetVisibleColCount(), 1);
-    EXPECT_EQ(Show(Grid.GetNonFixedArea()), "76,25,80,100");
-}
-
 // --- against a model -------------------------------------------------------------------------------------------
 
 // The cells of one axis from the client's edge on, as {start, end} at their indices; {0, 0} for what is scrolled out.

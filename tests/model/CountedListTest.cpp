@@ -125,28 +125,5 @@ TEST(CountedList, BehavesLikeAPlainSequence) {
     }
 }
 
-TEST(CountedList, GrowsAndShrinksOverSeveralLevels) {
-    std::vector<TEntry> Pool(100000);
-    std::vector<TTreeSlot*> All;
-    for (TEntry& Entry : Pool) All.push_back(&Entry);
-    TList List;
-    for (TTreeSlot* Entry : All) List.Add(Entry);
-    ASSERT_NO_THROW(List.CheckInvariants());
-    // Thinning out evenly leaves every leaf small; the tree joins them.
-    for (int i = List.GetCount() - 1; i >= 0; --i) {
-        if (i % 100 != 0) List.Delete(i);
-    }
-    ASSERT_EQ(List.GetCount(), 1000);
-    ASSERT_NO_THROW(List.CheckInvariants());
-    List.Clear();
-    List.Insert(0, All[0]);
-    List.InsertRange(0, std::span(All).subspan(1));
-    ASSERT_EQ(List.IndexOf(All[0]), 99999);
-    List.DeleteRange(1, 99998);
-    EXPECT_EQ(List.Get(1), All[0]);
-    EXPECT_FALSE(List.Contains(All[5000])) << "a dropped entry still remembers its leaf, and is not believed";
-    ASSERT_NO_THROW(List.CheckInvariants());
-}
-
 } // namespace
 } // namespace quill

@@ -15,7 +15,6 @@ struct TScene {
     std::unique_ptr<THeadlessHost> Host = std::make_unique<THeadlessHost>();
     std::unique_ptr<THeadlessHost> Other = std::make_unique<THeadlessHost>();
     int Left = 0; // how often the handler strikes
-    int Struck = 0;
 
     TFlyNodes* Nodes() const { return Host ? Host->GetItems() : nullptr; }
     TFlyNode* At(std::string_view Text) const {
@@ -191,7 +190,7 @@ TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
                                   if (!Node) Node = Scene.Nodes()->FirstExisting();
                                   if (!Node) return;
                                   --Scene.Left;
-                                  ++Scene.Struck;
+                                  ++Struck;
                                   Misdeed.Work(Scene, Node);
                               }});
                 Scene.Left = 3;
@@ -201,7 +200,6 @@ TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
                     // Thrown by the handler, or the move that it made impossible.
                 }
                 ++Combinations;
-                Struck += Scene.Struck;
                 if (!Scene.Host) continue;
                 Scene.Left = 0;
                 while (Scene.Nodes()->GetUpdateCount() > 0) Scene.Nodes()->EndUpdate();

@@ -70,24 +70,19 @@ TEST_F(TreeStream, OwnClassesAndTheirPropertiesComeBack) {
     Task->SetCaption("line\nbreak \\ \"quote\", comma");
     Task->Priority = -3;
     (new TTreeCollection(Task))->SetCaption("plain");
-    (new TTask(Task))->Priority = 5;
+    new TTask(Task);
     Root.AddPlaceholders(100000);
     new TTask(&Root);
     const std::string Before = DumpItems(Root);
     for (const bool AsText : {false, true}) {
         TTreeCollection Copy;
         new TTask(&Copy);
-        if (AsText) {
-            LoadTreeCollectionFromText(&Copy, SaveTreeCollectionToText(&Root, true));
-        } else {
-            Load(Copy, Save(Root));
-        }
+        if (AsText) LoadTreeCollectionFromText(&Copy, SaveTreeCollectionToText(&Root, true));
+        if (!AsText) Load(Copy, Save(Root));
         EXPECT_EQ(DumpItems(Copy), Before);
         EXPECT_EQ(Copy.GetCaption(), "root");
-        auto* const First = dynamic_cast<TTask*>(Copy.GetItem(0));
-        ASSERT_NE(First, nullptr);
-        EXPECT_EQ(First->Priority, -3);
-        EXPECT_EQ(dynamic_cast<TTask*>(First->GetItem(0)), nullptr);
+        EXPECT_EQ(dynamic_cast<TTask&>(*Copy.GetItem(0)).Priority, -3);
+        EXPECT_EQ(dynamic_cast<TTask*>(Copy.GetItem(0)->GetItem(0)), nullptr);
     }
     TTask Outline;
     LoadTreeCollectionFromText(&Outline, SaveTreeCollectionToText(&Root, false));
@@ -105,11 +100,8 @@ TEST_F(TreeStream, NodesKeepTheirFieldsAndTheirOddDefault) {
     for (const bool AsText : {false, true}) {
         THeadlessHost OtherHost;
         TFlyNodes& Other = *OtherHost.GetItems();
-        if (AsText) {
-            Other.LoadFromText(Nodes.SaveToText(true));
-        } else {
-            Load(Other, Save(Nodes));
-        }
+        if (AsText) Other.LoadFromText(Nodes.SaveToText(true));
+        if (!AsText) Load(Other, Save(Nodes));
         EXPECT_EQ(Dump(Other), "a [b(h)], c | a c");
         EXPECT_EQ(Find(Other, "a")->GetCellView(2), "two\r\nlines");
         EXPECT_EQ(Find(Other, "c")->GetImageIndex(), -1);
