@@ -152,23 +152,20 @@ TEST(TreeKeys, DoWhatTheKeyTableSays) {
     }
 }
 
-// What a press of the space key makes of each state index; 0, 3 and above 5 are no toggles.
 TEST(TreeKeys, SpaceTogglesCheckBoxesAndRadioButtonsOnly) {
     TKeyTree Tree(Single);
     TFlyNode* Node = Tree.Find("Apple");
     Tree.SetSelection(Node);
-    const auto Toggled = [&] {
-        std::string Out;
+    for (const bool Logic : {false, true}) {
+        Tree.SetShowLogic(Logic);
+        std::string Toggled;
         for (int State = -1; State <= 10; ++State) {
             Node->SetStateIndex(State);
             Tree.Press("Space");
-            Out += std::to_string(Node->GetStateIndex()) + " ";
+            Toggled += std::to_string(Node->GetStateIndex()) + " ";
         }
-        return Out;
-    };
-    EXPECT_EQ(Toggled(), "-1 0 1 2 3 4 5 6 7 8 9 10 ");
-    Tree.SetShowLogic(true);
-    EXPECT_EQ(Toggled(), "-1 0 2 1 3 5 4 6 7 8 9 10 ");
+        EXPECT_EQ(Toggled, Logic ? "-1 0 2 1 3 5 4 6 7 8 9 10 " : "-1 0 1 2 3 4 5 6 7 8 9 10 ");
+    }
 }
 
 TEST(TreeKeys, SearchIgnoresCaseInAllScriptsAndTakesComposedText) {

@@ -166,13 +166,10 @@ TEST(TreePaint, ASelectedRowIsColouredInOnePiece) {
     Tree.HandleNeeded();
     Tree.Repaint();
     const QImage Image = Tree.GetSurfaceImage();
-    const int Row = Tree.GetDefaultRowHeight();
-    const auto At = [&](int X, int Y) {
-        return Image.pixel(static_cast<int>(X * Tree.GetScale()), static_cast<int>(Y * Tree.GetScale()));
-    };
-    EXPECT_EQ(At(2, Row + 3), At(190, Row + 3)) << "the outline is coloured like the text";
-    EXPECT_EQ(At(2, Row + 3), At(210, Row + 3));
-    EXPECT_NE(At(2, Row + 3), At(2, 3));
+    const int Y = Tree.GetDefaultRowHeight() + 3;
+    EXPECT_EQ(Image.pixel(2, Y), Image.pixel(190, Y)) << "the outline is coloured like the text";
+    EXPECT_EQ(Image.pixel(2, Y), Image.pixel(210, Y));
+    EXPECT_NE(Image.pixel(2, Y), Image.pixel(2, 3));
 }
 
 // Everything but glyphs and pictures is the mirror image of the left-to-right painting.

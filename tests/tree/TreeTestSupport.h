@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace quill {
 
@@ -25,21 +27,16 @@ public:
     void Build(const std::string& Outline) {
         std::vector<TFlyNode*> Path;
         std::vector<TFlyNode*> Expanded;
+        std::istringstream Lines(Outline);
         GetItems()->BeginUpdate();
-        std::size_t Pos = 0;
-        while (Pos < Outline.size()) {
-            const std::size_t End = std::min(Outline.find('\n', Pos), Outline.size());
-            std::string Line = Outline.substr(Pos, End - Pos);
-            Pos = End + 1;
+        for (std::string Line; std::getline(Lines, Line);) {
             const std::size_t Level = Line.find_first_not_of(' ');
             if (Level == std::string::npos) continue;
-            Line.erase(0, Level);
-            const bool Open = Line.back() == '+';
-            if (Open) Line.pop_back();
+            const bool Open = Line.ends_with('+');
             Path.resize(Level);
-            TFlyNode* Node = GetItems()->AddChild(Level == 0 ? nullptr : Path[Level - 1], Line);
-            Path.push_back(Node);
-            if (Open) Expanded.push_back(Node);
+            Path.push_back(GetItems()->AddChild(Level == 0 ? nullptr : Path.back(),
+                                                Line.substr(Level, Line.size() - Level - (Open ? 1 : 0))));
+            if (Open) Expanded.push_back(Path.back());
         }
         GetItems()->EndUpdate();
         for (TFlyNode* Node : Expanded) Node->Expand(false);
