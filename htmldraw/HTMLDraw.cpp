@@ -338,8 +338,6 @@ public:
             Finish(Line);
             Line = {};
         }
-        // What ended with the page's height is as high as needed; more would change nothing that is seen.
-        Finish(Line);
     }
 
     void Draw(int VertAlign) {

@@ -384,12 +384,12 @@ std::string Repeated(const std::string& Part, int Count) {
 // Texts that would take for ever if a part of them were read again for each of its characters.
 TEST(HTMLDraw, HostileTextsAreReadOnce) {
     const std::string Hostile[] = {
-        std::string(400'000, '<'),
-        std::string(200'000, '<') + std::string(200'000, '\n') + ">",
-        std::string(400'000, 'x'),
-        std::string(200'000, ' ') + std::string(200'000, 'y'),
-        "<B>x</B>" + Repeated("a\xD7\x90", 30'000),
-        "<FONT FACE=" + std::string(200'000, 'F') + ">" + Repeated("<COLOR=>", 20'000) + "x",
+        std::string(150'000, '<'),
+        std::string(100'000, '<') + std::string(100'000, '\n') + ">",
+        std::string(150'000, 'x'),
+        std::string(80'000, ' ') + std::string(80'000, 'y'),
+        "<B>x</B>" + Repeated("a\xD7\x90", 10'000),
+        "<FONT FACE=" + std::string(100'000, 'F') + ">" + Repeated("<COLOR=>", 10'000) + "x",
     };
     THtmlCanvas Canvas;
     for (const std::string& Text : Hostile) {
