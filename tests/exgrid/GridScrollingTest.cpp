@@ -218,5 +218,29 @@ TEST(GridScrolling, BarsTakeTheirStyleWhileTheGridLives) {
     EXPECT_EQ(Grid.GetScrollBarLook(), sblRegular);
 }
 
+// What a walk over all cells costs is counted: a walk for each cell of it would never end.
+TEST(GridScrolling, CellsWithoutExtentAreNoHang) {
+    TTestGrid Wide(400, 300, 3, 20);
+    Wide.SetScrollBars(ssBoth);
+    Wide.SetOptions(Wide.GetOptions() - TGridOptions{goVertLine, goFixedVertLine});
+    Wide.SetDefaultColWidth(0);
+    Wide.SetColCount(1000000);
+    Wide.WidthCalls = 0;
+    Wide.SetRowCount(500);
+    Wide.Press(VK_NEXT);
+    Wide.Press(VK_END);
+    EXPECT_LT(Wide.WidthCalls, 40 * 1000000);
+    EXPECT_EQ(Wide.GetCol(), 999999);
+
+    TTestGrid Flat(200, 100, 1, 20);
+    Flat.SetOptions(Flat.GetOptions() - TGridOptions{goHorzLine, goFixedHorzLine});
+    Flat.SetDefaultRowHeight(0);
+    Flat.SetRowCount(100000);
+    Flat.HeightCalls = 0;
+    Flat.ModifyScrollBar(SB_VERT, SB_LINEDOWN, 0, false);
+    Flat.ModifyScrollBar(SB_VERT, SB_PAGEUP, 0, false);
+    EXPECT_LE(Flat.HeightCalls, 2000000);
+}
+
 } // namespace
 } // namespace quill::testing
