@@ -385,6 +385,25 @@ private:
         FLines.push_back(std::move(Line));
     }
 
+    // Spaces at an end of the line that belong to a coloured piece elsewhere go back to it: alone they would be a
+    // stripe of its background.
+    template <class TChunkAt>
+    void JoinSpaces(std::vector<text::TVisualRun>& Runs, bool AtEnd, const std::string& Text,
+                    TChunkAt ChunkAt) {
+        if (Runs.size() < 2) return;
+        const auto Spaces = AtEnd ? Runs.end() - 1 : Runs.begin();
+        const TChunk& Chunk = ChunkAt(Spaces->From);
+        if (FLooks[Chunk.Look].Background == FBackground) return;
+        if (Text.find_first_not_of(' ', Spaces->From) < Spaces->To) return;
+        for (text::TVisualRun& Run : Runs) {
+            if (&ChunkAt(Run.From) != &Chunk || (Run.To != Spaces->From && Run.From != Spaces->To)) continue;
+            Run.From = std::min(Run.From, Spaces->From);
+            Run.To = std::max(Run.To, Spaces->To);
+            Runs.erase(Spaces);
+            return;
+        }
+    }
+
     // Puts the pieces of a line in which both directions meet into the order in which they are read.
     void Arrange(TLine& Line) {
         const bool RightToLeft = (FCanvas.GetTextFlags() & ETO_RTLREADING) != 0;
@@ -401,11 +420,16 @@ private:
             Ends.push_back((Text += Chunk.Text).size());
             Chunk.Text.clear(); // each of its runs begins as a copy
         }
+        const auto ChunkAt = [&](std::size_t Pos) -> const TChunk& {
+            return Line.Chunks[static_cast<std::size_t>(std::upper_bound(Ends.begin(), Ends.end(), Pos) -
+                                                        Ends.begin())];
+        };
+        std::vector<text::TVisualRun> Runs = text::VisualRuns(Text, Ends, RightToLeft);
+        for (const bool AtEnd : {false, true}) JoinSpaces(Runs, AtEnd, Text, ChunkAt);
         std::vector<TChunk> Arranged;
         Line.Width = 0;
-        for (const text::TVisualRun& Run : text::VisualRuns(Text, Ends, RightToLeft)) {
-            const auto End = std::upper_bound(Ends.begin(), Ends.end(), Run.From);
-            TChunk Chunk = Line.Chunks[static_cast<std::size_t>(End - Ends.begin())];
+        for (const text::TVisualRun& Run : Runs) {
+            TChunk Chunk = ChunkAt(Run.From);
             Chunk.Text = Text.substr(Run.From, Run.To - Run.From);
             Chunk.RightToLeft = Run.RightToLeft;
             SetLook(FLooks[Chunk.Look]);

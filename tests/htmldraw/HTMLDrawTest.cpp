@@ -224,6 +224,18 @@ TEST(HTMLDraw, RectanglesMayReachToTheEndsOfTheirNumbers) {
     }
 }
 
+TEST(HTMLDraw, SpacesStayInsideTheirBackgroundWhereReadingTurns) {
+    THtmlCanvas Canvas;
+    Canvas.SetTextFlags(ETO_RTLREADING);
+    Canvas.DrawText("<BGCOLOR=#FF0000> one </BGCOLOR><BGCOLOR=#0000FF> two ");
+    std::string Texts;
+    for (const std::string& Line : Canvas.GetLines()) {
+        if (Line.starts_with("TextOut"))
+            Texts += Line.substr(Line.find('"'), Line.rfind('"') - Line.find('"') + 1);
+    }
+    EXPECT_EQ(Texts, "\" one \"\" two \"");
+}
+
 TEST(HTMLDraw, MeasuringFollowsTheCanvasFontAlone) {
     THtmlCanvas Canvas;
     const int Line = Canvas.TextHeight("Ag");
