@@ -25,7 +25,8 @@ const TPageInfo Pages[] = {
          "Gallery", "Move the mouse over a text that does not fit, or show a hint at an edge of the screen."),
      Make<THintPage>},
     {"cells", QT_TRANSLATE_NOOP("Gallery", "Markup in cells"),
-     QT_TRANSLATE_NOOP("Gallery", "Markup in the cells of a tree; what does not fit is shown under the mouse."),
+     QT_TRANSLATE_NOOP("Gallery",
+                       "Markup in the cells of a tree; what does not fit is shown under the mouse."),
      Make<TCellsPage>},
 };
 
