@@ -36,6 +36,7 @@ void TCustomQuillTree::ColumnMoved(int FromIndex, int ToIndex) {
     }
     const TControlGuard Guard(this);
     InvalidateGrid(); // what was painted since the widths moved has the old texts
+    ForgetToolTip();
     TCustomExGrid::ColumnMoved(FromIndex, ToIndex);
     if (!Guard) return;
     // The structure column stays on the same data.
@@ -97,7 +98,10 @@ int TCustomQuillTree::GetColWidths(int Col) {
 }
 
 void TCustomQuillTree::SizeChanged(int OldColCount, int OldRowCount) {
+    const TControlGuard Guard(this);
+    if (OldColCount != GetColCount()) ForgetToolTip();
     TCustomExGrid::SizeChanged(OldColCount, OldRowCount);
+    if (!Guard) return;
     if (FFitToHeight && FWordWrap) RefreshRowHeights();
 }
 

@@ -153,6 +153,11 @@ TEST_F(TreeToolTips, GoAtTheEndOfThePauseAndWhenTheUserActs) {
     const std::function<void()> Ways[] = {
         [&] { Tree.Perform(WM_LBUTTONDOWN, TShiftState(ssLeft).Bits(), MakePointParam(30, 30)); },
         [&] { Tree.DoMouseWheelDown({}, {}); },
+        [&] {
+            Tree.MoveColumn(0, 1);
+            EXPECT_EQ(Shown(), "");
+            Tree.MoveColumn(1, 0);
+        },
         [&] { Tree.Find("Short")->Delete(); },
         [&] { Tree.SetToolTips(false); },
     };
