@@ -235,6 +235,11 @@ TEST(TreeKeys, ARefusedMoveChangesNothing) {
             EXPECT_EQ(Tree.State(), Before) << Layout.Name << ", way " << &Way - Ways;
             EXPECT_GT(Asked, 0);
             EXPECT_EQ(Told, 0);
+            if (!Layout.Ranges) continue;
+            Tree.OnChanging = nullptr;
+            Tree.Press("Shift+Down"); // the range still begins where it began
+            EXPECT_NE(Tree.State().find(" Apple(sel) Pear(sel) Plum(sel)< "), std::string::npos)
+                << Tree.State();
         }
     }
 }
