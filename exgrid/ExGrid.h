@@ -466,6 +466,7 @@ private:
     int AlongAxis(const TPoint& Pos, bool Columns) const;
     void SetPressedFixed(const TGridCoord& Cell);
     void SetMouseOverPressed(bool Value);
+    TGridState SizingAt(const TPoint& Pos, int& Index);
     void BeginSizing(TGridState State, int Index, const TPoint& Pos, bool Fit);
     void SizeTo(const TPoint& Pos);
     void SizeCell(bool Columns, int Index, int Extent);

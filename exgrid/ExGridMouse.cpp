@@ -59,20 +59,17 @@ void TCustomExGrid::Press(TMouseButton Button, TShiftState Shift, int X, int Y) 
         SetFocus();
         if (!Guard) return;
     }
-    TExGridDI DI;
-    CalcDI(DI);
     const TPoint Pos{X, Y};
     if (Button == mbLeft) {
-        TGridState State = gsNormal;
         int Index = -1;
-        int SizingPos = 0;
-        int SizingOfs = 0;
-        CalcSizingState(X, Y, State, Index, SizingPos, SizingOfs, DI);
+        const TGridState State = SizingAt(Pos, Index);
         if (State != gsNormal) {
             BeginSizing(State, Index, Pos, Shift.Contains(ssDouble));
             return;
         }
     }
+    TExGridDI DI;
+    CalcDI(DI);
     const TGridCoord Cell = CalcCoordFromPoint(X, Y, DI);
     const bool OnFixed = Cell.X < FFixedCols || Cell.Y < FFixedRows;
     if (Button == mbLeft && !Designing && OnFixed && Cell.X >= 0 && Cell.Y >= 0) {
@@ -205,15 +202,9 @@ void TCustomExGrid::CMCancelMode(TMessage&) { CancelMode(); }
 
 // At design time the mouse reaches the grid only over a border that can be sized.
 void TCustomExGrid::CMDesignHitTest(TMessage& Message) {
-    TGridState State = gsNormal;
     int Index = -1;
-    int SizingPos = 0;
-    int SizingOfs = 0;
-    TExGridDI DI;
-    CalcDI(DI);
-    const TPoint Pos = PointFromParam(Message.LParam);
-    if (AllowDesignSizing()) CalcSizingState(Pos.X, Pos.Y, State, Index, SizingPos, SizingOfs, DI);
-    Message.Result = State != gsNormal ? 1 : 0;
+    const bool Sizes = AllowDesignSizing() && SizingAt(PointFromParam(Message.LParam), Index) != gsNormal;
+    Message.Result = Sizes ? 1 : 0;
 }
 
 } // namespace quill

@@ -101,18 +101,23 @@ int TCustomExGrid::AlongAxis(const TPoint& Pos, bool Columns) const {
     return UseRightToLeftAlignment() ? GetClientWidth() - 1 - Pos.X : Pos.X;
 }
 
+// What a press at a client point would size.
+TGridState TCustomExGrid::SizingAt(const TPoint& Pos, int& Index) {
+    TGridState State = gsNormal;
+    int SizingPos = 0;
+    int SizingOfs = 0;
+    TExGridDI DI;
+    CalcDI(DI);
+    CalcSizingState(Pos.X, Pos.Y, State, Index, SizingPos, SizingOfs, DI);
+    return State;
+}
+
 void TCustomExGrid::WMSetCursor(TMessage& Message) {
     TCursor Cursor = crDefault;
     if (FGridState == gsNormal &&
         (HasOption(goColSizing) || HasOption(goRowSizing) || HasState(csDesigning))) {
-        const TPoint Pos = PointFromParam(Message.LParam);
-        TGridState State = gsNormal;
         int Index = -1;
-        int SizingPos = 0;
-        int SizingOfs = 0;
-        TExGridDI DI;
-        CalcDI(DI);
-        CalcSizingState(Pos.X, Pos.Y, State, Index, SizingPos, SizingOfs, DI);
+        const TGridState State = SizingAt(PointFromParam(Message.LParam), Index);
         if (State == gsColSizing) Cursor = HorzCursor;
         if (State == gsRowSizing) Cursor = VertCursor;
     }
