@@ -4,8 +4,6 @@
 #include "host/windows/Application.h"
 #include "htmldraw/NVHTMLHintWindow.h"
 
-#include "host/windows/Application.h"
-
 #include <algorithm>
 #include <typeinfo>
 
@@ -266,36 +264,6 @@ void TCustomQuillTree::InvalidateRectBelow(TFlyNode* Node) {
     if (Row < 0) return;
     const TRect Cell = CellRect(0, Row);
     InvalidatePixels({0, Cell.Top, GetClientWidth(), GetClientHeight()});
-}
-
-bool TCustomQuillTree::EditNodeText(TFlyNode* Node) {
-    if (FStructureCol == -1 || FStructureCol < GetFixedCols() || FStructureCol >= GetColCount()) return false;
-    const TControlGuard Guard(this);
-    const TNodeWatch Watch(Node);
-    Node->MakeVisible();
-    if (!Guard || !Watch || Node->GetRow() < 0) return false;
-    SetCol(FStructureCol);
-    if (!Guard || !Watch) return false;
-    SetRow(Node->GetRow());
-    // A refused move leaves another node current, whose text must not be edited instead.
-    if (!Guard || !Watch || GetRow() != Node->GetRow()) return false;
-    SetFocus();
-    if (Guard) SetEditorMode(true);
-    return Guard && IsEditorShowing();
-}
-
-void TCustomQuillTree::EndNodeEdit(TFlyNode* Node, bool Cancel) {
-    // The strict lower bound differs from starting an edit; kept so.
-    const bool HasColumn =
-        FStructureCol != -1 && FStructureCol > GetFixedCols() && FStructureCol < GetColCount();
-    if (!HasColumn || GetRow() != Node->GetRow() || !IsEditorShowing()) return;
-    const TControlGuard Guard(this);
-    const TNodeWatch Watch(Node);
-    if (!Cancel) {
-        const std::string Text = GetEditText(GetCol(), GetRow());
-        if (Guard && Watch) Node->SetText(Text);
-    }
-    if (Guard) SetEditorMode(false);
 }
 
 } // namespace quill

@@ -150,6 +150,17 @@ public:
     void MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) override;
     bool NeedToShowEditor() override;
 
+    // --- clipboard --------------------------------------------------------------------------------------------
+    // What cutting, copying and pasting nodes means is the program's business: these fire the events. They are reached
+    // by WM_CUT, WM_COPY and WM_PASTE and by the platform's keys for them, never while the editor shows.
+    virtual void CutSelection();
+    virtual void CopySelection();
+    virtual void PasteSelection();
+    void WMCut(TMessage& Message) override;
+    void WMCopy(TMessage& Message) override;
+    void WMPaste(TMessage& Message) override;
+    TClipboardKey GetClipboardKey(unsigned Msg) const override;
+
     // --- painting ---------------------------------------------------------------------------------------------
     void Paint() override;
     // Outline lines reach into the row above.
@@ -360,6 +371,9 @@ public:
     TFTVExpandedEvent OnGetSelectedIndex;
     TFTVEditingEvent OnEditing;
     TFTVEditedEvent OnEdited;
+    TNotifyEvent OnCutSelection;
+    TNotifyEvent OnCopySelection;
+    TNotifyEvent OnPasteSelection;
     // A placeholder became a real node, which is empty still: give it its texts here.
     TFTVExpandedEvent OnMaterialise;
     // A caption was clicked (not sized, not moved); its data column.
@@ -422,6 +436,12 @@ public:
     bool EditNodeText(TFlyNode* Node) override;
     void EndNodeEdit(TFlyNode* Node, bool Cancel) override;
 
+public Q_SLOTS:
+    // For menus: the editor's own command while it shows, otherwise that of the nodes.
+    void cutSelection();
+    void copySelection();
+    void pasteSelection();
+
 Q_SIGNALS:
     void expanded(quill::TFlyNode* Node);
     void collapsed(quill::TFlyNode* Node);
@@ -431,6 +451,7 @@ Q_SIGNALS:
 
 private:
     bool IsEditorShowing() const { return GetEditorMode() && GetInplaceEditor(); }
+    void SendClipboard(unsigned Msg);
     void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level, bool IsTopRow);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
     void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);

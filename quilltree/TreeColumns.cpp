@@ -144,49 +144,4 @@ void TCustomQuillTree::SetNodeData(TFlyNode* Node, int ACol, const std::string& 
     if (Guard && Watch) InvalidateCell(ACol, Node->GetRow());
 }
 
-std::string TCustomQuillTree::GetEditText(int ACol, int ARow) {
-    const TControlGuard Guard(this);
-    std::string Text = TCustomExGrid::GetEditText(ACol, ARow);
-    if (!Guard || !Text.empty()) return Text;
-    if (IsCaption(ACol, ARow)) return GetCaptions(GetColumnOrder(ACol));
-    TFlyNode* Node = GetNodeAtRow(ARow);
-    if (!Node || Node->GetDeleting()) return {};
-    return GetNodeData(Node, ACol);
-}
-
-void TCustomQuillTree::SetEditText(int ACol, int ARow, const std::string& Value) {
-    TFlyNode* Node = GetNodeAtRow(ARow);
-    if (!Node) return;
-    const TControlGuard Guard(this);
-    const TNodeWatch Watch(Node);
-    std::string S = Value;
-    Edited(Node, S);
-    if (!Guard || !Watch) return;
-    if (ACol == FStructureCol) {
-        Node->SetText(S);
-    } else {
-        SetNodeData(Node, ACol, S);
-    }
-}
-
-void TCustomQuillTree::Edited(TFlyNode* Node, std::string& S) {
-    if (Node) FireEvent(OnEdited, this, Node, S);
-}
-
-bool TCustomQuillTree::CanEditShow() {
-    const TControlGuard Guard(this);
-    bool Allow = TCustomExGrid::CanEditShow();
-    if (!Guard || !HandleAllocated() || HasState(csDestroying) || !Allow || !OnEditing) return Allow;
-    if (TFlyNode* Node = GetNodeAtRow(GetRow())) FireEvent(OnEditing, this, Node, Allow);
-    return Guard && Allow;
-}
-
-void TCustomQuillTree::MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) {
-    // In the structure column the editor covers the text, right of the outline.
-    TFlyNode* Node = ACol == FStructureCol ? GetNodeAtRow(ARow) : nullptr;
-    TCustomExGrid::MoveEditor(ACol, ARow, Node ? DisplayRect(Node, true) : Rect, Show);
-}
-
-bool TCustomQuillTree::NeedToShowEditor() { return TCustomExGrid::NeedToShowEditor(); }
-
 } // namespace quill

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <deque>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -95,9 +96,10 @@ struct TCustomControl::TImpl {
     QPoint DeviceOrigin() const;
 
     // --- input (ControlInput.cpp) -----------------------------------------------------------------------------
-    // Notifications that wait until Qt's own bookkeeping is done: CM_MOUSEENTER, CM_MOUSELEAVE, EnterNotification.
+    // Posted messages, and notifications that wait until Qt's own bookkeeping is done: CM_MOUSEENTER, CM_MOUSELEAVE,
+    // EnterNotification.
     static constexpr unsigned EnterNotification = 0;
-    std::vector<unsigned> Waiting;
+    std::deque<TMessage> Waiting;
     bool WakeUpPosted = false;
     // Calls of handlers that Qt made through one of our child widgets and that are still running.
     int Dispatching = 0;
@@ -123,7 +125,7 @@ struct TCustomControl::TImpl {
     // Asks for a call of WokenUp from the event loop.
     void WakeUp();
     void WokenUp();
-    void Wait(unsigned Notification);
+    void Wait(unsigned Msg, std::uintptr_t WParam = 0, std::intptr_t LParam = 0);
     // False when the control is gone afterwards.
     bool DeliverWaiting();
     TPoint ClientPos(const QMouseEvent& Event) const;
@@ -133,6 +135,7 @@ struct TCustomControl::TImpl {
     void DropWheelRests();
     // Sends a key or character; consumed tells that CharCode became 0. Handled collects the results.
     bool SendKey(unsigned Msg, char32_t CharCode, TShiftState Shift, bool& Handled, bool& Consumed);
+    // When a character moves the focus to a child (opens an editor), the rest of the text goes there.
     bool SendText(const QString& Text, TShiftState Shift, bool& Handled);
     bool WantsSpecialKey(std::uint16_t Key, TShiftState Shift);
     void CancelPress();

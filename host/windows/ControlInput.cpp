@@ -99,20 +99,24 @@ void TCustomControl::TImpl::WokenUp() {
     if (!Control.FInvalid.isEmpty() && Control.isVisible()) Control.viewport()->update(Control.FInvalid);
 }
 
-void TCustomControl::TImpl::Wait(unsigned Notification) {
-    Waiting.push_back(Notification);
+void TCustomControl::TImpl::Wait(unsigned Msg, std::uintptr_t WParam, std::intptr_t LParam) {
+    Waiting.push_back({Msg, WParam, LParam});
     WakeUp();
+}
+
+void TCustomControl::PostMessage(unsigned Msg, std::uintptr_t WParam, std::intptr_t LParam) {
+    if (!FImpl->DestructionBegun) FImpl->Wait(Msg, WParam, LParam);
 }
 
 bool TCustomControl::TImpl::DeliverWaiting() {
     const TControlGuard Guard(&Control);
     while (Guard && !Waiting.empty()) {
-        const unsigned Notification = Waiting.front();
-        Waiting.erase(Waiting.begin());
-        if (Notification == EnterNotification)
+        const TMessage Message = Waiting.front();
+        Waiting.pop_front();
+        if (Message.Msg == EnterNotification)
             Control.DoEnter();
         else
-            Control.Perform(Notification, 0, 0);
+            Control.Perform(Message.Msg, Message.WParam, Message.LParam);
     }
     return static_cast<bool>(Guard);
 }
@@ -295,9 +299,19 @@ bool TCustomControl::TImpl::SendKey(unsigned Msg, char32_t CharCode, TShiftState
 
 bool TCustomControl::TImpl::SendText(const QString& Text, TShiftState Shift, bool& Handled) {
     const std::u32string Characters = Text.toStdU32String();
-    for (const char32_t Character : Characters) {
+    const bool HadFocus = Control.hasFocus();
+    for (std::size_t i = 0; i < Characters.size(); ++i) {
         bool Consumed = false;
-        if (Character != 0 && !SendKey(WM_CHAR, Character, Shift, Handled, Consumed)) return false;
+        if (Characters[i] != 0 && !SendKey(WM_CHAR, Characters[i], Shift, Handled, Consumed)) return false;
+        QWidget* const Focus = QApplication::focusWidget();
+        if (i + 1 == Characters.size() || !HadFocus || !Focus || Focus == &Control ||
+            !Control.isAncestorOf(Focus))
+            continue;
+        QInputMethodEvent Rest;
+        Rest.setCommitString(QString::fromStdU32String(Characters.substr(i + 1)));
+        const TControlGuard Guard(&Control);
+        QCoreApplication::sendEvent(Focus, &Rest);
+        return static_cast<bool>(Guard);
     }
     return true;
 }
@@ -311,11 +325,10 @@ void TCustomControl::keyPressEvent(QKeyEvent* Event) {
     const TControlGuard Guard(this);
     Event->accept();
     if (!Impl.DeliverWaiting()) return;
-    if (WantsClipboardKeys()) {
-        if (const unsigned Msg = ClipboardMessage(*Event)) {
-            Perform(Msg, 0, 0);
-            return;
-        }
+    if (const unsigned Msg = ClipboardMessage(*Event);
+        Msg != 0 && GetClipboardKey(Msg) != TClipboardKey::Ignored) {
+        Perform(Msg, 0, 0);
+        return;
     }
     const bool HasText = YieldsText(*Event);
     std::uint16_t Key = VirtualKeyFromQt(Event->key(), Event->modifiers().testFlag(Qt::KeypadModifier));
@@ -425,7 +438,8 @@ bool TCustomControl::event(QEvent* Event) {
     }
     switch (Event->type()) {
     case QEvent::ShortcutOverride:
-        if (WantsClipboardKeys() && ClipboardMessage(static_cast<QKeyEvent&>(*Event)) != 0) {
+        if (const unsigned Msg = ClipboardMessage(static_cast<QKeyEvent&>(*Event));
+            Msg != 0 && GetClipboardKey(Msg) == TClipboardKey::BeforeMenus) {
             Event->accept();
             return true;
         }

@@ -95,7 +95,8 @@ TCustomControl::TCustomControl(TComponent* AOwner, QWidget* AParent)
         auto& Waiting = FImpl->Waiting;
         if (Inside)
             FImpl->Wait(TImpl::EnterNotification);
-        else if (std::erase(Waiting, TImpl::EnterNotification) == 0)
+        else if (std::erase_if(Waiting,
+                               [](const TMessage& M) { return M.Msg == TImpl::EnterNotification; }) == 0)
             DoExit();
     });
 }

@@ -263,6 +263,9 @@ public:
     // --- messages ---------------------------------------------------------------------------------------------
     // Feeds one message through WndProc, as the window system would; returns its result.
     std::intptr_t Perform(unsigned Msg, std::uintptr_t WParam, std::intptr_t LParam);
+    // Feeds the message once what runs now is done: before any later event reaches the control, at the latest with the
+    // next turn of the event loop. Messages keep their order; those of a control that goes are dropped.
+    void PostMessage(unsigned Msg, std::uintptr_t WParam, std::intptr_t LParam);
     // Dispatches to the typed handlers below.
     virtual void WndProc(TMessage& Message);
     virtual void WMMouseMove(TWMMouse& Message);
@@ -302,9 +305,10 @@ public:
     // Result 1: the control wants the key in CharCode although a dialog or a parent would use it: Tab (which then
     // does not move the focus), Enter, Esc, arrows, paging keys. It does not go on to the parents then.
     virtual void CMWantSpecialKey(TWMKey& Message);
-    // Whether the standard keys of Cut, Copy and Paste become WM_CUT, WM_COPY and WM_PASTE, even when a menu of the
-    // program has them as shortcuts.
-    virtual bool WantsClipboardKeys() const { return false; }
+    // How a standard key of Cut, Copy or Paste becomes Msg (WM_CUT, WM_COPY or WM_PASTE): not at all, unless a menu of
+    // the program has it as a shortcut, or even then.
+    enum class TClipboardKey { Ignored, AfterMenus, BeforeMenus };
+    virtual TClipboardKey GetClipboardKey(unsigned /*Msg*/) const { return TClipboardKey::Ignored; }
 
     // --- input, after dispatch --------------------------------------------------------------------------------
     virtual void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);

@@ -363,8 +363,8 @@ TEST_F(InputInWindow, TabMovesTheFocusUnlessWanted) {
 
 TEST(Input, ClipboardKeysBecomeMessagesWhenWanted) {
     struct TClipboardControl : TActive {
-        bool Wants = true;
-        bool WantsClipboardKeys() const override { return Wants; }
+        TClipboardKey Wants = TClipboardKey::BeforeMenus;
+        TClipboardKey GetClipboardKey(unsigned) const override { return Wants; }
     } Control;
     int Triggered = 0;
     QShortcut Shortcut(QKeySequence::Copy, &Control);
@@ -376,10 +376,16 @@ TEST(Input, ClipboardKeysBecomeMessagesWhenWanted) {
     QTest::keyPress(Window, Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(Control.Take(), "keydown 17 ctrl; copy; keydown 17 ctrl; cut; keydown 17 ctrl; paste");
     EXPECT_EQ(Triggered, 0);
-    Control.Wants = false;
-    QTest::keyPress(Window, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(Control.Take(), "keydown 17 ctrl");
-    EXPECT_EQ(Triggered, 1) << "otherwise the program's shortcut works";
+    using TClipboardKey = TCustomControl::TClipboardKey;
+    for (const TClipboardKey Wants : {TClipboardKey::Ignored, TClipboardKey::AfterMenus}) {
+        Control.Wants = Wants;
+        Triggered = 0;
+        QTest::keyPress(Window, Qt::Key_C, Qt::ControlModifier);
+        EXPECT_EQ(Control.Take(), "keydown 17 ctrl");
+        EXPECT_EQ(Triggered, 1) << "otherwise the program's shortcut works";
+    }
+    QTest::keyPress(Window, Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(Control.Take(), "keydown 17 ctrl; cut") << "no menu has that one";
 }
 
 // --- focus --------------------------------------------------------------------------------------------------------
