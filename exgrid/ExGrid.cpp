@@ -1,9 +1,11 @@
 // Construction, simple properties, the window and its messages, and what travels in component streams.
 #include "exgrid/GridDrag.h"
+#include "exgrid/InplaceEdit.h"
 
 #include "host/base/Filers.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quill {
 
@@ -16,7 +18,10 @@ TCustomExGrid::TCustomExGrid(TComponent* AOwner, QWidget* AParent) : TCustomCont
     Initialize();
 }
 
-TCustomExGrid::~TCustomExGrid() { BeginDestruction(); }
+TCustomExGrid::~TCustomExGrid() {
+    BeginDestruction();
+    delete std::exchange(FInplaceEdit, nullptr);
+}
 
 // --- properties -----------------------------------------------------------------------------------------------
 
@@ -24,7 +29,7 @@ void TCustomExGrid::SetOptions(TGridOptions Value) {
     if (Value == FOptions) return;
     const bool WasRowSelect = HasOption(goRowSelect);
     const TControlGuard Guard(this);
-    if (FEditorMode && !Value.Contains(goEditing)) {
+    if (FEditorMode && (!Value.Contains(goEditing) || Value.Contains(goRowSelect))) {
         HideEditor();
         if (!Guard) return;
     }
@@ -146,7 +151,7 @@ void TCustomExGrid::WMSetFocus(TMessage& Message) {
     TCustomControl::WMSetFocus(Message);
     if (!Guard) return;
     InvalidateGrid();
-    if (FEditorMode) UpdateEdit();
+    if (FEditorMode && !FHidingEdit) UpdateEdit();
 }
 
 void TCustomExGrid::WMKillFocus(TMessage& Message) {

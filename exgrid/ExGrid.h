@@ -360,6 +360,8 @@ public:
     bool GetEditorMode() const { return FEditorMode; }
     void SetEditorMode(bool Value);
     TInplaceEdit* GetInplaceEditor() const { return FInplaceEdit; }
+    // Whether the editor can be seen, scrolled out of sight or not. Editor mode alone does not say so.
+    bool IsEditorShown() const;
     // The editor's cell, (-1, -1) while its text must not be written back.
     TGridCoord GetEditorCell() const { return {FInplaceCol, FInplaceRow}; }
     virtual TInplaceEdit* CreateEditor();
@@ -371,7 +373,15 @@ public:
     virtual void UpdateEdit();
     // Forces a refill from the cell.
     void InvalidateEditor();
+    // Leaves editor mode without storing what was typed.
+    void DiscardEdit();
     void UpdateText();
+    // For descendants whose cells move: the editor has been opened on a cell, and its text is to be stored. Base:
+    // SetEditText, if there still is such a cell.
+    virtual void EditStarted(int ACol, int ARow);
+    virtual void StoreEdit(int ACol, int ARow, const std::string& Text);
+    // The edited cell is now at another place; editor and current cell go there, nobody is told.
+    void MoveEditedCell(int ACol, int ARow);
     virtual void MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show);
     virtual bool NeedToShowEditor();
     virtual bool CanEditAcceptKey(char32_t Key);
@@ -388,6 +398,7 @@ public:
     void SetSaveExtents(bool Value) { FSaveExtents = Value; }
     void DefineProperties(TFiler& Filer) override;
     void Loaded() override;
+    void Notification(TComponent* AComponent, TOperation Operation) override;
     void CreateParams(TCreateParams& Params) override;
     void CreateWnd() override;
     void DestroyWnd() override;
@@ -526,10 +537,13 @@ private:
     int FDropTargetRow = -1;
     int FInplaceCol = -1;
     int FInplaceRow = -1;
+    unsigned FEditSession = 0; // counts the cells that were given to the editor
     bool FFixedRowAsButton = true;
     bool FFixedColAsButton = true;
     bool FSelectionCleared = false;
     bool FEditorMode = false;
+    bool FStoringEdit = false;
+    bool FHidingEdit = false;
     bool FFlatScrollBars = false;
     bool FScrolling = false;
     bool FWheeling = false;

@@ -1,10 +1,15 @@
 // The grid's side of editing in place: editor mode, which cell is edited, and its text.
 #include "exgrid/ExGrid.h"
+#include "exgrid/InplaceEdit.h"
+#include "host/windows/FlagScope.h"
+
+#include <algorithm>
 
 namespace quill {
 
-// The editor control is made here; without one the grid keeps its editor mode and shows nothing.
-TInplaceEdit* TCustomExGrid::CreateEditor() { return nullptr; }
+TInplaceEdit* TCustomExGrid::CreateEditor() { return new TInplaceEdit(this); }
+
+bool TCustomExGrid::IsEditorShown() const { return FInplaceEdit != nullptr && FInplaceEdit->Visible(); }
 
 void TCustomExGrid::SetEditorMode(bool Value) {
     if (Value) {
@@ -31,9 +36,11 @@ void TCustomExGrid::ShowEditor() {
     UpdateEdit();
 }
 
-void TCustomExGrid::ShowEditorChar(char32_t) {
+void TCustomExGrid::ShowEditorChar(char32_t Ch) {
+    const TControlGuard Guard(this);
     ShowEditor();
-    // The character then goes to the editor as WM_CHAR, so that it starts the text.
+    // A character that was typed for a cell that may not be edited goes nowhere.
+    if (Guard && IsEditorShown()) FInplaceEdit->PostMessage(WM_CHAR, Ch, 0);
 }
 
 void TCustomExGrid::HideEditor() {
@@ -44,11 +51,14 @@ void TCustomExGrid::HideEditor() {
 void TCustomExGrid::HideEdit() {
     if (FInplaceEdit == nullptr) return;
     const TControlGuard Guard(this);
+    const unsigned Session = FEditSession;
     UpdateText();
-    if (!Guard) return;
+    // A handler may have taken the editor away, or opened it for another cell.
+    if (!Guard || FInplaceEdit == nullptr || Session != FEditSession) return;
     FInplaceCol = -1;
     FInplaceRow = -1;
-    // The editor hides here.
+    const TFlagScope Hiding(this, FHidingEdit);
+    FInplaceEdit->Hide();
 }
 
 void TCustomExGrid::UpdateEdit() {
@@ -57,17 +67,27 @@ void TCustomExGrid::UpdateEdit() {
     if (FInplaceEdit == nullptr) {
         FInplaceEdit = CreateEditor();
         if (FInplaceEdit == nullptr) return;
-        // A new editor is attached to the grid and becomes its child here.
+        FInplaceEdit->FreeNotification(this);
+        FInplaceEdit->SetGrid(this);
+        FInplaceEdit->SetParent(this);
     } else if (FInplaceCol != FCurrent.X || FInplaceRow != FCurrent.Y) {
         HideEdit();
-        if (!Guard) return;
+        if (!Guard || FInplaceEdit == nullptr) return;
     }
     if (FInplaceCol != FCurrent.X || FInplaceRow != FCurrent.Y) {
         FInplaceCol = FCurrent.X;
         FInplaceRow = FCurrent.Y;
-        // The editor takes the cell's text here and selects all of it.
+        const unsigned Session = ++FEditSession;
+        EditStarted(FInplaceCol, FInplaceRow);
+        if (!Guard || FInplaceEdit == nullptr) return;
+        FInplaceEdit->UpdateContents();
+        if (!Guard || FInplaceEdit == nullptr || Session != FEditSession) return;
+        FInplaceEdit->SelectAll();
     }
-    if (CanEditShow() && Guard) MoveEditor(FCurrent.X, FCurrent.Y, CellRect(FCurrent.X, FCurrent.Y), true);
+    if (!CanEditShow() || !Guard || FInplaceEdit == nullptr) return;
+    // Application code may have moved on without the editor.
+    if (FInplaceCol == FCurrent.X && FInplaceRow == FCurrent.Y)
+        MoveEditor(FCurrent.X, FCurrent.Y, CellRect(FCurrent.X, FCurrent.Y), true);
 }
 
 void TCustomExGrid::InvalidateEditor() {
@@ -76,13 +96,57 @@ void TCustomExGrid::InvalidateEditor() {
     UpdateEdit();
 }
 
-void TCustomExGrid::UpdateText() {
-    if (FInplaceCol == -1 || FInplaceRow == -1) return;
-    // SetEditText(FInplaceCol, FInplaceRow, the editor's text) stands here once there is an editor.
+void TCustomExGrid::DiscardEdit() {
+    FInplaceCol = -1;
+    FInplaceRow = -1;
+    HideEditor();
 }
 
-// The editor goes to Rect here: shown when Show is set, else only placed.
-void TCustomExGrid::MoveEditor(int, int, const TRect&, bool) {}
+void TCustomExGrid::UpdateText() {
+    // While the text is being stored a handler may end the edit once more.
+    if (FInplaceEdit == nullptr || FStoringEdit || HasState(csDestroying)) return;
+    if (FInplaceCol == -1 || FInplaceRow == -1) return;
+    const TFlagScope Storing(this, FStoringEdit);
+    StoreEdit(FInplaceCol, FInplaceRow, FInplaceEdit->GetText());
+}
+
+void TCustomExGrid::StoreEdit(int ACol, int ARow, const std::string& Text) {
+    // A cell that went away with its row or column takes no text.
+    if (ACol < FColCount && ARow < FRowCount) SetEditText(ACol, ARow, Text);
+}
+
+void TCustomExGrid::EditStarted(int, int) {}
+
+void TCustomExGrid::MoveEditedCell(int ACol, int ARow) {
+    if (FInplaceCol == -1 || FInplaceRow == -1 || TGridCoord{ACol, ARow} == GetEditorCell()) return;
+    if (FCurrent == GetEditorCell()) {
+        InvalidateGrid();
+        FCurrent = {ACol, ARow};
+        FAnchor = FCurrent;
+        FOpposite = FCurrent;
+    }
+    FInplaceCol = ACol;
+    FInplaceRow = ARow;
+    if (IsEditorShown() && HandleAllocated()) MoveEditor(ACol, ARow, CellRect(ACol, ARow), false);
+}
+
+void TCustomExGrid::MoveEditor(int, int, const TRect& Rect, bool Show) {
+    if (FInplaceEdit == nullptr) return;
+    // The editor stays off the fixed cells and inside the window.
+    TExGridDI DI;
+    CalcFI(DI);
+    TRect Area = GetClientRect();
+    (UseRightToLeftAlignment() ? Area.Right : Area.Left) +=
+        UseRightToLeftAlignment() ? -DI.Horz.FixedBoundary : DI.Horz.FixedBoundary;
+    Area.Top += DI.Vert.FixedBoundary;
+    TRect Place{};
+    if (!IntersectRect(Place, Rect, Area)) Place = {};
+    if (Show) {
+        FInplaceEdit->Move(Place);
+    } else {
+        FInplaceEdit->UpdateLoc(Place);
+    }
+}
 
 bool TCustomExGrid::NeedToShowEditor() { return true; }
 
@@ -109,6 +173,14 @@ std::string TCustomExGrid::GetEditMask(int ACol, int ARow) {
 }
 
 int TCustomExGrid::GetEditLimit() { return 0; }
+
+void TCustomExGrid::Notification(TComponent* AComponent, TOperation Operation) {
+    TCustomControl::Notification(AComponent, Operation);
+    if (Operation != opRemove || AComponent != static_cast<TComponent*>(FInplaceEdit)) return;
+    FInplaceEdit = nullptr;
+    FInplaceCol = -1;
+    FInplaceRow = -1;
+}
 
 void TCustomExGrid::DoExit() {
     const TControlGuard Guard(this);

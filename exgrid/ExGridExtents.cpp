@@ -251,6 +251,9 @@ void TCustomExGrid::ChangeSize(int NewColCount, int NewRowCount) {
 }
 
 void TCustomExGrid::AdjustSize(int Index, int Amount, bool Rows) {
+    const TControlGuard Guard(this);
+    if (FEditorMode) HideEditor(); // before its cell moves
+    if (!Guard) return;
     const int Count = Rows ? FRowCount : FColCount;
     if (Index < 0 || Index > Count) Fail(SIndexOutOfRange, Index);
     const std::int64_t NewCount = std::int64_t{Count} + Amount;
@@ -261,7 +264,6 @@ void TCustomExGrid::AdjustSize(int Index, int Amount, bool Rows) {
     if (Rows) {
         ResizeAxes(FColCount, FColCount, Fitted, Index);
     } else {
-        const TControlGuard Guard(this);
         ResizeAxes(Fitted, Index, FRowCount, FRowCount);
         if (Guard) ColCountChanged();
     }
@@ -388,7 +390,8 @@ void TCustomExGrid::RowMoved(int FromIndex, int ToIndex) {
 void TCustomExGrid::DeleteColumn(int ACol) {
     const TControlGuard Guard(this);
     const bool Current = FCurrent.X == ACol;
-    if (FInplaceCol == ACol) FInplaceCol = FInplaceRow = -1; // what was typed there goes with it
+    if (FInplaceCol == ACol) DiscardEdit(); // what was typed there goes with it
+    if (!Guard) return;
     MoveColumn(ACol, FColCount - 1);
     if (!Guard) return;
     if (Current && ACol < FColCount - 1) FCurrent.X = FAnchor.X = FOpposite.X = ACol;
@@ -398,7 +401,8 @@ void TCustomExGrid::DeleteColumn(int ACol) {
 void TCustomExGrid::DeleteRow(int ARow) {
     const TControlGuard Guard(this);
     const bool Current = FCurrent.Y == ARow;
-    if (FInplaceRow == ARow) FInplaceCol = FInplaceRow = -1;
+    if (FInplaceRow == ARow) DiscardEdit();
+    if (!Guard) return;
     MoveRow(ARow, FRowCount - 1);
     if (!Guard) return;
     if (Current && ARow < FRowCount - 1) FCurrent.Y = FAnchor.Y = FOpposite.Y = ARow;

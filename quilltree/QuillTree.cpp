@@ -216,6 +216,10 @@ void TCustomQuillTree::ProcessMessages() {
 void TCustomQuillTree::ForgetNode(TFlyNode* Node) {
     if (FDropTargetNode == Node) FDropTargetNode = nullptr;
     if (FToolTipNode == Node) ForgetToolTip();
+    if (FEditNode == Node) {
+        FEditNode = nullptr;
+        FollowEdit();
+    }
     if (FAnchorNode == Node) FAnchorNode = nullptr;
     if (FRangeStartNode == Node) FRangeStartNode = nullptr;
     FAncestorsOf = nullptr;

@@ -149,6 +149,10 @@ public:
     bool CanEditShow() override;
     void MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) override;
     bool NeedToShowEditor() override;
+    void UpdateEdit() override;
+    void EditStarted(int ACol, int ARow) override;
+    void StoreEdit(int ACol, int ARow, const std::string& Text) override;
+    void WndProc(TMessage& Message) override;
 
     // --- clipboard --------------------------------------------------------------------------------------------
     // What cutting, copying and pasting nodes means is the program's business: these fire the events. They are reached
@@ -448,9 +452,14 @@ Q_SIGNALS:
     void changed(quill::TFlyNode* Node);
     void deletion(quill::TFlyNode* Node);
     void captionClicked(int DataCol);
+    // The user has edited a text, which is stored now.
+    void edited(quill::TFlyNode* Node, int DataCol);
 
 private:
-    bool IsEditorShowing() const { return GetEditorMode() && GetInplaceEditor(); }
+    bool IsEditorShowing() const { return GetEditorMode() && IsEditorShown(); }
+    void FindEditedCell(int& ACol, int& ARow) const;
+    void StoreNodeText(TFlyNode* Node, int DataCol, const std::string& Value);
+    void FollowEdit();
     void SendClipboard(unsigned Msg);
     void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level, bool IsTopRow);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
@@ -520,6 +529,7 @@ private:
     TFlyNode* FRangeStartNode = nullptr; // the other end of the last range, or the node toggled last
     TFlyNode* FDropTargetNode = nullptr;
     TFlyNode* FToolTipNode = nullptr; // whose cell was looked at last
+    TFlyNode* FEditNode = nullptr;    // for which the editor was opened, with FEditCol
     std::unique_ptr<TNVHTMLHintWindow> FHintWindow;
     std::unique_ptr<TTimer> FToolTipTimer; // while a tooltip is shown
 
@@ -539,6 +549,11 @@ private:
     int FPressedRow = -1;
     int FSortColumn = -1;
     int FToolTipCol = -1;
+    // The data column that the editor was opened for, or one of these: none, since there was no node, and the text,
+    // whichever column shows it.
+    static constexpr int NoEdit = -1;
+    static constexpr int EditsText = -2;
+    int FEditCol = NoEdit;
     int FToolTipPause = 1000;
     TColor FTooltipColor = clInfoBk;
     int FButtonSize;

@@ -47,12 +47,14 @@ void TCustomQuillTree::ColumnMoved(int FromIndex, int ToIndex) {
     } else if (FStructureCol == FromIndex) {
         SetStructureCol(ToIndex);
     }
+    if (Guard) FollowEdit();
 }
 
 void TCustomQuillTree::ColCountChanged() {
     // Columns that were moved fall back into their order, which is more than the strip that appeared or went.
     if (!std::is_sorted(FColumnsMap.begin(), FColumnsMap.end())) Invalidate();
     InitColumnsMap();
+    FollowEdit();
 }
 
 void TCustomQuillTree::SetStructureCol(int Value) {

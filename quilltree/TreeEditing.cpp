@@ -1,8 +1,18 @@
 // Editing in place, and the clipboard commands.
+#include "exgrid/InplaceEdit.h"
 #include "host/base/Events.h"
 #include "quilltree/QuillTree.h"
 
 namespace quill {
+
+namespace {
+
+// The node that is being edited has lost its cell.
+constexpr unsigned CM_ENDEDIT = 0xB100;
+// Pixels; with less room for the text the editor covers the whole cell.
+constexpr int LeastEditorWidth = 32;
+
+} // namespace
 
 // --- texts --------------------------------------------------------------------------------------------------------
 
@@ -17,18 +27,7 @@ std::string TCustomQuillTree::GetEditText(int ACol, int ARow) {
 }
 
 void TCustomQuillTree::SetEditText(int ACol, int ARow, const std::string& Value) {
-    TFlyNode* Node = GetNodeAtRow(ARow);
-    if (!Node) return;
-    const TControlGuard Guard(this);
-    const TNodeWatch Watch(Node);
-    std::string S = Value;
-    Edited(Node, S);
-    if (!Guard || !Watch) return;
-    if (ACol == FStructureCol) {
-        Node->SetText(S);
-    } else {
-        SetNodeData(Node, ACol, S);
-    }
+    if (TFlyNode* Node = GetNodeAtRow(ARow)) StoreNodeText(Node, GetColumnOrder(ACol), Value);
 }
 
 void TCustomQuillTree::Edited(TFlyNode* Node, std::string& S) {
@@ -44,12 +43,88 @@ bool TCustomQuillTree::CanEditShow() {
 }
 
 void TCustomQuillTree::MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) {
-    // In the structure column the editor covers the text, right of the outline.
-    TFlyNode* Node = ACol == FStructureCol ? GetNodeAtRow(ARow) : nullptr;
-    TCustomExGrid::MoveEditor(ACol, ARow, Node ? DisplayRect(Node, true) : Rect, Show);
+    TRect Place = Rect;
+    // In the structure column the editor covers the text, right of the outline, where there is room for some letters.
+    if (TFlyNode* Node = ACol == FStructureCol ? GetNodeAtRow(ARow) : nullptr) {
+        const TRect Text = DisplayRect(Node, true);
+        TRect Room{};
+        if (IntersectRect(Room, Text, Rect) && Room.Right - Room.Left >= LeastEditorWidth) Place = Text;
+    }
+    TCustomExGrid::MoveEditor(ACol, ARow, Place, Show);
 }
 
-bool TCustomQuillTree::NeedToShowEditor() { return TCustomExGrid::NeedToShowEditor(); }
+bool TCustomQuillTree::NeedToShowEditor() { return !IsDragging() && TCustomExGrid::NeedToShowEditor(); }
+
+// --- the edited node ----------------------------------------------------------------------------------------------
+
+// Rows move while the user types, so the editor belongs to a node and a data column.
+void TCustomQuillTree::EditStarted(int ACol, int ARow) {
+    FEditNode = GetNodeAtRow(ARow);
+    FEditCol = !FEditNode ? NoEdit : ACol == FStructureCol ? EditsText : GetColumnOrder(ACol);
+}
+
+void TCustomQuillTree::StoreEdit(int ACol, int ARow, const std::string& Text) {
+    if (!FEditNode) return; // there was none, or it is gone
+    FindEditedCell(ACol, ARow);
+    if (ACol >= 0 && ARow >= 0) {
+        TCustomExGrid::StoreEdit(ACol, ARow, Text);
+        return;
+    }
+    // Hidden by now, or its column is.
+    StoreNodeText(FEditNode, FEditCol == EditsText ? GetColumnOrder(FStructureCol) : FEditCol, Text);
+}
+
+// Where the edited text is shown now; -1 for nowhere.
+void TCustomQuillTree::FindEditedCell(int& ACol, int& ARow) const {
+    ARow = FEditNode ? FEditNode->GetRow() : -1;
+    ACol = FEditCol == EditsText ? FStructureCol : GetDisplayColumn(FEditCol);
+}
+
+void TCustomQuillTree::StoreNodeText(TFlyNode* Node, int DataCol, const std::string& Value) {
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    std::string S = Value;
+    Edited(Node, S);
+    if (!Guard || !Watch) return;
+    if (DataCol == GetColumnOrder(FStructureCol)) {
+        Node->SetText(S);
+    } else if (const int Col = GetDisplayColumn(DataCol); Col >= 0) {
+        SetNodeData(Node, Col, S);
+    } else {
+        SetNodeCells(Node, DataCol, S);
+    }
+    if (Guard && Watch) Q_EMIT edited(Node, DataCol);
+}
+
+// After rows or columns may have moved: the editor and the current cell stay on the edited node.
+void TCustomQuillTree::FollowEdit() {
+    if (!IsEditorShowing() || GetEditorCell() == NoGridCoord || FEditCol == NoEdit) return;
+    int Col = -1;
+    int Row = -1;
+    FindEditedCell(Col, Row);
+    if (Row >= 0 && Col >= 0) {
+        MoveEditedCell(Col, Row);
+    } else {
+        PostMessage(CM_ENDEDIT, 0, 0); // not from the middle of what is going on
+    }
+}
+
+void TCustomQuillTree::UpdateEdit() {
+    FollowEdit();
+    TCustomExGrid::UpdateEdit();
+}
+
+void TCustomQuillTree::WndProc(TMessage& Message) {
+    if (Message.Msg != CM_ENDEDIT) {
+        TCustomExGrid::WndProc(Message);
+        return;
+    }
+    // The editor may have gone on to another cell meanwhile.
+    int Col = -1;
+    int Row = -1;
+    FindEditedCell(Col, Row);
+    if (FEditCol != NoEdit && (Row < 0 || Col < 0)) HideEditor();
+}
 
 // --- from the node's side -----------------------------------------------------------------------------------------
 
@@ -80,7 +155,12 @@ void TCustomQuillTree::EndNodeEdit(TFlyNode* Node, bool Cancel) {
         const std::string Text = GetEditText(GetCol(), GetRow());
         if (Guard && Watch) Node->SetText(Text);
     }
-    if (Guard) SetEditorMode(false);
+    if (!Guard) return;
+    if (Cancel) {
+        DiscardEdit();
+    } else {
+        SetEditorMode(false);
+    }
 }
 
 // --- the clipboard ------------------------------------------------------------------------------------------------
@@ -105,7 +185,11 @@ void TCustomQuillTree::cutSelection() { SendClipboard(WM_CUT); }
 void TCustomQuillTree::copySelection() { SendClipboard(WM_COPY); }
 void TCustomQuillTree::pasteSelection() { SendClipboard(WM_PASTE); }
 
-void TCustomQuillTree::SendClipboard(unsigned Msg) { Perform(Msg, 0, 0); }
+void TCustomQuillTree::SendClipboard(unsigned Msg) {
+    TCustomControl* Target = this;
+    if (IsEditorShowing()) Target = GetInplaceEditor();
+    Target->Perform(Msg, 0, 0);
+}
 
 // The tree that has the focus goes before a menu that serves another one, but only where it has something to do.
 TCustomControl::TClipboardKey TCustomQuillTree::GetClipboardKey(unsigned Msg) const {

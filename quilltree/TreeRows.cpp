@@ -27,7 +27,9 @@ void TCustomQuillTree::FixupRows() {
     if (Count == 0) SetTopRow(GetFixedRows());
     if (!Guard) return;
     if (!FItems->GetSorted() && FSortType != stNone) FItems->AlphaSort();
-    if (Guard) InvalidateGrid();
+    if (!Guard) return;
+    FollowEdit();
+    InvalidateGrid();
 }
 
 TFlyNode* TCustomQuillTree::GetNodeAtRow(int Row) {

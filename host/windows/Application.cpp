@@ -21,6 +21,10 @@ void TApplication::ProcessMessages() {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
+void MessageBeep(unsigned) {
+    if (qApp) QApplication::beep();
+}
+
 std::uint32_t GetTickCount() {
     const auto Now = std::chrono::steady_clock::now().time_since_epoch();
     return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(Now).count());

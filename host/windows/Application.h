@@ -27,6 +27,9 @@ struct TMouse {
 };
 extern TMouse Mouse;
 
+// The platform's warning sound. There is one kind, whatever Type says.
+void MessageBeep(unsigned Type);
+
 // Calls OnTimer every Interval milliseconds while enabled. An interval of 0 rests; every change starts it afresh.
 class TTimer : public TComponent {
 public:

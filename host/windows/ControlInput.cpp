@@ -104,6 +104,8 @@ void TCustomControl::TImpl::Wait(unsigned Msg, std::uintptr_t WParam, std::intpt
     WakeUp();
 }
 
+bool TCustomControl::DeliverMessages() { return FImpl->DeliverWaiting(); }
+
 void TCustomControl::PostMessage(unsigned Msg, std::uintptr_t WParam, std::intptr_t LParam) {
     if (!FImpl->DestructionBegun) FImpl->Wait(Msg, WParam, LParam);
 }
@@ -299,13 +301,12 @@ bool TCustomControl::TImpl::SendKey(unsigned Msg, char32_t CharCode, TShiftState
 
 bool TCustomControl::TImpl::SendText(const QString& Text, TShiftState Shift, bool& Handled) {
     const std::u32string Characters = Text.toStdU32String();
-    const bool HadFocus = Control.hasFocus();
+    const QWidget* const FocusBefore = QApplication::focusWidget();
     for (std::size_t i = 0; i < Characters.size(); ++i) {
         bool Consumed = false;
         if (Characters[i] != 0 && !SendKey(WM_CHAR, Characters[i], Shift, Handled, Consumed)) return false;
         QWidget* const Focus = QApplication::focusWidget();
-        if (i + 1 == Characters.size() || !HadFocus || !Focus || Focus == &Control ||
-            !Control.isAncestorOf(Focus))
+        if (i + 1 == Characters.size() || !Focus || Focus == FocusBefore || !Control.isAncestorOf(Focus))
             continue;
         QInputMethodEvent Rest;
         Rest.setCommitString(QString::fromStdU32String(Characters.substr(i + 1)));
@@ -337,7 +338,8 @@ void TCustomControl::keyPressEvent(QKeyEvent* Event) {
     bool Handled = false;
     bool Consumed = false;
     if (Key != 0 && !Impl.SendKey(WM_KEYDOWN, Key, Shift, Handled, Consumed)) return;
-    if (HasText && !Consumed && !Impl.SendText(TextOf(*Event), Shift, Handled)) return;
+    if (HasText && (!Consumed || SendsConsumedChar(Key)) && !Impl.SendText(TextOf(*Event), Shift, Handled))
+        return;
     if (!Handled && IsNavigationKey(Key)) Handled = Impl.WantsSpecialKey(Key, Shift);
     if (Guard) Event->setAccepted(Handled);
 }

@@ -60,6 +60,7 @@ inline constexpr unsigned WS_HSCROLL = 0x100000;
 inline constexpr unsigned WS_VSCROLL = 0x200000;
 inline constexpr unsigned WS_BORDER = 0x800000;
 inline constexpr unsigned WS_EX_CLIENTEDGE = 0x200;
+inline constexpr unsigned ES_MULTILINE = 0x4;
 inline constexpr unsigned CS_DBLCLKS = 8;
 struct TCreateParams {
     unsigned Style = 0;
@@ -108,6 +109,9 @@ public:
     // Ends timers and drops the surface. Called by the destructor as well.
     virtual void DestroyWnd();
     const TCreateParams& GetWindowParams() const { return FParams; }
+
+    // Shows the control in the client area of another one, which destroys it as well; hidden at first.
+    void SetParent(TCustomControl* Value) { setParent(Value ? Value->viewport() : nullptr); }
 
     // --- size and place ---------------------------------------------------------------------------------------
     int GetClientWidth() const;
@@ -305,6 +309,8 @@ public:
     // Result 1: the control wants the key in CharCode although a dialog or a parent would use it: Tab (which then
     // does not move the focus), Enter, Esc, arrows, paging keys. It does not go on to the parents then.
     virtual void CMWantSpecialKey(TWMKey& Message);
+    // Whether WM_CHAR follows a WM_KEYDOWN although that was consumed.
+    virtual bool SendsConsumedChar(std::uint16_t /*Key*/) const { return false; }
     // How a standard key of Cut, Copy or Paste becomes Msg (WM_CUT, WM_COPY or WM_PASTE): not at all, unless a menu of
     // the program has it as a shortcut, or even then.
     enum class TClipboardKey { Ignored, AfterMenus, BeforeMenus };
@@ -368,6 +374,8 @@ protected:
     void contextMenuEvent(QContextMenuEvent* Event) override;
 
     void IncludeControlState(TControlStateValue Value) { FControlState.Include(Value); }
+    // Feeds the posted messages now. False when the control is gone afterwards.
+    bool DeliverMessages();
     // To be called first by the most derived destructors: marks csDestroying and ends input and timers.
     void BeginDestruction();
 
