@@ -29,11 +29,11 @@ QImage Picture(const QString& Name, int Size) {
     return QImage(QStringLiteral(":/icons/%1-%2.png").arg(Name).arg(Size));
 }
 
+} // namespace
+
 TColor ColorOf(const QColor& Color) {
     return static_cast<TColor>(Color.blue() << 16 | Color.green() << 8 | Color.red());
 }
-
-} // namespace
 
 void SetUpLook(bool Dark, bool RightToLeft) {
     // The style of last resort is drawn as it was decades ago.

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+class QColor;
 class QIcon;
 class QWidget;
 
@@ -33,6 +34,7 @@ enum TPicture {
     picHeart
 };
 
+TColor ColorOf(const QColor& Color);
 // The toolkit's own style where the platform brings none, and always for dark colours.
 void SetUpLook(bool Dark, bool RightToLeft);
 QIcon ProgramIcon();

@@ -51,6 +51,21 @@ TSaveNodesOptions DefaultOptions() {
     return TSaveNodesOptions::FromBits(AllOptions) - TSaveNodesOptions{tsnIncludeUniqueTags};
 }
 
+TSaveNodesOptions FieldsInUse(TFlyNodes& Nodes) {
+    TSaveNodesOptions Fields;
+    const auto Use = [&Fields](bool Used, TSaveNodesOption Field) {
+        if (Used) Fields.Include(Field);
+    };
+    for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) {
+        Use(Node->GetImageIndex() != -1, tsnIncludeImageIndex);
+        Use(Node->GetSelectedIndex() != -1, tsnIncludeSelectedIndex);
+        Use(Node->GetStateIndex() != -1, tsnIncludeStateIndex);
+        Use(Node->GetCellCount() > 1, tsnIncludeCells);
+        Use(Node->GetHidden(), tsnIncludeHiddens);
+    }
+    return Fields;
+}
+
 int MaskOf(TSaveNodesOptions Options) { return static_cast<int>(Options.Bits() & AllOptions); }
 
 TSaveNodesOptions OptionsOf(int Mask) {

@@ -29,6 +29,8 @@ struct TOutline {
 
 // The fields of a document that did not come from a file: all but tags.
 TSaveNodesOptions DefaultOptions();
+// The fields without which a save would lose something of these nodes; how they are shown and numbered aside. O(n).
+TSaveNodesOptions FieldsInUse(TFlyNodes& Nodes);
 int MaskOf(TSaveNodesOptions Options);
 TSaveNodesOptions OptionsOf(int Mask);
 

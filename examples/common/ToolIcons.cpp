@@ -49,6 +49,37 @@ QPainterPath Outline(TToolIcon Icon) {
         Path.arcTo(QRectF(2.5, 2.5, 11, 11), 60, -310);
         Lines({{10.5, 0.5}, {10.75, 3.25}, {8, 4.5}});
         break;
+    case tiUndo:
+    case tiRedo: { // an arrow that bends back; redo mirrored
+        Lines({{5.5, 2.5}, {2.5, 5.5}, {5.5, 8.5}});
+        Lines({{2.5, 5.5}, {9.5, 5.5}});
+        Path.arcTo(QRectF(5.5, 5.5, 8, 8), 90, -180);
+        Path.lineTo(5.5, 13.5);
+        if (Icon == tiRedo) Path = QTransform(-1, 0, 0, 1, IconSize, 0).map(Path);
+        break;
+    }
+    case tiCut: // scissors
+        Lines({{4.5, 1.5}, {10, 10}});
+        Lines({{11.5, 1.5}, {6, 10}});
+        Path.addEllipse(QPointF(4.5, 12), 2.25, 2.25);
+        Path.addEllipse(QPointF(11.5, 12), 2.25, 2.25);
+        break;
+    case tiCopy: // two sheets
+        Lines({{4.5, 11.5}, {2.5, 11.5}, {2.5, 1.5}, {9.5, 1.5}, {9.5, 3.5}});
+        Path.addRect(QRectF(5.5, 4.5, 8, 10));
+        break;
+    case tiPaste: // a clipboard
+        Lines({{5.5, 2.5}, {2.5, 2.5}, {2.5, 14.5}, {13.5, 14.5}, {13.5, 2.5}, {10.5, 2.5}});
+        Path.addRect(QRectF(5.5, 1.5, 5, 3));
+        break;
+    case tiDelete:
+        Lines({{3.5, 3.5}, {12.5, 12.5}});
+        Lines({{12.5, 3.5}, {3.5, 12.5}});
+        break;
+    case tiAdd:
+        Lines({{8, 2.5}, {8, 13.5}});
+        Lines({{2.5, 8}, {13.5, 8}});
+        break;
     }
     return Path;
 }

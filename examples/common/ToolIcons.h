@@ -6,7 +6,21 @@
 
 namespace quill::examples {
 
-enum TToolIcon { tiNew, tiOpen, tiSave, tiExpandAll, tiCollapseAll, tiRefresh };
+enum TToolIcon {
+    tiNew,
+    tiOpen,
+    tiSave,
+    tiExpandAll,
+    tiCollapseAll,
+    tiRefresh,
+    tiUndo,
+    tiRedo,
+    tiCut,
+    tiCopy,
+    tiPaste,
+    tiDelete,
+    tiAdd
+};
 
 // 16 x 16 pixels, sharp at scales up to 3.
 QIcon MakeToolIcon(TToolIcon Icon, const QColor& Color);

@@ -96,8 +96,10 @@ void TViewMenu::AddSwitches(QMenu* Menu) {
         }
         QAction* Action = Menu->addAction(tr(Switch.Text));
         Action->setCheckable(true);
-        connect(Action, &QAction::triggered, this,
-                [this, &Switch](bool Value) { Switch.Set(*FTree, Value); });
+        connect(Action, &QAction::triggered, this, [this, &Switch](bool Value) {
+            Switch.Set(*FTree, Value);
+            Q_EMIT switched();
+        });
         FSwitches.push_back(Action);
     }
 }

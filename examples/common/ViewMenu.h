@@ -22,6 +22,10 @@ class TViewMenu : public QObject {
 public:
     TViewMenu(QMenu* Menu, TCustomQuillTree* Tree);
 
+Q_SIGNALS:
+    // The user changed something.
+    void switched();
+
 private:
     void AddStyles(QMenu* Menu);
     void AddSwitches(QMenu* Menu);

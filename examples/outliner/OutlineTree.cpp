@@ -1,5 +1,7 @@
 #include "OutlineTree.h"
 
+#include "ClipboardText.h"
+
 #include "../common/Look.h"
 
 #include "host/base/Collation.h"
@@ -13,13 +15,28 @@ namespace quill::examples {
 
 namespace {
 
-// The state indexes that the user can change; the others are shown as they are.
-enum TState { stOpen = 1, stDone = 2, stChosen = 4, stNotChosen = 5 };
+// The state indexes of open and done tasks and of choices; those that are fixed, like all others, are only shown.
+enum TState {
+    stOpen = 1,
+    stDone = 2,
+    stChosen = 4,
+    stNotChosen = 5,
+    stFixedChosen = 7,
+    stFixedNotChosen = 8
+};
+
+// A fifth of Mark over Ground.
+QColor Blend(const QColor& Ground, const QColor& Mark) {
+    const auto Mix = [](int From, int To) { return From + (To - From) / 5; };
+    return {Mix(Ground.red(), Mark.red()), Mix(Ground.green(), Mark.green()),
+            Mix(Ground.blue(), Mark.blue())};
+}
 
 } // namespace
 
 TOutlineTree::TOutlineTree(QWidget* AParent) : TQuillTree(AParent) {
     SetUpTree(*this);
+    SetSelectsRows(false);
     ShowNothing();
 }
 
@@ -33,23 +50,66 @@ void TOutlineTree::ShowOutline(const TOutline& Outline, std::vector<std::string>
     const QScopedValueRollback<bool> Reading(FReading, true);
     FCaptions = std::move(Captions);
     GetItems()->Clear();
+    FNodeCount = 0;
     // Tags are kept as they stand in the file only by a tree that numbers its nodes.
     SetUniqueTags(Outline.HasTags);
     SetShowImages(Outline.Options.Contains(tsnIncludeImageIndex));
     SetShowLogic(Outline.Options.Contains(tsnIncludeStateIndex));
-    // Columns that were moved are in their old places again.
-    SetColCount(std::max(Outline.ColumnCount, static_cast<int>(FCaptions.size())));
-    SetStructureCol(0);
-    for (int Col = 0; Col < GetColCount(); ++Col) SetCaptions(Col, CaptionOf(FCaptions, Col));
+    SetColCount(1);
+    SetColumns(std::max(Outline.ColumnCount, static_cast<int>(FCaptions.size())));
     SetSortColumn(-1);
     LoadOutline(Outline, *GetItems());
     SetTopRow(GetFixedRows());
     if (TFlyNode* First = GetNodeAtRow(GetFixedRows())) SetSelection(First);
 }
 
+void TOutlineTree::SetColumns(int Count) {
+    if (Count == GetColCount()) return;
+    SetColCount(Count);
+    SetStructureCol(0);
+    for (int Col = 0; Col < Count; ++Col) SetCaptions(Col, CaptionOf(FCaptions, Col));
+}
+
+void TOutlineTree::SetSelectsRows(bool Value) {
+    const TGridOptions Rows{goRowSelect};
+    const TGridOptions Cells{goEditing, goTabs};
+    SetOptions(Value ? GetOptions() - Cells + Rows : GetOptions() - Rows + Cells);
+}
+
+// Counted where each node comes and goes, so that nothing has to walk the outline.
+TFlyNode* TOutlineTree::CreateNode(TTreeCollection* Owner) {
+    ++FNodeCount;
+    return TQuillTree::CreateNode(Owner);
+}
+
+void TOutlineTree::Delete(TFlyNode* Node) {
+    --FNodeCount;
+    TQuillTree::Delete(Node);
+}
+
 void TOutlineTree::DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) {
     TQuillTree::DrawFixedFrame(Canvas, Rect, ACol, ARow, Clicked);
     DrawCaptionEdge(*this, Canvas, Rect, ARow);
+}
+
+// The other cells of a selected row are tinted, so that one sees what is selected.
+void TOutlineTree::GetColor(TFlyNode* Node, int ACol, int ARow, TExGridDrawState State, TColor& BrushColor,
+                            TColor& FontColor, bool& Changed) {
+    TQuillTree::GetColor(Node, ACol, ARow, State, BrushColor, FontColor, Changed);
+    if (Changed || !Node || !Node->GetSelected() || !Focused()) return;
+    BrushColor = ColorOf(Blend(palette().color(QPalette::Base), palette().color(QPalette::Highlight)));
+    Changed = true;
+}
+
+// --- editing ---------------------------------------------------------------------------------------------------
+
+// An editor that closes stores its text whether it was changed or not.
+void TOutlineTree::SetEditText(int ACol, int ARow, const std::string& Value) {
+    const std::string Text = OneLine(Value);
+    if (Text == GetEditText(ACol, ARow)) return;
+    const TControlGuard Guard(this);
+    TQuillTree::SetEditText(ACol, ARow, Text);
+    if (Guard) Q_EMIT textEdited();
 }
 
 // --- sorting -------------------------------------------------------------------------------------------------------
@@ -61,6 +121,8 @@ void TOutlineTree::CaptionClick(int DataCol) {
 }
 
 void TOutlineTree::SortBy(int DataCol, TSortDirection Direction) {
+    HideEditor();
+    Q_EMIT sorting();
     SetSortColumn(DataCol);
     SetSortDirection(Direction);
     TFlyNode* Current = GetNodeAtRow(GetRow());
@@ -86,21 +148,19 @@ void TOutlineTree::SortBy(int DataCol, TSortDirection Direction) {
     Q_EMIT sorted();
 }
 
-std::string TOutlineTree::SelectedText() {
-    std::vector<TFlyNode*> Nodes;
-    FillSelectedList(Nodes);
-    std::string Text;
-    for (TFlyNode* Node : Nodes) {
-        for (int Col = 0; Col < GetColCount(); ++Col) {
-            if (Col > 0) Text += '\t';
-            Text += GetNodeData(Node, Col);
-        }
-        Text += '\n';
-    }
-    return Text;
-}
-
 // --- check marks -------------------------------------------------------------------------------------------------
+
+int TOutlineTree::FreshState(int StateIndex) {
+    switch (StateIndex) {
+    case stChosen:
+    case stNotChosen:
+    case stFixedChosen:
+    case stFixedNotChosen:
+        return stNotChosen;
+    default:
+        return StateIndex > 0 ? stOpen : StateIndex;
+    }
+}
 
 // The control asks here before a state changes, whoever changes it: the space key, a click, a file being loaded.
 bool TOutlineTree::ChangeState(TFlyNode* Node, int NewState) {

@@ -1,4 +1,4 @@
-// The tree of the outliner: shows an outline with captions, and ticks what the user clicks.
+// The tree of the outliner: shows an outline with captions, edits its texts, and ticks what the user clicks.
 #pragma once
 
 #include "../common/OutlineFile.h"
@@ -22,29 +22,44 @@ public:
     // As the file has them.
     const std::vector<std::string>& FileCaptions() const { return FCaptions; }
 
+    int GetNodeCount() const { return FNodeCount; }
+    // Makes room for so many columns, or takes away those beyond them. Columns are in their own order afterwards.
+    void SetColumns(int Count);
+    // Whole rows are selected, and letters search; or cells, and letters start to edit them.
+    void SetSelectsRows(bool Value);
+
     // Puts the children of every node into the order of a data column's texts, numbers in them by value.
     void SortBy(int DataCol, TSortDirection Direction);
     // A click on a caption sorts by its column, a second one the other way round.
     void CaptionClick(int DataCol) override;
 
-    // The selected rows as lines, their cells separated by tabs.
-    std::string SelectedText();
+    // The state index of a new node beside one with this index: nothing of it is done or chosen.
+    static int FreshState(int StateIndex);
 
     // This class does nothing of its own with cells, so that files load and save by whole records.
     bool StoresPlainTexts() const override { return true; }
     void DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) override;
+    void GetColor(TFlyNode* Node, int ACol, int ARow, TExGridDrawState State, TColor& BrushColor,
+                  TColor& FontColor, bool& Changed) override;
+    void SetEditText(int ACol, int ARow, const std::string& Value) override;
     bool ChangeState(TFlyNode* Node, int NewState) override;
+    TFlyNode* CreateNode(TTreeCollection* Owner) override;
+    void Delete(TFlyNode* Node) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
 
 Q_SIGNALS:
     // The user ticked a node.
     void stateEdited();
+    void textEdited();
+    // Before and after.
+    void sorting();
     void sorted();
 
 private:
     void ClearChoices(TFlyNode* Chosen);
 
     std::vector<std::string> FCaptions;
+    int FNodeCount = 0;
     bool FReading = false;
 };
 

@@ -1,5 +1,7 @@
 #include "OutlinerWindow.h"
 
+#include "EditMenu.h"
+#include "OutlineEditor.h"
 #include "OutlineTree.h"
 
 #include "../common/ToolIcons.h"
@@ -10,7 +12,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QFileDialog>
@@ -24,27 +25,37 @@ namespace quill::examples {
 
 namespace {
 
+constexpr int MessageTime = 8000; // milliseconds that a message stays in the status bar
+
 const char* const FileFilter = "Outlines (*.nodes);;All files (*)";
 
 } // namespace
 
-TOutlinerWindow::TOutlinerWindow() : FTree(new TOutlineTree(this)) {
+TOutlinerWindow::TOutlinerWindow() : FTree(new TOutlineTree(this)), FEditor(new TOutlineEditor(FTree)) {
     SetTree(FTree);
 
     QToolBar* Tools = MakeToolBar();
     MakeFileMenu(Tools);
-    MakeEditMenu();
+    MakeEditMenu(Tools);
     MakeViewMenu(Tools);
     MakeHelpMenu();
 
     FStatus = new TTreeStatus(statusBar(), FTree);
-    FStatus->NodeCount = [this] { return FNodeCount; };
+    FStatus->NodeCount = [this] { return FTree->GetNodeCount(); };
     FStatus->Text = [this] { return StatusText(); };
 
     connect(FTree, &TOutlineTree::expanded, this, &TOutlinerWindow::ViewChanged);
     connect(FTree, &TOutlineTree::collapsed, this, &TOutlinerWindow::ViewChanged);
     connect(FTree, &TOutlineTree::stateEdited, this, [this] { SetModified(true); });
     connect(FTree, &TOutlineTree::sorted, this, [this] { SetModified(true); });
+    connect(FTree, &TOutlineTree::textEdited, this, [this] {
+        SetModified(true);
+        ShowPreview();
+    });
+    connect(FEditor, &TOutlineEditor::edited, this, [this] { SetModified(true); });
+    connect(FEditor, &TOutlineEditor::columnsChanged, this, &TOutlinerWindow::FitColumnsWhenShown);
+    connect(FEditor, &TOutlineEditor::said, this,
+            [this](const QString& Text) { statusBar()->showMessage(Text, MessageTime); });
     DocumentChanged();
     FTree->setFocus();
 }
@@ -73,18 +84,10 @@ void TOutlinerWindow::MakeFileMenu(QToolBar* Tools) {
     Tools->addSeparator();
 }
 
-void TOutlinerWindow::MakeEditMenu() {
-    QMenu* Menu = menuBar()->addMenu(tr("&Edit"));
-    QAction* Copy = Menu->addAction(tr("&Copy Rows"), this, &TOutlinerWindow::CopySelected);
-    Copy->setShortcut(QKeySequence::Copy);
-    QAction* All = Menu->addAction(tr("Select &All"), this, [this] {
-        FTree->SelectAll();
-        FStatus->Touch();
-    });
-    All->setShortcut(QKeySequence::SelectAll);
-    Menu->addSeparator();
-    Menu->addAction(tr("Sort A to &Z"), FTree, [this] { FTree->SortBy(0, srtAscending); });
-    Menu->addAction(tr("Sort Z to &A"), FTree, [this] { FTree->SortBy(0, srtDescending); });
+void TOutlinerWindow::MakeEditMenu(QToolBar* Tools) {
+    auto* const Edit = new TEditMenu(menuBar()->addMenu(tr("&Edit")), FTree, FEditor);
+    Tools->addActions({Edit->GetNewNode(), Edit->GetUndo()});
+    Tools->addSeparator();
 }
 
 void TOutlinerWindow::MakeViewMenu(QToolBar* Tools) {
@@ -97,7 +100,10 @@ void TOutlinerWindow::MakeViewMenu(QToolBar* Tools) {
                                         &TOutlinerWindow::CollapseAll);
     Collapse->setShortcut(tr("Ctrl+Shift+E"));
     Menu->addSeparator();
-    new TViewMenu(Menu, FTree);
+    auto* const View = new TViewMenu(Menu, FTree);
+    // Whole rows cannot be edited.
+    connect(View, &TViewMenu::switched, FTree,
+            [this] { FTree->SetSelectsRows(FTree->HasOption(goRowSelect)); });
     Menu->addSeparator();
     Menu->addAction(MakePreview()->toggleViewAction());
     Tools->addActions({Expand, Collapse});
@@ -139,7 +145,6 @@ void TOutlinerWindow::MakeHelpMenu() {
 void TOutlinerWindow::NewOutline() {
     FFileName.clear();
     FOptions = DefaultOptions();
-    FNodeCount = 0;
     FTree->ShowNothing();
     DocumentChanged();
 }
@@ -149,11 +154,13 @@ void TOutlinerWindow::OpenFile(const std::string& FileName) {
     FTree->ShowOutline(Outline, ReadCaptions(FileName));
     FFileName = FileName;
     FOptions = Outline.Options;
-    FNodeCount = Outline.NodeCount;
     DocumentChanged();
 }
 
 void TOutlinerWindow::SaveFile(const std::string& FileName) {
+    FTree->HideEditor();
+    // What came in since then is kept too.
+    if (isWindowModified()) FOptions = FOptions + FieldsInUse(*FTree->GetItems());
     SaveOutline(FileName, *FTree->GetItems(), FOptions);
     SaveCaptions(FileName, FTree->FileCaptions());
     FFileName = FileName;
@@ -183,6 +190,7 @@ bool TOutlinerWindow::TrySave(const std::string& FileName) {
 }
 
 bool TOutlinerWindow::MayClose() {
+    FTree->HideEditor(); // what is being typed counts
     if (!isWindowModified()) return true;
     const auto Answer = QMessageBox::question(this, tr("Unsaved Changes"),
                                               tr("Save the changes to \"%1\"?").arg(DocumentName()),
@@ -218,6 +226,7 @@ void TOutlinerWindow::SetModified(bool Value) {
 
 void TOutlinerWindow::DocumentChanged() {
     FViewChanged = false;
+    FEditor->Forget();
     SetModified(false);
     FitColumnsWhenShown();
 }
@@ -232,13 +241,8 @@ QString TOutlinerWindow::StatusText() const {
     return FViewChanged ? tr("%1 (view changed)").arg(Name) : Name;
 }
 
-void TOutlinerWindow::CopySelected() {
-    const std::string Text = FTree->SelectedText();
-    if (!Text.empty()) QApplication::clipboard()->setText(QString::fromStdString(Text));
-}
-
 void TOutlinerWindow::About() {
-    ShowAbout("Outliner", tr("Opens, shows and saves outlines in the nodes text format."));
+    ShowAbout("Outliner", tr("Opens, edits and saves outlines in the nodes text format."));
 }
 
 } // namespace quill::examples

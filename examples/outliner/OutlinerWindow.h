@@ -14,6 +14,7 @@ class TNVHTMLText;
 
 namespace quill::examples {
 
+class TOutlineEditor;
 class TOutlineTree;
 class TTreeStatus;
 
@@ -39,7 +40,7 @@ protected:
 
 private:
     void MakeFileMenu(QToolBar* Tools);
-    void MakeEditMenu();
+    void MakeEditMenu(QToolBar* Tools);
     void MakeViewMenu(QToolBar* Tools);
     QDockWidget* MakePreview();
     void ShowPreview();
@@ -52,7 +53,6 @@ private:
     bool TrySave(const std::string& FileName);
     // Whether the open outline may go: it has no unsaved changes, or the user does not want them.
     bool MayClose();
-    void CopySelected();
     void About();
 
     void ViewChanged();
@@ -62,11 +62,11 @@ private:
     QString StatusText() const;
 
     TOutlineTree* FTree;
+    TOutlineEditor* FEditor;
     TNVHTMLText* FPreview = nullptr;
     TTreeStatus* FStatus;
     std::string FFileName; // empty for an outline that has none yet
     TSaveNodesOptions FOptions = DefaultOptions();
-    int FNodeCount = 0;
     // Nodes are open or closed otherwise than in the file. Said in the status bar, but nothing to ask about.
     bool FViewChanged = false;
 };

@@ -146,7 +146,8 @@ TEST_F(OutlinerWindow, SavesTheSameBytes) {
     EXPECT_EQ(Folder.Content("copy.nodes"), Tasks);
 }
 
-TEST_F(OutlinerWindow, FindsNodesByTypedLetters) {
+TEST_F(OutlinerWindow, FindsNodesByTypedLettersWhileWholeRowsAreSelected) {
+    Window.GetTree()->SetSelectsRows(true);
     QTest::keyClick(Window.GetTree(), Qt::Key_C);
     EXPECT_EQ(Window.GetTree()->GetSelection()->GetText(), "Choice");
 }
@@ -215,11 +216,6 @@ TEST_F(OutlinerWindow, ShowsTheTextsOfARowOnOneLine) {
         EXPECT_EQ(Extent(1), Extent(2)) << "rows of " << Height;
         EXPECT_EQ(Extent(0), Extent(1)) << "rows of " << Height;
     }
-}
-
-TEST_F(OutlinerWindow, CopiesRowsAsLines) {
-    Window.GetTree()->SetSelection(NodeOf(2));
-    EXPECT_EQ(Window.GetTree()->SelectedText(), "Open\tlate\n");
 }
 
 } // namespace
