@@ -380,6 +380,7 @@ public:
     // SetEditText, if there still is such a cell.
     virtual void EditStarted(int ACol, int ARow);
     virtual void StoreEdit(int ACol, int ARow, const std::string& Text);
+    void EditorGone(const TInplaceEdit* Editor);
     // The edited cell is now at another place; editor and current cell go there, nobody is told.
     void MoveEditedCell(int ACol, int ARow);
     virtual void MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show);
@@ -398,7 +399,6 @@ public:
     void SetSaveExtents(bool Value) { FSaveExtents = Value; }
     void DefineProperties(TFiler& Filer) override;
     void Loaded() override;
-    void Notification(TComponent* AComponent, TOperation Operation) override;
     void CreateParams(TCreateParams& Params) override;
     void CreateWnd() override;
     void DestroyWnd() override;

@@ -67,7 +67,6 @@ void TCustomExGrid::UpdateEdit() {
     if (FInplaceEdit == nullptr) {
         FInplaceEdit = CreateEditor();
         if (FInplaceEdit == nullptr) return;
-        FInplaceEdit->FreeNotification(this);
         FInplaceEdit->SetGrid(this);
         FInplaceEdit->SetParent(this);
     } else if (FInplaceCol != FCurrent.X || FInplaceRow != FCurrent.Y) {
@@ -174,12 +173,15 @@ std::string TCustomExGrid::GetEditMask(int ACol, int ARow) {
 
 int TCustomExGrid::GetEditLimit() { return 0; }
 
-void TCustomExGrid::Notification(TComponent* AComponent, TOperation Operation) {
-    TCustomControl::Notification(AComponent, Operation);
-    if (Operation != opRemove || AComponent != static_cast<TComponent*>(FInplaceEdit)) return;
+// The editor is being destroyed.
+void TCustomExGrid::EditorGone(const TInplaceEdit* Editor) {
+    if (Editor != FInplaceEdit) return;
+    const bool HadFocus = FInplaceEdit->ContainsFocus();
     FInplaceEdit = nullptr;
     FInplaceCol = -1;
     FInplaceRow = -1;
+    FEditorMode = false;
+    if (HadFocus && !HasState(csDestroying)) SetFocus();
 }
 
 void TCustomExGrid::DoExit() {

@@ -69,9 +69,11 @@ void TCustomExGrid::SetRow(int Value) {
 
 void TCustomExGrid::FocusCell(int ACol, int ARow, bool AMoveAnchor, TShiftState Shift, TSelectionWay Way) {
     if (IsGridEmpty()) return;
+    CheckCell(ACol, ARow, FColCount, FRowCount);
     const TControlGuard Guard(this);
     HideEditor();
-    if (!Guard) return;
+    // Whoever was told of the text may have made the grid smaller.
+    if (!Guard || ACol > FColCount || ARow > FRowCount || IsGridEmpty()) return;
     MoveCurrent(ACol, ARow, AMoveAnchor, true, Shift, Way);
     if (Guard) UpdateEdit();
 }

@@ -31,6 +31,12 @@ TInplaceEdit::TInplaceEdit(TComponent* AOwner) : TCustomEdit(AOwner) {
     SetLineTabStop(false);
 }
 
+TInplaceEdit::~TInplaceEdit() {
+    // Before the focus goes, which would make the grid store our text.
+    if (FGrid) FGrid->EditorGone(this);
+    BeginDestruction();
+}
+
 void TInplaceEdit::CreateParams(TCreateParams& Params) {
     TCustomEdit::CreateParams(Params);
     Params.Style |= ES_MULTILINE;

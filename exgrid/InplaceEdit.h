@@ -15,6 +15,7 @@ class TInplaceEdit : public TCustomEdit {
 
 public:
     explicit TInplaceEdit(TComponent* AOwner);
+    ~TInplaceEdit() override;
 
     TCustomExGrid* GetGrid() const { return FGrid; }
     void SetGrid(TCustomExGrid* Value) { FGrid = Value; }
