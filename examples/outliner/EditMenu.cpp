@@ -88,6 +88,7 @@ void TEditMenu::AddRows(QMenu* Menu) {
     QAction* All = Menu->addAction(tr("Select &All"), FTree, [this] {
         FTree->HideEditor();
         FTree->SelectAll();
+        FTree->Invalidate();
     });
     All->setShortcut(QKeySequence::SelectAll);
     All->setShortcutContext(Qt::WidgetShortcut);

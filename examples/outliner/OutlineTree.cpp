@@ -96,9 +96,15 @@ void TOutlineTree::DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, 
 void TOutlineTree::GetColor(TFlyNode* Node, int ACol, int ARow, TExGridDrawState State, TColor& BrushColor,
                             TColor& FontColor, bool& Changed) {
     TQuillTree::GetColor(Node, ACol, ARow, State, BrushColor, FontColor, Changed);
-    if (Changed || !Node || !Node->GetSelected() || !Focused()) return;
+    if (Changed || !Node || !Node->GetSelected() || (GetHideSelection() && !Focused())) return;
     BrushColor = ColorOf(Blend(palette().color(QPalette::Base), palette().color(QPalette::Highlight)));
     Changed = true;
+}
+
+// The control repaints the columns of the selection only.
+void TOutlineTree::Change(TFlyNode* Node) {
+    Invalidate();
+    TQuillTree::Change(Node);
 }
 
 // --- editing ---------------------------------------------------------------------------------------------------

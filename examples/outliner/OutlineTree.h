@@ -41,6 +41,7 @@ public:
     void DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) override;
     void GetColor(TFlyNode* Node, int ACol, int ARow, TExGridDrawState State, TColor& BrushColor,
                   TColor& FontColor, bool& Changed) override;
+    void Change(TFlyNode* Node) override;
     void SetEditText(int ACol, int ARow, const std::string& Value) override;
     bool ChangeState(TFlyNode* Node, int NewState) override;
     TFlyNode* CreateNode(TTreeCollection* Owner) override;
