@@ -67,6 +67,7 @@ void TCustomQuillTree::SetStructureCol(int Value) {
         const int Old = FStructureCol;
         FStructureCol = Value;
         StructureColChanged(Old, Value);
+        if (Guard) FollowEdit();
     }
     if (Guard) Invalidate();
 }
