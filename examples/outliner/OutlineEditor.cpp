@@ -213,6 +213,7 @@ void TOutlineEditor::Paste() {
     for (TFlyNode* Node = Pasted.GetFirstNode(); Node; Node = Node->GetNext()) {
         Columns = std::max(Columns, std::min(Node->GetCellCount(), MaxPastedColumns));
     }
+    KeepOneChoice(*Subtrees);
     const int OldColumns = FTree->GetColCount();
     if (Columns > OldColumns) FTree->SetColumns(Columns);
     const TSaveNodesOptions Fields = FieldsInUse(Pasted);
@@ -228,6 +229,17 @@ void TOutlineEditor::Paste() {
     if (CellsLeftOut > 0) {
         Q_EMIT said(
             tr("%n cell(s) beyond column %1 were left out", nullptr, CellsLeftOut).arg(MaxPastedColumns));
+    }
+}
+
+// Among radio buttons of which one is chosen, pasted ones are not.
+void TOutlineEditor::KeepOneChoice(TSubtrees& Pasted) {
+    bool Chosen = false;
+    for (TFlyNode* Node = Pasted.GetNodes().GetFirstNode(); Node; Node = Node->GetNextSibling()) {
+        if (Node->GetStateIndex() != TOutlineTree::stChosen) continue;
+        if (!Chosen) Chosen = FTree->HasChoice(PlaceBehindCurrent().Parent);
+        if (Chosen) Node->SetStateIndexField(TOutlineTree::stNotChosen);
+        Chosen = true;
     }
 }
 

@@ -68,6 +68,7 @@ private:
     void Copy(const std::vector<TFlyNode*>& Roots);
     std::unique_ptr<TSubtrees> ReadClipboard(const QMimeData& Data, int& CellsLeftOut);
     TNodePlace PlaceBehindCurrent() const;
+    void KeepOneChoice(TSubtrees& Pasted);
     void Revert();
     void Changed(const QString& Name, std::unique_ptr<TStructureStep> Step,
                  const std::vector<TFlyNode*>& Show);

@@ -15,16 +15,6 @@ namespace quill::examples {
 
 namespace {
 
-// The state indexes of open and done tasks and of choices; those that are fixed, like all others, are only shown.
-enum TState {
-    stOpen = 1,
-    stDone = 2,
-    stChosen = 4,
-    stNotChosen = 5,
-    stFixedChosen = 7,
-    stFixedNotChosen = 8
-};
-
 // A fifth of Mark over Ground.
 QColor Blend(const QColor& Ground, const QColor& Mark) {
     const auto Mix = [](int From, int To) { return From + (To - From) / 5; };
@@ -176,6 +166,12 @@ bool TOutlineTree::ChangeState(TFlyNode* Node, int NewState) {
         Q_EMIT stateEdited();
     }
     return true;
+}
+
+bool TOutlineTree::HasChoice(TFlyNode* Parent) {
+    TFlyNode* Node = Parent ? Parent->GetFirstChild() : GetItems()->GetFirstNode();
+    while (Node && Node->GetStateIndex() != stChosen) Node = Node->GetNextSibling();
+    return Node != nullptr;
 }
 
 // Of a group of radio buttons, one is chosen.

@@ -14,6 +14,16 @@ class TOutlineTree : public TQuillTree {
     Q_OBJECT
 
 public:
+    // The state indexes of open and done tasks and of choices; those that are fixed, like all others, are only shown.
+    enum TState {
+        stOpen = 1,
+        stDone = 2,
+        stChosen = 4,
+        stNotChosen = 5,
+        stFixedChosen = 7,
+        stFixedNotChosen = 8
+    };
+
     explicit TOutlineTree(QWidget* AParent);
 
     // Replaces nodes, columns and captions. Pictures and check marks are shown when the outline has any.
@@ -33,6 +43,8 @@ public:
     // A click on a caption sorts by its column, a second one the other way round.
     void CaptionClick(int DataCol) override;
 
+    // Whether one of the children of Parent (null: of the top-level nodes), a group of radio buttons, is chosen.
+    bool HasChoice(TFlyNode* Parent);
     // The state index of a new node beside one with this index: nothing of it is done or chosen.
     static int FreshState(int StateIndex);
 

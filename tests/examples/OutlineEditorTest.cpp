@@ -44,10 +44,8 @@ protected:
         QApplication::processEvents();
     }
     std::string Dump() { return DumpOutline(*Tree->GetItems()); }
-    // Every field of every node.
-    std::string Saved() {
-        return OutlineText(*Tree->GetItems(), DefaultOptions() + TSaveNodesOptions{tsnIncludeUniqueTags});
-    }
+    // Every field of every node that the options name.
+    std::string Saved(int Options = 127) { return OutlineText(*Tree->GetItems(), OptionsOf(Options)); }
     TFlyNode* Node(const std::string& Text) {
         TFlyNode* Found = Tree->GetItems()->GetFirstNode();
         while (Found && Found->GetText() != Text) Found = Found->GetNext();
@@ -240,6 +238,18 @@ TEST_F(OutlineEditor, PastesWhateverIsOnTheClipboard) {
     ExpectNothing();
     PutBytes(TOutlineEditor::MimeType, "SaveOptions:127\r\n\xFF,\0");
     ExpectNothing();
+}
+
+TEST_F(OutlineEditor, KeepsOneChoiceOfAGroupThatIsPastedInto) {
+    Open("SaveOptions:4\r\n4,This\r\n5,That\r\n");
+    Select({"This"});
+    Press(Qt::Key_C, Qt::ControlModifier);
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Saved(4), "SaveOptions:4\r\n4,This\r\n5,This\r\n5,That\r\n");
+    Select({"This"});
+    Press(Qt::Key_X, Qt::ControlModifier);
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Saved(4), "SaveOptions:4\r\n5,This\r\n4,This\r\n5,That\r\n") << "the choice moves along";
 }
 
 TEST_F(OutlineEditor, ForgetsWhatItCannotUndo) {
