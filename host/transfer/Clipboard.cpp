@@ -66,7 +66,10 @@ TClipboard& Clipboard() {
 
 TClipboard::~TClipboard() { FreeHandles(); }
 
-void TClipboard::Open() { ++FOpenCount; }
+void TClipboard::Open() {
+    // What was read before the bracket may have been replaced since.
+    if (FOpenCount++ == 0) FreeHandles();
+}
 
 void TClipboard::Close() {
     if (FOpenCount == 0 || --FOpenCount > 0) return;

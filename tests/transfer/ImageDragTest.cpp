@@ -1,0 +1,74 @@
+#include "tests/support/QtTest.h"
+#include "tests/transfer/TransferTestTools.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+using namespace quill;
+using namespace quill::testing;
+
+namespace {
+
+void Settle() {
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+TEST(DragImageList, FollowsTheProtocol) {
+    TCustomControl First(nullptr);
+    TCustomControl Second(nullptr);
+    First.SetBounds(100, 100, 200, 100);
+    Second.SetBounds(400, 100, 200, 100);
+    TNVDragImageList List(nullptr, 20, 10);
+    EXPECT_EQ(List.GetDragCursor(), crNone);
+    EXPECT_FALSE(List.SetDragImage(0, 1, 1) || List.BeginDrag(&First, 0, 0, 0, 0) || List.DragMove(1, 1) ||
+                 List.DragLock(&First, 1, 1) || List.EndDrag());
+    List.SetDragCursor(crDrag);
+    EXPECT_FALSE(List.EndDrag());
+    EXPECT_EQ(List.GetDragCursor(), crDrag);
+    List.SetDragCursor(crNone);
+    List.Add(RedBitmap(20, 10));
+
+    EXPECT_TRUE(List.BeginDrag(&First, 10, 10, 3, 4));
+    EXPECT_TRUE(List.GetDragging());
+    EXPECT_EQ(List.GetHotSpot(), (TPoint{3, 4}));
+    EXPECT_FALSE(List.DragLock(&First, 50, 50)); // entered already
+    Settle();
+    EXPECT_TRUE(IsDragImageVisible());
+    EXPECT_EQ(GetDragImagePosition(), First.ClientToScreen({10, 10}));
+    EXPECT_TRUE(List.DragMove(30, 20));
+    EXPECT_EQ(GetDragImagePosition(), First.ClientToScreen({30, 20}));
+    List.HideDragImage();
+    Settle();
+    EXPECT_FALSE(IsDragImageVisible());
+    List.ShowDragImage();
+    List.SetDragCursor(crArrow); // combined at once
+    EXPECT_TRUE(List.DragLock(&Second, 5, 5));
+    Settle();
+    EXPECT_TRUE(IsDragImageVisible());
+    EXPECT_EQ(GetDragImagePosition(), Second.ClientToScreen({5, 5}));
+    List.DragUnlock();
+    Settle();
+    EXPECT_FALSE(IsDragImageVisible());
+    EXPECT_TRUE(List.EndDrag());
+    EXPECT_EQ(List.GetDragCursor(), crNone);
+    EXPECT_FALSE(List.EndDrag());
+}
+
+TEST(DragImageList, OutlivesItsWindowAndEndsWithTheList) {
+    auto Window = std::make_unique<TCustomControl>(nullptr);
+    auto List = std::make_unique<TNVDragImageList>(nullptr, 8, 8);
+    List->Add(RedBitmap(8, 8));
+    EXPECT_TRUE(List->BeginDrag(Window.get(), 0, 0, 0, 0));
+    Settle();
+    Window.reset();
+    Settle();
+    EXPECT_EQ(List->GetLockWindow(), nullptr);
+    EXPECT_FALSE(IsDragImageVisible());
+    EXPECT_TRUE(List->DragMove(3, 3));
+    List.reset();
+    EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
+}
+
+} // namespace
