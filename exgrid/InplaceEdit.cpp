@@ -29,6 +29,7 @@ TInplaceEdit::TInplaceEdit(TComponent* AOwner) : TCustomEdit(AOwner) {
     SetBorderStyle(bsNone);
     SetTabStop(false);
     SetLineTabStop(false);
+    SetOutlined(true);
 }
 
 TInplaceEdit::~TInplaceEdit() {
@@ -87,7 +88,10 @@ void TInplaceEdit::UpdateContents() {
     if (!Alive()) return;
     const int Limit = FGrid->GetEditLimit();
     if (!Alive()) return;
-    SetAlignment(FGrid->GetColAlignMent(FGrid->GetCol()));
+    TAlignment Alignment = FGrid->GetColAlignMent(FGrid->GetCol());
+    if (FGrid->UseRightToLeftAlignment() && Alignment != taCenter)
+        Alignment = Alignment == taLeftJustify ? taRightJustify : taLeftJustify;
+    SetAlignment(Alignment);
     SetEditMask(Mask);
     SetText(Text);
     SetMaxLength(Limit);

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <qdrawutil.h>
 #include <QDropEvent>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
@@ -15,6 +16,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QStyle>
 #include <QValidator>
 
@@ -105,6 +107,12 @@ public:
     }
 
 protected:
+    void paintEvent(QPaintEvent* Event) override {
+        QLineEdit::paintEvent(Event);
+        if (!Edit || !Edit->FOutlined) return;
+        QPainter Painter(this);
+        qDrawPlainRect(&Painter, rect(), palette().color(QPalette::Highlight), 1);
+    }
     bool event(QEvent* Event) override {
         if (!Edit) return QLineEdit::event(Event);
         const TControlGuard Guard(Edit);
@@ -294,7 +302,13 @@ void TCustomEdit::SetAlignment(TAlignment Value) {
     const Qt::Alignment Horizontal = Value == taRightJustify ? Qt::AlignRight
                                      : Value == taCenter     ? Qt::AlignHCenter
                                                              : Qt::AlignLeft;
-    FLine->setAlignment(Horizontal | Qt::AlignVCenter);
+    FLine->setAlignment(Horizontal | Qt::AlignAbsolute | Qt::AlignVCenter);
+}
+
+void TCustomEdit::SetOutlined(bool Value) {
+    if (Value == FOutlined) return;
+    FOutlined = Value;
+    FLine->update();
 }
 
 // --- changes ------------------------------------------------------------------------------------------------------

@@ -46,8 +46,13 @@ public:
     // Where the user can enter what, in the platform's syntax for input masks; empty for no mask. A text that does not
     // fit the mask is edited without it.
     void SetEditMask(const std::string& Value);
+    // Sides as they are named, whatever the direction of control and text.
     TAlignment GetAlignment() const { return FAlignment; }
     void SetAlignment(TAlignment Value);
+
+    // Whether a line in the colour of selections runs around the text, for an edit that lies among other texts.
+    bool GetOutlined() const { return FOutlined; }
+    void SetOutlined(bool Value);
 
     // Whether the user may change the text now; asked before each change.
     virtual bool EditCanModify() { return true; }
@@ -104,6 +109,7 @@ private:
     int FMaxLength = 0;
     int FDispatching = 0; // events that the line is handling
     TAlignment FAlignment = taLeftJustify;
+    bool FOutlined = false;
     bool FModifying = false; // the text may change now
 };
 

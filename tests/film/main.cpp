@@ -1,7 +1,8 @@
-// Films the outliner while the mouse sizes and moves a column and draws a range past the edge of the window: real mouse
-// events, a frame after each step, all frames in one picture. Made for looking at; scripts/screenshots runs it.
+// Films the outliner at work: real mouse and key events, a frame after each step, all frames in one picture. Made for
+// looking at; scripts/screenshots runs it. The scenes: "mouse" sizes and moves a column and draws a range past the edge
+// of the window, "editing" edits texts in place.
 //
-//   quill_film --screenshot PICTURE [--dark] [--rtl] [--size WxH] OUTLINE
+//   quill_film --scene SCENE --screenshot PICTURE [--dark] [--rtl] [--size WxH] OUTLINE
 #include "examples/common/Look.h"
 #include "examples/common/ProgramOptions.h"
 #include "examples/outliner/OutlinerWindow.h"
@@ -48,6 +49,10 @@ public:
         FMouse = Pos;
         QCursor::setPos(FTree.viewport()->mapToGlobal(Pos));
         QTest::mouseMove(FWindow.windowHandle(), InWindow());
+    }
+    void Key(Qt::Key Key) { QTest::keyClick(FWindow.windowHandle(), Key); }
+    void Type(const char* Text) {
+        for (; *Text; ++Text) QTest::keyClick(FWindow.windowHandle(), *Text);
     }
     void Release() { QTest::mouseRelease(FWindow.windowHandle(), Qt::LeftButton, {}, InWindow()); }
     void DoubleClick() { QTest::mouseDClick(FWindow.windowHandle(), Qt::LeftButton, {}, InWindow()); }
@@ -103,7 +108,7 @@ private:
     QPoint FMouse;
 };
 
-void Play(TFilm& Film, TOutlineTree& Tree) {
+void PlayMouse(TFilm& Film, TOutlineTree& Tree) {
     Film.MoveTo(Film.BorderOf(0));
     Film.Frame("1  Over the border of a caption");
     Film.Press(Film.BorderOf(0));
@@ -133,6 +138,29 @@ void Play(TFilm& Film, TOutlineTree& Tree) {
     Film.Release();
 }
 
+void PlayEditing(TFilm& Film, TOutlineTree& Tree) {
+    for (int I = 0; I < 2; ++I) Film.Key(Qt::Key_Down);
+    Film.MoveTo(Film.InRow(9));
+    Film.Key(Qt::Key_F2);
+    Film.Frame("1  F2: the editor, all selected");
+    Film.Key(Qt::Key_End);
+    Film.Type(", typed now");
+    Film.Frame("2  Typed");
+    Film.Key(Qt::Key_Return);
+    Film.Frame("3  Enter stores");
+    for (const Qt::Key Key :
+         {Qt::Key_Down, Qt::Key_Down, Tree.UseRightToLeftAlignment() ? Qt::Key_Left : Qt::Key_Right})
+        Film.Key(Key);
+    Film.Type("abc");
+    Film.Frame("4  Typing opens the editor of a cell");
+    Film.Key(Qt::Key_Down);
+    Film.Frame("5  Down stores and goes on");
+    Film.Key(Qt::Key_Home);
+    Film.Key(Qt::Key_F2);
+    Film.Key(Qt::Key_F2);
+    Film.Frame("6  F2 again: nothing selected");
+}
+
 } // namespace
 
 int main(int Count, char** Values) {
@@ -140,6 +168,7 @@ int main(int Count, char** Values) {
     QApplication Program(Count, Values);
     QCommandLineParser Parser;
     AddCommonOptions(Parser);
+    Parser.addOption({"scene", "What to film: mouse or editing.", "SCENE", "mouse"});
     Parser.addPositionalArgument("FILE", "The outline to open.");
     Parser.process(Program);
     const TProgramOptions Options = ReadCommonOptions(Parser);
@@ -155,7 +184,7 @@ int main(int Count, char** Values) {
         Window.show();
         QTest::qWait(50);
         TFilm Film(Window);
-        Play(Film, Tree);
+        Parser.value("scene") == "editing" ? PlayEditing(Film, Tree) : PlayMouse(Film, Tree);
         Film.Strip().save(QString::fromStdString(Options.Screenshot));
     } catch (const Exception& Error) {
         return ReportError(Error.GetMessage());
