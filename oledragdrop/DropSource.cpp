@@ -77,6 +77,7 @@ void TOLEDropSource::AddFormatEtc(std::uint16_t Format, PDVTargetDevice TargetDe
 
 TDragResult TOLEDropSource::Execute(HWND Window) {
     const TComponentGuard Self(this);
+    const TComponentGuard WindowGuard(Window);
     std::uint32_t Allowed = EffectsOf(FDragTypes);
     FLastEffect = DROPEFFECT_NONE;
     if (FShowImage && FImages && Window) {
@@ -98,6 +99,9 @@ TDragResult TOLEDropSource::Execute(HWND Window) {
     if (Self.IsGone()) return drUnknown;
     Allowed = static_cast<std::uint32_t>(AllowedByHandler);
     std::uint32_t Effect = DROPEFFECT_NONE;
+    // The drag takes the mouse: the window will not see the end of its press.
+    if (Window && !WindowGuard.IsGone()) Window->Perform(WM_CANCELMODE, 0, 0);
+    if (Self.IsGone()) return drUnknown;
     const HResult Code = DoDragDrop(this, this, Allowed, Effect);
     if (Self.IsGone()) return drUnknown;
     CompleteDrag(Code);

@@ -97,6 +97,11 @@ void TOutlineTree::Change(TFlyNode* Node) {
     TQuillTree::Change(Node);
 }
 
+void TOutlineTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) {
+    Invalidate(); // a release takes marks away
+    TQuillTree::MouseUp(Button, Shift, X, Y);
+}
+
 // --- editing ---------------------------------------------------------------------------------------------------
 
 // An editor that closes stores its text whether it was changed or not.

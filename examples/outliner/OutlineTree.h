@@ -59,6 +59,7 @@ public:
     TFlyNode* CreateNode(TTreeCollection* Owner) override;
     void Delete(TFlyNode* Node) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
+    void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
 
 Q_SIGNALS:
     // The user ticked a node.

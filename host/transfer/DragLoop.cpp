@@ -61,7 +61,7 @@ private:
     void ShowCursor(bool Own);
     // Ends the drag with an answer other than "go on".
     void End(HResult Answer, QObject* Window);
-    void WaitForPeer(QEventLoop& Loop);
+    void WaitForPeer(TXdndResult& Result);
 
     TInterfaceRef<IDropSource> FSource;
     QPointer<QDrag> FDrag;
@@ -161,13 +161,17 @@ bool TDragLoop::eventFilter(QObject* Watched, QEvent* Event) {
     }
 }
 
-// Data are on their way to another program: until it has said what it did with them.
-void TDragLoop::WaitForPeer(QEventLoop& Loop) {
+// Data are on their way to another program: until it has said what it did with them, or Qt has given it up.
+void TDragLoop::WaitForPeer(TXdndResult& Result) {
+    if (Result.GetEffect()) return;
+    QEventLoop Loop;
+    Result.OnResult = [&Loop] { Loop.quit(); };
     connect(FDrag, &QObject::destroyed, &Loop, &QEventLoop::quit);
     connect(&FPatience, &QTimer::timeout, &Loop, &QEventLoop::quit);
     FPatience.start(DropPatience);
     Loop.exec(QEventLoop::ExcludeUserInputEvents);
     FPatience.stop();
+    Result.OnResult = nullptr;
 }
 
 HResult TDragLoop::Run(IDataObject* Data, std::uint32_t OKEffects, std::uint32_t& Effect) {
@@ -218,10 +222,7 @@ HResult TDragLoop::Run(IDataObject* Data, std::uint32_t OKEffects, std::uint32_t
     if (FOutcome == DRAGDROP_S_CANCEL) Effect = DROPEFFECT_NONE;
 
     if (Effect && FDrag && !FDrag->target() && TXdndResult::IsUseful()) {
-        if (!PeerResult.GetEffect()) {
-            QEventLoop Loop;
-            WaitForPeer(Loop);
-        }
+        WaitForPeer(PeerResult);
         // A move that nobody confirmed must not cost the source its data.
         Effect = PeerResult.GetEffect().value_or(DROPEFFECT_NONE) & OKEffects;
     }

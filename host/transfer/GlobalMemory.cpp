@@ -50,7 +50,7 @@ TTable& Table() {
 } // namespace
 
 HGLOBAL GlobalAlloc(unsigned, std::size_t Bytes) {
-    if (Bytes > SIZE_MAX / 2) return 0;
+    if (Bytes > LargestBlock) return 0;
     std::unique_ptr<char, TFree> Memory(static_cast<char*>(std::calloc(Bytes + TerminatorRoom, 1)));
     if (!Memory) return 0;
     return Table().Add(TBlock{std::move(Memory), Bytes});

@@ -17,11 +17,12 @@ inline constexpr unsigned GMEM_MOVEABLE = 0x0002;
 inline constexpr unsigned GMEM_ZEROINIT = 0x0040;
 inline constexpr unsigned GMEM_SHARE = 0x2000;
 
-// A block of Bytes bytes, 0 when there is no memory for it. Blocks are zeroed whatever Flags say, and followed by
+// A block of Bytes bytes, 0 when there is no memory for it or it would be above LargestBlock. Blocks are zeroed whatever Flags say, and followed by
 // TerminatorRoom zero bytes that are not part of them: a text in a block of exactly its length has its terminating
 // NUL there.
 HGLOBAL GlobalAlloc(unsigned Flags, std::size_t Bytes);
 inline constexpr std::size_t TerminatorRoom = 4;
+inline constexpr std::size_t LargestBlock = 0x7FFFFFFF;
 // Null for a number that is no memory block, pictures included. Blocks do not move; locking is counted for
 // GlobalUnlock's answer alone, which tells whether the block is still locked.
 void* GlobalLock(HGLOBAL Block);

@@ -69,7 +69,15 @@ private:
         FORMATETC Request;
         Request.cfFormat = Format;
         Request.tymed = TYMED_HGLOBAL | TYMED_GDI;
-        return Succeeded(Object->GetData(Request, Medium)) && Medium.hGlobal != 0;
+        // Called from the middle of Qt's work for another program, which no exception may cross.
+        try {
+            return Succeeded(Object->GetData(Request, Medium)) && Medium.hGlobal != 0;
+        } catch (const std::exception& Error) {
+            qWarning("A source of data failed: %s", Error.what());
+        } catch (...) {
+            qWarning("A source of data failed");
+        }
+        return false;
     }
 
     void Offer(const QString& Type, std::uint16_t Format) const {

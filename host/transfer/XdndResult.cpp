@@ -81,6 +81,7 @@ bool TXdndResult::nativeEventFilter(const QByteArray& Type, void* Message, qintp
     if (IsAccepted && Action == FCopy) FEffect = DROPEFFECT_COPY;
     if (IsAccepted && Action == FMove) FEffect = DROPEFFECT_MOVE;
     if (IsAccepted && Action == FLink) FEffect = DROPEFFECT_LINK;
+    if (OnResult) OnResult();
     return false;
 }
 

@@ -6,6 +6,7 @@
 #include <QByteArray>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 namespace quill {
@@ -20,6 +21,8 @@ public:
     static bool IsUseful();
     // DROPEFFECT_ number, nothing before the message has come.
     std::optional<std::uint32_t> GetEffect() const { return FEffect; }
+    // Called when the message has come.
+    std::function<void()> OnResult;
 
     bool nativeEventFilter(const QByteArray& Type, void* Message, qintptr* Result) override;
 

@@ -366,7 +366,25 @@ bool TCustomControl::focusNextPrevChild(bool Next) {
     if (!FImpl->DestructionBegun &&
         FImpl->WantsSpecialKey(VK_TAB, Next ? TShiftState{} : TShiftState{ssShift}))
         return false;
-    return QAbstractScrollArea::focusNextPrevChild(Next);
+    // A child that Tab does not reach (an editor) is a part of us: from it the focus goes to our neighbours. It was made
+    // later than they, and we would hand the focus to it again.
+    const QWidget* const Inside = QApplication::focusWidget();
+    if (!Inside || Inside == this || !isAncestorOf(Inside) ||
+        (Inside->focusPolicy() & Qt::TabFocus) == Qt::TabFocus)
+        return QAbstractScrollArea::focusNextPrevChild(Next);
+    for (QWidget* Outer = parentWidget(); !FTabStop && Outer; Outer = Outer->parentWidget()) {
+        if (auto* Control = dynamic_cast<TCustomControl*>(Outer)) return Control->focusNextPrevChild(Next);
+    }
+    const auto Step = [Next](const QWidget* W) {
+        return Next ? W->nextInFocusChain() : W->previousInFocusChain();
+    };
+    for (QWidget* Other = Step(this); Other != this; Other = Step(Other)) {
+        const bool TakesTab = (Other->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && Other->isEnabled();
+        if (!TakesTab || !Other->isVisible() || Other->window() != window() || isAncestorOf(Other)) continue;
+        Other->setFocus(Next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        return true;
+    }
+    return false;
 }
 
 // --- focus --------------------------------------------------------------------------------------------------------

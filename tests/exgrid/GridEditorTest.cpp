@@ -535,6 +535,27 @@ TEST(GridEditor, MenuOffersTheCommandsOfTheMoment) {
     Opened->close();
 }
 
+TEST(GridEditor, TabLeavesAnEditorThatIsAlwaysShown) {
+    QWidget Form;
+    QLineEdit Before(&Form);
+    TEditGrid Grid(TGridOptions{goAlwaysShowEditor});
+    Grid.setParent(&Form);
+    QLineEdit After(&Form);
+    Form.show();
+    Grid.show();
+    Form.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Form));
+    for (QWidget* Neighbour : {&Before, &After}) {
+        Grid.SetFocus();
+        ASSERT_TRUE(Grid.GetInplaceEditor()->Focused());
+        QTest::keyClick(Form.windowHandle(), Neighbour == &Before ? Qt::Key_Backtab : Qt::Key_Tab);
+        EXPECT_TRUE(Neighbour->hasFocus());
+    }
+    QTest::keyClick(Form.windowHandle(), Qt::Key_Backtab);
+    EXPECT_TRUE(Grid.ContainsFocus());
+    Grid.setParent(nullptr);
+}
+
 TEST(GridEditor, WheelAndDoubleClickGoToTheGrid) {
     TEditGrid Grid;
     Grid.SetClientSize(400, 72);

@@ -114,6 +114,7 @@ TEST_F(DragLoop, DropsEscapesAndRefusals) {
     const auto Release = [](T& D) { D.Release(); };
     EXPECT_EQ(Drag({Over, Over, Release}), drDropCopy);
     EXPECT_EQ(Take(), "effect(0) effect(1) release drop(data,1) ");
+    EXPECT_FALSE(Control.GetMouseCapture());
     const auto Shift = [](T& D) { D.Move(260, Qt::ShiftModifier); };
     EXPECT_EQ(Drag({Over, Shift, [](T& D) { D.Release(Qt::LeftButton, Qt::ShiftModifier); }}), drDropMove);
     EXPECT_EQ(Take(), "effect(0) effect(1) effect(2) release drop(data,2) ");
@@ -133,6 +134,10 @@ TEST_F(DragLoop, DropsEscapesAndRefusals) {
                     Over, Release}),
               drDropCopy);
     Take();
+    Source->SetDragTypes({});
+    EXPECT_EQ(Drag({Over, Release}), drCancel);
+    EXPECT_EQ(Take(), "effect(0) leave ");
+    Source->SetDragTypes({dtCopy});
     Source->OnDrop = [](TObject*, TDragType, bool& ContinueDrop) { ContinueDrop = false; };
     EXPECT_EQ(Drag({Over, Release}), drCancel);
     EXPECT_EQ(Take(), "effect(0) effect(1) leave ");

@@ -97,7 +97,7 @@ TEST(GlobalMemory, HandlesAreNumbersThatCannotBeMistaken) {
     EXPECT_TRUE(GlobalFree(Block));
     EXPECT_FALSE(GlobalFree(Block));
     EXPECT_EQ(GlobalAlloc(0, SIZE_MAX), 0u);
-    EXPECT_EQ(GlobalAlloc(0, SIZE_MAX / 2), 0u);
+    EXPECT_EQ(GlobalAlloc(0, LargestBlock + 1), 0u);
     EXPECT_EQ(GetHandleCount(), Before);
 }
 

@@ -139,7 +139,10 @@ def quill_to_quill(kind, expected):
         target = desktop.start(peer, "target", 500, 300)
         desktop.drag(source.place(), target.place())
         must_be(target.expect("drop"), " 1" + expected, "dropped")
-        must_be(int(source.expect("done ").split()[0]), DROP_COPY, "result")
+        result, _, took, _ = source.expect("done ").split()
+        must_be(int(result), DROP_COPY, "result")
+        if int(took) > 2500:
+            raise Failure(f"waited {took} ms")
     return run
 
 
