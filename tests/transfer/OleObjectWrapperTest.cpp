@@ -130,6 +130,15 @@ TEST(OleObjectWrapper, SurvivesSourcesThatLie) {
     EXPECT_EQ(GetHandleCount(), Before);
 }
 
+TEST(Mime, WhatASourceRaisesIsNoData) {
+    const TExpectQtWarning Warning("A source of data failed: trouble");
+    TOLEDropSource Source;
+    Source.GetDataWrapper()->SetString("text");
+    Source.OnSetData = [](NV_IDataObject*, int) { throw Exception("trouble"); };
+    const std::unique_ptr<QMimeData> Mime(NewMimeData(&Source));
+    EXPECT_EQ(Mime->formats().join(' ').toStdString(), "text/plain text/plain;charset=utf-8");
+}
+
 TEST(Mime, EveryKindOfDataArrivesAsItWas) {
     const std::uint16_t Private = RegisterClipboardFormatA("Private Test");
     const std::string Odd = "a\0\xFF\n"s;
