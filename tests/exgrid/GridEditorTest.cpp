@@ -42,8 +42,9 @@ public:
     char32_t Refused = 0;
     int Limit = 0;
     std::string GetEditText(int Col, int Row) override {
+        const TControlGuard Guard(this);
         const std::string FromEvent = TTestGrid::GetEditText(Col, Row);
-        return FromEvent.empty() ? Cells[{Col, Row}] : FromEvent;
+        return FromEvent.empty() && Guard ? Cells[{Col, Row}] : FromEvent;
     }
     void SetEditText(int Col, int Row, const std::string& Value) override {
         Cells[{Col, Row}] = Value;
