@@ -22,11 +22,11 @@ std::string NameOf(const TWinControl* Control) {
 TOLEDropTarget::TOLEDropTarget(TComponent* AOwner)
     : TInterfacedComponent(AOwner),
       FCursorImages(std::make_unique<TImageList>(nullptr, CursorSide, CursorSide)) {
-    TBitmap Blank;
-    Blank.SetSize(CursorSide, CursorSide);
-    Blank.GetCanvas()->GetBrush()->SetColor(clWindow);
-    Blank.GetCanvas()->FillRect({0, 0, CursorSide - 1, CursorSide - 1});
-    FCursorImages->AddMasked(Blank, ColorToRGB(clWindow));
+    // The fill ends a pixel before the edges; what it leaves is transparent already.
+    const std::unique_ptr<TBitmap> Blank = TBitmap::CreateTransparent(CursorSide, CursorSide);
+    Blank->GetCanvas()->GetBrush()->SetColor(clWindow);
+    Blank->GetCanvas()->FillRect({0, 0, CursorSide - 1, CursorSide - 1});
+    FCursorImages->AddMasked(*Blank, ColorToRGB(clWindow));
     _AddRef(); // those of the platform never free it
 }
 

@@ -114,7 +114,10 @@ private:
         const TComponentGuard Self(this);
         const auto Floor = [](double Value) { return static_cast<int>(std::floor(Value)); };
         const TPoint Client{Floor(Event.position().x()), Floor(Event.position().y())};
-        const TStep Step{ShiftStateToKeys(ShiftFromQt(Event.modifiers(), Event.buttons())),
+        // Another program's drop does not tell its modifiers, and by the time that it gets here those that are held
+        // may be others: it is done as the last move has shown it.
+        if (Event.type() != QEvent::Drop || Event.source()) FModifiers = Event.modifiers();
+        const TStep Step{ShiftStateToKeys(ShiftFromQt(FModifiers, Event.buttons())),
                          FControl->ClientToScreen(Client)};
         const auto Possible = static_cast<std::uint32_t>(Event.possibleActions().toInt()) & AllEffects;
         std::uint32_t Effect = Possible;
@@ -141,6 +144,7 @@ private:
     TCustomControl* FControl;
     TInterfaceRef<IDropTarget> FTarget;
     TInterfaceRef<IDataObject> FData; // from enter to leave or drop
+    Qt::KeyboardModifiers FModifiers;
     int FCalls = 0;
 };
 

@@ -37,11 +37,12 @@ public:
         FPicture = Picture;
         setFixedSize(Size);
         // Without a compositor what is transparent would be black.
-        const QImage Scaled = Picture.scaled(Size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-        if (Scaled.hasAlphaChannel())
-            setMask(QBitmap::fromImage(Scaled.createAlphaMask(Qt::ThresholdDither)));
-        else
+        if (Picture.hasAlphaChannel() && QGuiApplication::platformName() == QStringLiteral("xcb")) {
+            const QImage Scaled = Picture.scaled(Size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+            setMask(QBitmap::fromImage(Scaled.createMaskFromColor(0, Qt::MaskInColor)));
+        } else if (!mask().isEmpty()) {
             clearMask();
+        }
         update();
     }
 
@@ -98,6 +99,11 @@ QImage Compose(const TDrag& D, double Scale) {
     return Result;
 }
 
+void ShowPicture(TDrag& D) {
+    D.Overlay->SetPicture(Compose(D, qApp->devicePixelRatio()),
+                          QSize(D.Picture.GetWidth(), D.Picture.GetHeight()));
+}
+
 void Refresh() {
     auto& D = Drag();
     if (!D || !qApp) return;
@@ -107,8 +113,7 @@ void Refresh() {
     }
     if (!D->Overlay) {
         D->Overlay = std::make_unique<TOverlay>();
-        D->Overlay->SetPicture(Compose(*D, qApp->devicePixelRatio()),
-                               QSize(D->Picture.GetWidth(), D->Picture.GetHeight()));
+        ShowPicture(*D);
     }
     D->Overlay->move(D->Screen.X - D->HotSpot.X, D->Screen.Y - D->HotSpot.Y);
     if (!D->Overlay->isVisible()) D->Overlay->show();
@@ -192,9 +197,7 @@ bool ImageList_SetDragCursorImage(const TCustomImageList& List, int Index, int H
     if (!D) return false;
     const bool IsThere = List.GetBitmap(Index, D->Cursor);
     D->CursorHotSpot = {HotSpotX, HotSpotY};
-    // The overlay is made again with the new picture.
-    D->Overlay = nullptr;
-    RefreshSoon();
+    if (D->Overlay) ShowPicture(*D);
     return IsThere;
 }
 

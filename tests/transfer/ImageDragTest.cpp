@@ -1,7 +1,7 @@
 #include "tests/support/QtTest.h"
 #include "tests/transfer/TransferTestTools.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <gtest/gtest.h>
 
@@ -54,6 +54,30 @@ TEST(DragImageList, FollowsTheProtocol) {
     EXPECT_TRUE(List.EndDrag());
     EXPECT_EQ(List.GetDragCursor(), crNone);
     EXPECT_FALSE(List.EndDrag());
+}
+
+// What a target puts in the place of the cursor hides nothing of the picture.
+TEST(DragImageList, BlankCursorOfATargetIsTransparent) {
+    TCustomControl Control(nullptr);
+    TOLEDropTarget Target;
+    Target.Register(&Control);
+    TNVDragImageList List(nullptr, 40, 40);
+    List.Add(RedBitmap(40, 40));
+    List.SetDragImage(0, 0, 0);
+    auto* const Data = new TTestData({{CF_TEXT, "x"}});
+    const TInterfaceRef<IDataObject> Keep(Data);
+    std::uint32_t Effect = 7;
+    Target.DragEnter(Data, 0, {5, 5}, Effect);
+    Settle();
+    QWidget* Overlay = nullptr;
+    for (QWidget* Widget : QApplication::topLevelWidgets())
+        if (Widget->isVisible() && Widget->size() == QSize(40, 40)) Overlay = Widget;
+    ASSERT_NE(Overlay, nullptr);
+    const QImage Shown = Overlay->grab().toImage();
+    for (int I = 0; I < 40; ++I) EXPECT_EQ(Shown.pixel(I, 31), 0xFFFF0000) << I;
+    Target.DragLeave();
+    Settle();
+    EXPECT_FALSE(IsDragImageVisible());
 }
 
 TEST(DragImageList, OutlivesItsWindowAndEndsWithTheList) {

@@ -143,7 +143,10 @@ int main(int argc, char** argv) {
     if (argc < 4 + Shift) return EXIT_FAILURE;
     TWindow Window(std::atoi(argv[2 + Shift]), std::atoi(argv[3 + Shift]));
     TNVDragImageList Images(nullptr, 60, 40);
-    Images.Add(RedBitmap(60, 40));
+    TBitmap Picture = RedBitmap(60, 40);
+    Picture.GetCanvas()->GetBrush()->SetColor(clBlue);
+    Picture.GetCanvas()->FillRect({20, 10, 40, 30});
+    Images.AddMasked(Picture, clBlue);
     TTarget Target;
     if (Mode == "source") {
         Source.SetImages(&Images);
