@@ -343,6 +343,8 @@ public:
     int GetDragOldExtent() const;
     // Ends sizing or moving and takes it back, as Esc does.
     virtual void CancelDrag();
+    // Ends whatever the mouse is doing; nothing is taken back, and nobody is told.
+    void LeaveMode();
     // A fixed cell was pressed and released, and neither sized nor moved.
     virtual void FixedCellClick(int ACol, int ARow);
     // Whether the left button is held and draws a range, sizes, moves or presses a fixed cell. Other buttons and their
@@ -491,7 +493,6 @@ private:
     void InvalidateDrag();
     void DrawDrag();
     void DropDrag(const TPoint& Pos);
-    void LeaveMode();
     void CancelMode();
     void DrawFocus(TCanvas& ACanvas);
     int GetPaintShift(const TExGridDI& DI);

@@ -110,7 +110,7 @@ void TCustomExGrid::WMMouseMove(TWMMouse& Message) {
     FHitTest = {Message.XPos, Message.YPos};
     const TControlGuard Guard(this);
     TCustomControl::WMMouseMove(Message);
-    if (!Guard || !IsPressing()) return;
+    if (!Guard || !IsPressing() || IsDragSource()) return;
     if (!Message.Shift.Contains(ssLeft)) {
         CancelMode(); // the release went elsewhere
         return;

@@ -3,6 +3,7 @@
 #include "host/base/Events.h"
 #include "host/windows/Application.h"
 #include "htmldraw/NVHTMLHintWindow.h"
+#include "oledragdrop/OLEDragDrop.h"
 
 #include <algorithm>
 #include <typeinfo>
@@ -14,6 +15,8 @@ namespace {
 // A new tree has this size until a layout or a form gives it another one.
 constexpr int InitialWidth = 121;
 constexpr int InitialHeight = 97;
+// Of the drag image list, until there is a picture.
+constexpr int DragImageSize = 32;
 
 } // namespace
 
@@ -28,6 +31,7 @@ TCustomQuillTree::TCustomQuillTree(TComponent* AOwner, QWidget* AParent)
     FItems->Add(nullptr, "TFlyNode");
     FImageChangeLink.OnChange = [this](TObject* Sender) { ImageListChange(Sender); };
     InitGlyphs();
+    FDragImages = std::make_unique<TNVDragImageList>(nullptr, DragImageSize, DragImageSize);
     InitColumnsMap();
 }
 
@@ -35,6 +39,8 @@ TCustomQuillTree::~TCustomQuillTree() {
     BeginDestruction();
     StopToolTipTimer();
     FHintWindow.reset();
+    FDropSource.reset();
+    FOleDropTarget.reset();
     if (FImages) FImages->UnRegisterChanges(&FImageChangeLink);
     // The container still asks this object things while it goes.
     FItems->RowList.Clear();
@@ -231,11 +237,6 @@ void TCustomQuillTree::ForgetSelectionNodes() {
 }
 
 void TCustomQuillTree::NodeMaterialised(TFlyNode* Node) { FireEvent(OnMaterialise, this, Node); }
-
-void TCustomQuillTree::SetDropTarget(TFlyNode* Node) {
-    FDropTargetNode = Node;
-    SetDropTargetRow(Node ? Node->GetRow() : -1);
-}
 
 bool TCustomQuillTree::StoresPlainTexts() const {
     const std::type_info& Class = typeid(*this);

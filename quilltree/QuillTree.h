@@ -10,6 +10,7 @@
 
 #include "exgrid/ExGrid.h"
 #include "host/graphics/ImageLists.h"
+#include "oledragdrop/OLEDragDrop.h"
 #include "quilltree/FlyNode.h"
 #include "quilltree/FlyNodes.h"
 #include "quilltree/NodeHost.h"
@@ -17,6 +18,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -154,6 +156,45 @@ public:
     void StoreEdit(int ACol, int ARow, const std::string& Text) override;
     void WndProc(TMessage& Message) override;
 
+    // --- dragging nodes ---------------------------------------------------------------------------------------
+    // dtStandard: nodes are dragged inside the program (OnDragOver, OnDragDrop) where goRowMoving lets rows be moved.
+    // dtOLE: they are dragged to any program as text, and the tree takes what others drag to it.
+    TNVDragType GetDragType() const { return FDragType; }
+    // Raises Exception when the tree's window has another drop target already.
+    void SetDragType(TNVDragType Value);
+    void UpdateDropTarget();
+    // Whether a row that was moved with the mouse takes the selected nodes along; otherwise OnRowMoved only tells.
+    bool GetAutoMove() const { return FAutoMove; }
+    void SetAutoMove(bool Value) { FAutoMove = Value; }
+    // The node that something is dragged over, and after a drop inside the program the one it fell on until the drag has
+    // ended. Null without a window.
+    TFlyNode* GetDropTarget();
+    void SetDropTarget(TFlyNode* Node) override;
+    // A line for each selected node: a space for each level, then the texts of the selected columns with a tab before each
+    // but column 0, CR LF.
+    std::string GetDragText();
+    TCustomImageList* GetDragImages() override;
+    // Puts a picture of the selected rows in view into ImageList; (X, Y) is where the mouse took Node, client pixels.
+    void PrepareDragImages(TFlyNode* Node, int X, int Y, TCustomImageList* ImageList);
+    // Drags with the mouse button that is held; returns after the drop.
+    void DoOleDrag(int X, int Y);
+    // The components of drags with other programs; descendants give theirs more formats.
+    virtual std::unique_ptr<TOLEDropSource> CreateDropSource();
+    virtual std::unique_ptr<TOLEDropTarget> CreateDropTarget();
+    virtual void OLEDragOver(TObject* Sender, NV_IDataObject* DataObject, TShiftState Shift, TPoint Pt,
+                             int& Effect);
+    virtual void OLEDragDrop(TObject* Sender, NV_IDataObject* DataObject, TShiftState Shift, TPoint Pt,
+                             int& Effect);
+    void DoDragOver(TDragObject* Source, int X, int Y, bool CanDrop);
+    void DoStartDrag(TDragObject*& DragObject) override;
+    void DoEndDrag(TObject* Target, int X, int Y) override;
+    void DragOver(TObject* Source, int X, int Y, TDragState State, bool& Accept) override;
+    void CMDrag(TCMDrag& Message) override;
+    bool BeginRowDrag(int& Origin, int& Destination, const TPoint& MousePt) override;
+    bool EndRowDrag(int& Origin, int& Destination, const TPoint& MousePt) override;
+    void RowMoved(int FromIndex, int ToIndex) override;
+    void CreateWindowHandle(const TCreateParams& Params) override;
+
     // --- clipboard --------------------------------------------------------------------------------------------
     // What cutting, copying and pasting nodes means is the program's business: these fire the events. They are reached
     // by WM_CUT, WM_COPY and WM_PASTE and by the platform's keys for them, never while the editor shows.
@@ -222,8 +263,9 @@ public:
     void CancelDrag() override;
     // Marks the nodes that came into the range, and no longer those that left it.
     void RangeDragged(const TGridRect& OldSel) override;
-    // Only reports: rows have the order of the nodes.
+    // Rows have the order of the nodes: RowMoved says what that means.
     void DropRow(int FromIndex, int ToIndex) override { RowMoved(FromIndex, ToIndex); }
+    void WMLButtonDown(TWMMouse& Message) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseMove(TShiftState Shift, int X, int Y) override;
@@ -375,6 +417,12 @@ public:
     TFTVExpandedEvent OnGetSelectedIndex;
     TFTVEditingEvent OnEditing;
     TFTVEditedEvent OnEdited;
+    TDropTargetEvent OnOLEDragOver;
+    TDropTargetEvent OnOLEDragDrop;
+    TFeedbackEvent OnOLEGiveFeedback;
+    TCompleteDragEvent OnOLECompleteDrag;
+    TStartDragEvent OnOLEStartDrag;
+    TSetDataEvent OnOLESetData;
     TNotifyEvent OnCutSelection;
     TNotifyEvent OnCopySelection;
     TNotifyEvent OnPasteSelection;
@@ -405,7 +453,6 @@ public:
     void ForgetNode(TFlyNode* Node) override;
     void ForgetSelectionNodes() override;
     void NodeMaterialised(TFlyNode* Node) override;
-    void SetDropTarget(TFlyNode* Node) override;
     // A descendant may override the reading and storing of cells.
     bool StoresPlainTexts() const override;
     int GetStructureDataColumn() const override { return GetColumnOrder(FStructureCol); }
@@ -461,6 +508,10 @@ private:
     void StoreNodeText(TFlyNode* Node, int DataCol, const std::string& Value);
     void FollowEdit();
     void SendClipboard(unsigned Msg);
+    void DetectDrag(int X, int Y);
+    void EndDropTarget();
+    void InvalidateDropRow(int Row);
+    void MoveSelectedTo(TFlyNode* Target);
     void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level, bool IsTopRow);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
     void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);
@@ -542,6 +593,11 @@ private:
     int FOutlineLeft = 0; // left edge of the structure cell being painted
     std::vector<TPoint> FDots;
 
+    std::unique_ptr<TNVDragImageList> FDragImages;
+    std::unique_ptr<TOLEDropSource> FDropSource; // during a drag with other programs
+    std::unique_ptr<TOLEDropTarget> FOleDropTarget;
+    std::optional<TPoint> FDragPoint; // where a press that may become a drag was
+    int FDraggedRow = -1;             // that the grid was about to move
     std::string FSearchText;
     std::uint32_t FSearchTick = 0;
     int FTrackedRow = -1;
@@ -602,6 +658,10 @@ private:
     TFocusMarks FFocusMarks = TFocusMarks::Keep;
     int FPhase = 0; // of the picture on the surface: OutlinePhase when it was painted
     bool FToggleSelection = false;
+    TNVDragType FDragType = dtStandard;
+    bool FAutoMove = false;
+    bool FDragPending = false; // a press that may become a drag inside the program
+    bool FDragging = false;
 };
 
 // The tree with its properties published for forms and designers.

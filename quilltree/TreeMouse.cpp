@@ -261,16 +261,11 @@ void TCustomQuillTree::MouseUp(TMouseButton Button, TShiftState Shift, int X, in
     }
 }
 
-// A click is reported after a small move, and after a double click, too.
-void TCustomQuillTree::WMLButtonUp(TWMMouse& Message) {
-    IncludeControlState(csClicked);
-    TCustomExGrid::WMLButtonUp(Message);
-}
-
 void TCustomQuillTree::MouseMove(TShiftState Shift, int X, int Y) {
     const TControlGuard Guard(this);
     TCustomExGrid::MouseMove(Shift, X, Y);
     if (Guard && FHotTrack) SetTrackedNode(MouseCoord(X, Y).Y);
+    if (Guard && Shift == TShiftState(ssLeft)) DetectDrag(X, Y);
 }
 
 void TCustomQuillTree::CMMouseLeave(TMessage& Message) {

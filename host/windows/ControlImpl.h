@@ -19,6 +19,11 @@ class QWheelEvent;
 
 namespace quill {
 
+// The platform's shape of a cursor number.
+Qt::CursorShape CursorShape(TCursor Cursor);
+// The control goes: a drag of it ends, one over it has no target.
+void ForgetDragOf(const TCustomControl* Control);
+
 struct TCustomControl::TImpl {
     explicit TImpl(TCustomControl& AControl) : Control(AControl) {}
 

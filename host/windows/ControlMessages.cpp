@@ -138,6 +138,12 @@ void TCustomControl::WndProc(TMessage& Message) {
     case WM_PASTE:
         WMPaste(Message);
         break;
+    case CM_DRAG: {
+        TCMDrag Typed{CM_DRAG, static_cast<TDragMessage>(Message.WParam),
+                      reinterpret_cast<TDragRec*>(Message.LParam)};
+        if (Typed.DragRec) Call(*this, &C::CMDrag, Message, Typed);
+        break;
+    }
     case CM_MOUSEENTER:
         CMMouseEnter(Message);
         break;
@@ -171,7 +177,10 @@ void TCustomControl::WMMouseMove(TWMMouse& Message) { MouseMove(Message.Shift, M
 void TCustomControl::WMLButtonDown(TWMMouse& Message) {
     if (FControlStyle.Contains(csCaptureMouse)) FMouseCapture = true;
     if (FControlStyle.Contains(csClickEvents)) FControlState.Include(csClicked);
+    const TControlGuard Guard(this);
     MouseDown(mbLeft, Message.Shift, Message.XPos, Message.YPos);
+    // A press is still a press: the drag begins when the mouse has moved on with it.
+    if (Guard && FDragMode == dmAutomatic && !HasState(csDesigning)) BeginDrag(false);
 }
 
 void TCustomControl::WMLButtonDblClk(TWMMouse& Message) {

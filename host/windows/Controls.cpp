@@ -20,7 +20,22 @@ namespace quill {
 
 namespace {
 
-Qt::CursorShape ToQt(TCursor Cursor) {
+// Children of a control (editors) inherit its font through Qt; the colour is the canvas's business.
+QFont ToQt(const TFont& Font, const QFont& Base) {
+    QFont Result = Base;
+    if (!Font.GetName().empty()) Result.setFamilies({QString::fromStdString(Font.GetName())});
+    if (Font.GetHeight() != 0) Result.setPixelSize(std::abs(Font.GetHeight()));
+    const TFontStyles Style = Font.GetStyle();
+    Result.setBold(Style.Contains(fsBold));
+    Result.setItalic(Style.Contains(fsItalic));
+    Result.setUnderline(Style.Contains(fsUnderline));
+    Result.setStrikeOut(Style.Contains(fsStrikeOut));
+    return Result;
+}
+
+} // namespace
+
+Qt::CursorShape CursorShape(TCursor Cursor) {
     switch (Cursor) {
     case crNone:
         return Qt::BlankCursor;
@@ -48,21 +63,6 @@ Qt::CursorShape ToQt(TCursor Cursor) {
         return Qt::ArrowCursor;
     }
 }
-
-// Children of a control (editors) inherit its font through Qt; the colour is the canvas's business.
-QFont ToQt(const TFont& Font, const QFont& Base) {
-    QFont Result = Base;
-    if (!Font.GetName().empty()) Result.setFamilies({QString::fromStdString(Font.GetName())});
-    if (Font.GetHeight() != 0) Result.setPixelSize(std::abs(Font.GetHeight()));
-    const TFontStyles Style = Font.GetStyle();
-    Result.setBold(Style.Contains(fsBold));
-    Result.setItalic(Style.Contains(fsItalic));
-    Result.setUnderline(Style.Contains(fsUnderline));
-    Result.setStrikeOut(Style.Contains(fsStrikeOut));
-    return Result;
-}
-
-} // namespace
 
 // --- life ---------------------------------------------------------------------------------------------------------
 
@@ -113,6 +113,7 @@ void TCustomControl::BeginDestruction() {
     FImpl->DestructionBegun = true;
     Destroying();
     TFocusTracker::Remove(this);
+    ForgetDragOf(this);
     if (FHandleAllocated) DestroyWnd();
     TPaintScheduler::Remove(this);
     FImpl->KillTimers();
@@ -426,7 +427,7 @@ void TCustomControl::ApplyCursor(TCursor Value) {
     if (Value == crDefault)
         viewport()->unsetCursor();
     else
-        viewport()->setCursor(ToQt(Value));
+        viewport()->setCursor(CursorShape(Value));
 }
 
 unsigned TCustomControl::DrawTextBiDiModeFlags(unsigned Flags) const {

@@ -15,6 +15,7 @@
 #include <memory>
 #include <string>
 
+class QCursor;
 class QScrollBar;
 
 namespace quill {
@@ -37,6 +38,8 @@ enum TScrollStyle { ssNone, ssHorizontal, ssVertical, ssBoth };
 // How scroll bars look: the platform's way; flat, and raised under the mouse; always flat.
 enum TScrollBarLook { sblRegular, sblEncarta, sblFlat };
 enum TDragMode { dmManual, dmAutomatic };
+enum TDragState { dsDragEnter, dsDragLeave, dsDragMove };
+enum TDragMessage { dmDragEnter, dmDragLeave, dmDragMove, dmDragDrop, dmDragCancel };
 enum TDragKind { dkDrag, dkDock };
 
 using TCursor = int;
@@ -77,6 +80,31 @@ using TMouseWheelEvent =
     std::function<void(TObject* Sender, TShiftState Shift, int WheelDelta, TPoint MousePos, bool& Handled)>;
 using TMouseWheelUpDownEvent =
     std::function<void(TObject* Sender, TShiftState Shift, TPoint MousePos, bool& Handled)>;
+
+class TCustomControl;
+class TCustomImageList;
+class TDragObject; // host/windows/Dragging.h
+
+// Dragging inside the program. DragObject may be set to an object of the program's own, which stays the program's.
+using TControlStartDragEvent = std::function<void(TObject* Sender, TDragObject*& DragObject)>;
+using TDragOverEvent =
+    std::function<void(TObject* Sender, TObject* Source, int X, int Y, TDragState State, bool& Accept)>;
+using TDragDropEvent = std::function<void(TObject* Sender, TObject* Source, int X, int Y)>;
+using TEndDragEvent = std::function<void(TObject* Sender, TObject* Target, int X, int Y)>;
+
+// CM_DRAG: WParam is the TDragMessage, LParam points to the record.
+struct TDragRec {
+    TPoint Pos; // screen coordinates
+    TObject* Source = nullptr;
+    TDragObject* Object = nullptr;
+    TCustomControl* Target = nullptr;
+};
+struct TCMDrag {
+    unsigned Msg = 0;
+    TDragMessage DragMessage = dmDragMove;
+    TDragRec* DragRec = nullptr;
+    std::intptr_t Result = 0; // whether a drop would be accepted
+};
 
 // Positions are client coordinates in device-independent pixels unless said otherwise. All protected operations of
 // the toolkit are public here, so that descendants and tests can call them through the base.
@@ -316,6 +344,27 @@ public:
     enum class TClipboardKey { Ignored, AfterMenus, BeforeMenus };
     virtual TClipboardKey GetClipboardKey(unsigned /*Msg*/) const { return TClipboardKey::Ignored; }
 
+    // --- dragging ---------------------------------------------------------------------------------------------
+    // Starts a drag with the mouse button that is held: at once, or when the mouse has gone Threshold pixels (the
+    // platform's distance for -1). OnStartDrag is called in any case. Nothing while another drag goes on.
+    void BeginDrag(bool Immediate, int Threshold = -1);
+    // Ends a drag of this control.
+    void EndDrag(bool Drop);
+    // Whether a drag of this control goes on.
+    bool IsDragSource() const;
+    TCursor GetDragCursor() const { return FDragCursor; }
+    void SetDragCursor(TCursor Value) { FDragCursor = Value; }
+    virtual void DoStartDrag(TDragObject*& DragObject);
+    // Target is the control of the drop, null when there was none; the point is in it, or else in this control.
+    virtual void DoEndDrag(TObject* Target, int X, int Y);
+    virtual void DragCanceled();
+    // Accepted is what a handler of OnDragOver accepts; without a handler nothing is.
+    virtual void DragOver(TObject* Source, int X, int Y, TDragState State, bool& Accept);
+    virtual void DragDrop(TObject* Source, int X, int Y);
+    // The picture of drags that start here; null for none.
+    virtual TCustomImageList* GetDragImages() { return nullptr; }
+    virtual void CMDrag(TCMDrag& Message);
+
     // --- input, after dispatch --------------------------------------------------------------------------------
     virtual void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y);
     virtual void MouseMove(TShiftState Shift, int X, int Y);
@@ -349,6 +398,10 @@ public:
     TKeyEvent OnKeyDown;
     TKeyEvent OnKeyUp;
     TKeyPressEvent OnKeyPress;
+    TControlStartDragEvent OnStartDrag;
+    TDragOverEvent OnDragOver;
+    TDragDropEvent OnDragDrop;
+    TEndDragEvent OnEndDrag;
 
     void Loaded() override;
 
@@ -395,6 +448,7 @@ private:
     TBiDiMode FBiDiMode = bdLeftToRight;
     TDragKind FDragKind = dkDrag;
     TDragMode FDragMode = dmManual;
+    TCursor FDragCursor = crDrag;
     TCursor FCursor = crDefault;
     TCursor FAppliedCursor = crDefault;
     std::uint64_t FPaintCount = 0;

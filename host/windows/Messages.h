@@ -59,6 +59,7 @@ inline constexpr unsigned CM_CTL3DCHANGED = 0xB010;
 inline constexpr unsigned CM_DESIGNHITTEST = 0xB01E;
 inline constexpr unsigned CM_WANTSPECIALKEY = 0xB006;
 inline constexpr unsigned CM_SHOWINGCHANGED = 0xB019;
+inline constexpr unsigned CM_DRAG = 0xB02F;
 inline constexpr unsigned CM_BORDERCHANGED = 0xB03B;
 inline constexpr unsigned CM_BIDIMODECHANGED = 0xB03C;
 

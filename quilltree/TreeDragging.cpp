@@ -1,0 +1,426 @@
+// Dragging nodes: inside the program (dtStandard) and with all others (dtOLE), the node under the mouse as the drop
+// target, the picture and text of the selected rows, and row moves that move nodes.
+#include "host/base/Events.h"
+#include "host/graphics/Canvas.h"
+#include "host/windows/Application.h"
+#include "host/windows/Dragging.h"
+#include "host/windows/FlagScope.h"
+#include "quilltree/QuillTree.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace quill {
+
+namespace {
+
+// What is transparent in a drag picture; no theme has it.
+constexpr TColor DragKeyColor = 0xFE01FE;
+
+bool IsBeyondThreshold(TPoint From, int X, int Y) {
+    const int Threshold = Mouse.GetDragThreshold();
+    return std::abs(X - From.X) > Threshold || std::abs(Y - From.Y) > Threshold;
+}
+
+} // namespace
+
+// --- type and target ----------------------------------------------------------------------------------------------
+
+void TCustomQuillTree::SetDragType(TNVDragType Value) {
+    if (Value == FDragType) return;
+    FDragType = Value;
+    UpdateDropTarget();
+}
+
+void TCustomQuillTree::CreateWindowHandle(const TCreateParams& Params) {
+    const TControlGuard Guard(this);
+    TCustomExGrid::CreateWindowHandle(Params);
+    if (Guard) UpdateDropTarget();
+}
+
+void TCustomQuillTree::UpdateDropTarget() {
+    if (FDragType != dtOLE) {
+        if (!FOleDropTarget) return;
+        FOleDropTarget->Unregister();
+        FOleDropTarget.reset();
+        return;
+    }
+    if (!FOleDropTarget) {
+        FOleDropTarget = CreateDropTarget();
+        FOleDropTarget->OnOleDragOver = [this](TObject* Sender, NV_IDataObject* Data, TShiftState Shift,
+                                               TPoint Pt,
+                                               int& Effect) { OLEDragOver(Sender, Data, Shift, Pt, Effect); };
+        FOleDropTarget->OnOleDragDrop = [this](TObject* Sender, NV_IDataObject* Data, TShiftState Shift,
+                                               TPoint Pt,
+                                               int& Effect) { OLEDragDrop(Sender, Data, Shift, Pt, Effect); };
+        FOleDropTarget->OnOleDragLeave = [this](TObject*) { EndDropTarget(); };
+    }
+    if (HandleAllocated() && !HasState(csDesigning)) FOleDropTarget->Register(this);
+}
+
+std::unique_ptr<TOLEDropTarget> TCustomQuillTree::CreateDropTarget() {
+    return std::make_unique<TOLEDropTarget>();
+}
+
+std::unique_ptr<TOLEDropSource> TCustomQuillTree::CreateDropSource() {
+    return std::make_unique<TOLEDropSource>();
+}
+
+void TCustomQuillTree::InvalidateDropRow(int Row) {
+    if (Row < 0) return;
+    if (IsRowSelect()) {
+        InvalidateVisibleRow(Row);
+    } else {
+        InvalidateCell(FStructureCol, Row);
+    }
+}
+
+TFlyNode* TCustomQuillTree::GetDropTarget() {
+    if (!HandleAllocated()) return nullptr;
+    const int Row = TCustomExGrid::GetDropTargetRow();
+    TFlyNode* const Node = Row == -1 ? nullptr : GetNodeAtRow(Row);
+    return Node ? Node : FDropTargetNode;
+}
+
+void TCustomQuillTree::SetDropTarget(TFlyNode* Node) {
+    if (!HandleAllocated()) return;
+    const int OldRow = TCustomExGrid::GetDropTargetRow();
+    if (!Node) {
+        SetDropTargetRow(-1);
+        InvalidateDropRow(OldRow);
+        if (FDropTargetNode) InvalidateDropRow(FDropTargetNode->GetRow());
+        return;
+    }
+    const int Row = Node->GetRow();
+    if (Row >= 0 && Row == OldRow) return;
+    // A node without a row (one that is just being filled) is no reason for the mouse to drag.
+    if (Row >= 0 && GetGridState() != gsRowMoving) SetGridState(gsRowMoving);
+    FDropTargetNode = OldRow >= 0 ? GetNodeAtRow(OldRow) : nullptr;
+    InvalidateDropRow(OldRow);
+    SetDropTargetRow(Row);
+    InvalidateDropRow(Row);
+}
+
+// Nothing is dragged over the tree any more.
+void TCustomQuillTree::EndDropTarget() {
+    SetGridState(gsNormal);
+    StopDrag();
+    SetDropTarget(nullptr);
+    FDropTargetNode = nullptr;
+}
+
+// --- the start of a drag ------------------------------------------------------------------------------------------
+
+bool TCustomQuillTree::BeginRowDrag(int&, int&, const TPoint&) {
+    if (FItems && FItems->GetUpdateCount() == 0) FDragPending = true;
+    return true;
+}
+
+bool TCustomQuillTree::EndRowDrag(int&, int&, const TPoint&) {
+    FDragPending = false;
+    return true;
+}
+
+void TCustomQuillTree::WMLButtonDown(TWMMouse& Message) {
+    FDragPending = false;
+    FDragPoint.reset();
+    const TControlGuard Guard(this);
+    TCustomExGrid::WMLButtonDown(Message);
+    if (!Guard || GetDragKind() != dkDrag || !(FDragPending || FDragType == dtOLE)) return;
+    const TPoint Pos{Message.XPos, Message.YPos};
+    TFlyNode* Node = GetNodeAt(Pos.X, Pos.Y);
+    const THitTests Hit = GetHitTestInfoAt(Pos.X, Pos.Y);
+    if (!Node || !Hit.Contains(htOnItem) || !(Hit * THitTests{htOnButton, htOnIcon, htOnIndent}).IsEmpty())
+        return;
+    // The press has done so already, unless it was refused or took a mark away.
+    if (GetNodeAtRow(GetRow()) != Node) Node->SetFocused(true);
+    if (!Guard || IsEditorShowing()) return;
+    const TGridCoord Cell = MouseCoord(Pos.X, Pos.Y);
+    if (Cell.X >= GetFixedCols() && Cell.Y >= GetFixedRows()) FDragPoint = Pos;
+}
+
+// With the left button held: the mouse may have gone far enough.
+void TCustomQuillTree::DetectDrag(int X, int Y) {
+    if (!FDragPoint || !IsBeyondThreshold(*FDragPoint, X, Y)) return;
+    const TGridState State = GetGridState();
+    if (FDragType == dtStandard) {
+        if (!FDragPending || IsDragSource()) return;
+        FDragging = true;
+        // The grid would move the row by itself; the drag takes over.
+        FDraggedRow = IsDragging() ? GetDragIndex() : -1;
+        LeaveMode();
+        FDragPending = false;
+        BeginDrag(false, Mouse.GetDragThreshold());
+        return;
+    }
+    if (FDropSource || (State != gsNormal && State != gsSelecting && State != gsRowMoving)) return;
+    const TPoint From = *FDragPoint;
+    FDragPoint.reset();
+    LeaveMode();
+    FDropSource = CreateDropSource();
+    FDropSource->OnFeedback = OnOLEGiveFeedback;
+    FDropSource->OnCompleteDrag = OnOLECompleteDrag;
+    FDropSource->OnStartDrag = OnOLEStartDrag;
+    FDropSource->OnSetData = OnOLESetData;
+    const TControlGuard Guard(this);
+    DoOleDrag(From.X, From.Y);
+    if (Guard) FDropSource.reset();
+}
+
+void TCustomQuillTree::DoStartDrag(TDragObject*& DragObject) {
+    FDragging = true;
+    const TControlGuard Guard(this);
+    TCustomExGrid::DoStartDrag(DragObject);
+    if (Guard) FDropTargetNode = nullptr;
+}
+
+TCustomImageList* TCustomQuillTree::GetDragImages() {
+    return FDragImages->GetCount() > 0 ? FDragImages.get() : nullptr;
+}
+
+// --- over the tree ------------------------------------------------------------------------------------------------
+
+// The tree accepts unless a handler says otherwise.
+void TCustomQuillTree::DragOver(TObject* Source, int X, int Y, TDragState State, bool& Accept) {
+    Accept = true;
+    FireEvent(OnDragOver, this, Source, X, Y, State, Accept);
+}
+
+void TCustomQuillTree::CMDrag(TCMDrag& Message) {
+    const TControlGuard Guard(this);
+    TCustomExGrid::CMDrag(Message);
+    if (!Guard) return;
+    switch (Message.DragMessage) {
+    case dmDragEnter:
+        break;
+    case dmDragMove: {
+        const TPoint Pos = ScreenToClient(Message.DragRec->Pos);
+        DoDragOver(Message.DragRec->Object, Pos.X, Pos.Y, Message.Result != 0);
+        break;
+    }
+    case dmDragLeave:
+    case dmDragCancel:
+        EndDropTarget();
+        break;
+    case dmDragDrop: {
+        TFlyNode* const Target = GetDropTarget();
+        EndDropTarget();
+        FDropTargetNode = Target;
+        break;
+    }
+    }
+}
+
+void TCustomQuillTree::DoDragOver(TDragObject* Source, int X, int Y, bool) {
+    TFlyNode* Node = GetNodeAt(X, Y);
+    if (!Node || (Node == GetDropTarget() && Node != FDropTargetNode)) return;
+    FDropTargetNode = nullptr;
+    const TControlGuard Guard(this);
+    if (Source) Source->HideDragImage();
+    Node->SetDropTarget(true);
+    if (!Guard) return;
+    if (Node->GetRow() >= 0 && GetGridState() != gsRowMoving) SetGridState(gsRowMoving);
+    // In that state the timer of the grid scrolls at the edges.
+    if (!HasTimer(ScrollTimerID)) SetTimer(ScrollTimerID, ScrollTimerInterval);
+    Update();
+    if (Guard && Source) Source->ShowDragImage();
+}
+
+// --- the end ------------------------------------------------------------------------------------------------------
+
+void TCustomQuillTree::DoEndDrag(TObject* Target, int X, int Y) {
+    const TControlGuard Guard(this);
+    auto* const Tree = dynamic_cast<TCustomQuillTree*>(Target);
+    const TControlGuard TreeGuard(Tree ? Tree : this);
+    const TNodeWatch Node(Tree == this ? FDropTargetNode : nullptr);
+    TCustomExGrid::DoEndDrag(Target, X, Y);
+    if (!Guard) return;
+    // The press that began it ends here, for the grid, too.
+    const TPoint Pos = ScreenToClient(Mouse.GetCursorPos());
+    const TShiftState Shift = KeysToShiftState(GetKeysHeld() & (MK_SHIFT | MK_CONTROL));
+    Perform(WM_LBUTTONUP, Shift.Bits(), MakePointParam(Pos.X, Pos.Y));
+    if (!Guard) return;
+    if (Tree && TreeGuard) Tree->SetGridState(gsNormal);
+    int From = std::exchange(FDraggedRow, -1);
+    FDragging = false;
+    FDropTargetNode = nullptr;
+    if (From < 0) return;
+    int To = Node ? Node->GetRow() : From;
+    if (!EndRowDrag(From, To, Pos) || !Guard) return;
+    if (From != To && From >= GetFixedRows() && From < GetRowCount() && To >= GetFixedRows())
+        RowMoved(From, To);
+}
+
+// A release that ends a drag is no click.
+void TCustomQuillTree::WMLButtonUp(TWMMouse& Message) {
+    FDragPending = false;
+    FDragPoint.reset();
+    if (FDragging) {
+        LeaveMode();
+        return;
+    }
+    // A click is reported after a small move, and after a double click, too.
+    IncludeControlState(csClicked);
+    TCustomExGrid::WMLButtonUp(Message);
+}
+
+// --- moving rows --------------------------------------------------------------------------------------------------
+
+void TCustomQuillTree::RowMoved(int FromIndex, int ToIndex) {
+    if (HasState(csDestroying)) return;
+    const TControlGuard Guard(this);
+    if (TFlyNode* Target = FAutoMove ? GetNodeAtRow(ToIndex) : nullptr) {
+        MoveSelectedTo(Target);
+        if (!Guard) return;
+    }
+    SetDropTargetRow(-1);
+    TCustomExGrid::RowMoved(FromIndex, ToIndex);
+}
+
+// Rows above Target go behind it, rows below it before it. Where that is was decided before the first one moves.
+void TCustomQuillTree::MoveSelectedTo(TFlyNode* Target) {
+    std::vector<TFlyNode*> Nodes;
+    FillSelectedList(Nodes);
+    const TControlGuard Guard(this);
+    const TNodeWatch TargetWatch(Target);
+    const TNodeWatch Next(GetNextVisible(Target));
+    const bool IsLast = !Next;
+    const int TargetRow = Target->GetRow();
+    std::vector<bool> Down;
+    int Top = TargetRow;
+    for (const TFlyNode* Node : Nodes) {
+        Down.push_back(TargetRow > Node->GetRow());
+        Top = std::min(Top, Node->GetRow());
+    }
+    const TGoneWatch Gone;
+    for (std::size_t i = 0; i < Nodes.size(); ++i) {
+        TFlyNode* const Node = Nodes[i];
+        if (Gone.IsGone(Node) || !TargetWatch) continue;
+        TFlyNode* const Before = Down[i] ? Next.Get() : TargetWatch.Get();
+        if (Down[i] && !IsLast && !Before) continue;
+        // Nothing goes below itself.
+        if (Before && (Before == Node || Before->HasAsParent(Node))) continue;
+        {
+            const TFlagScope Loading(this, FLoading);
+            Node->MoveTo(Before, Before ? naInsert : naAdd);
+        }
+        if (!Guard) return;
+    }
+    { const TUpdateBracket Rows(FItems.get()); } // their list is told of all moves at once
+    if (!Guard || Top < 0) return;
+    InvalidatePixels({0, CellRect(0, Top).Top, GetClientWidth(), GetClientHeight()});
+}
+
+// --- drags with other programs ------------------------------------------------------------------------------------
+
+std::string TCustomQuillTree::GetDragText() {
+    std::string Text;
+    if (!FItems) return Text;
+    const TGridRect Columns = GetGridSelection();
+    const TControlGuard Guard(this);
+    std::vector<TFlyNode*> Nodes;
+    FillSelectedList(Nodes);
+    const TGoneWatch Gone;
+    for (TFlyNode* Node : Nodes) {
+        if (Gone.IsGone(Node)) continue;
+        Text.append(static_cast<std::size_t>(Node->GetLevel()), ' ');
+        for (int Col = Columns.Left; Col >= 0 && Col <= Columns.Right && !Gone.IsGone(Node); ++Col) {
+            if (Col != 0) Text += '\t';
+            Text += GetEditText(Col, Node->GetRow());
+            if (!Guard) return Text;
+        }
+        Text += "\r\n";
+    }
+    return Text;
+}
+
+void TCustomQuillTree::DoOleDrag(int X, int Y) {
+    TFlyNode* Node = GetNodeAt(X, Y);
+    if (!Node || !FDropSource) return;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Node);
+    const std::string Text = GetDragText();
+    if (!Guard || !Watch || !FDropSource) return;
+    FDropSource->GetDataWrapper()->SetString(Text);
+    PrepareDragImages(Node, X, Y, FDragImages.get());
+    if (!Guard || !FDropSource) return;
+    FDropSource->SetImages(FDragImages.get());
+    FDropSource->SetShowImage(true);
+    FDropSource->Execute(this);
+    if (!Guard) return;
+    FDropSource.reset();
+    EndDropTarget();
+}
+
+// The node under the mouse is shown as the target; what a drop there would do is the program's to say.
+void TCustomQuillTree::OLEDragOver(TObject*, NV_IDataObject* Data, TShiftState Shift, TPoint Pt,
+                                   int& Effect) {
+    TFlyNode* Node = GetNodeAt(Pt.X, Pt.Y);
+    const TControlGuard Guard(this);
+    if (Node != GetDropTarget() || Node == FDropTargetNode) {
+        FDropTargetNode = nullptr;
+        if (FDropSource) FDragImages->HideDragImage();
+        if (Node) {
+            Node->SetDropTarget(true);
+        } else {
+            SetDropTarget(nullptr);
+        }
+        if (!Guard) return;
+        Update();
+        if (!Guard) return;
+        if (FDropSource) FDragImages->ShowDragImage();
+    }
+    FireEvent(OnOLEDragOver, this, Data, Shift, Pt, Effect);
+}
+
+void TCustomQuillTree::OLEDragDrop(TObject*, NV_IDataObject* Data, TShiftState Shift, TPoint Pt,
+                                   int& Effect) {
+    const TControlGuard Guard(this);
+    FireEvent(OnOLEDragDrop, this, Data, Shift, Pt, Effect);
+    if (Guard) EndDropTarget();
+}
+
+// The selected rows that are in view, as they look, framed; what is between them is transparent.
+void TCustomQuillTree::PrepareDragImages(TFlyNode* Node, int X, int Y, TCustomImageList* ImageList) {
+    if (!Node || !ImageList || !HandleAllocated()) return;
+    const TControlGuard Guard(this);
+    Update();
+    if (!Guard) return;
+    const TGridRect Columns = GetGridSelection();
+    const int Left = IsRowSelect() ? 0 : std::max(Columns.Left, 0);
+    const int Right = Columns.Right < 0 ? GetColCount() - 1 : Columns.Right;
+    const int Bottom = std::min(GetRowCount() - 1, GetTopRow() + GetVisibleRowCount());
+    std::vector<TRect> Rows;
+    TRect Bounds{};
+    for (int Row = GetTopRow(); Row <= Bottom; ++Row) {
+        const TFlyNode* const Shown = FItems->RowList.NodeAt(Row - GetFixedRows());
+        TRect R = BoxRect(Left, Row, Right, Row);
+        if (!Shown || !Shown->GetSelected() || R.IsEmpty() || !IntersectRect(R, R, GetClientRect())) continue;
+        Rows.push_back(R);
+        Bounds = Rows.size() == 1 ? R
+                                  : TRect{std::min(Bounds.Left, R.Left), std::min(Bounds.Top, R.Top),
+                                          std::max(Bounds.Right, R.Right), std::max(Bounds.Bottom, R.Bottom)};
+    }
+    ImageList->Clear();
+    if (Rows.empty()) return;
+    const int Width = Bounds.Width();
+    const int Height = Bounds.Height();
+    const std::unique_ptr<TBitmap> Picture = TBitmap::CreateCompatible(*GetCanvas(), Width, Height);
+    TCanvas& Canvas = *Picture->GetCanvas();
+    Canvas.GetBrush()->SetColor(DragKeyColor);
+    Canvas.FillRect({0, 0, Width, Height});
+    Canvas.GetBrush()->SetColor(clBtnShadow);
+    for (const TRect& R : Rows) {
+        const TRect Place{R.Left - Bounds.Left, R.Top - Bounds.Top, R.Right - Bounds.Left,
+                          R.Bottom - Bounds.Top};
+        Canvas.BitBlt(Place.Left, Place.Top, R.Width(), R.Height(), *GetCanvas(), R.Left, R.Top, SRCCOPY);
+        Canvas.FrameRect(Place);
+    }
+    ImageList->SetSize(Width, Height);
+    ImageList->AddMasked(*Picture, DragKeyColor);
+    if (!FDropSource) return;
+    FDropSource->SetPoint(1, X - Bounds.Left);
+    FDropSource->SetPoint(2, Y - Bounds.Top);
+}
+
+} // namespace quill
