@@ -22,6 +22,28 @@ constexpr std::uint32_t AllEffects = DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFF
 
 int Users = 0;
 
+// Stands on the stack while Qt calls us from the middle of its work on a control's client area, with which it goes on
+// whatever handlers do: if the control is destroyed, the client area lives on, on its own, until the event loop runs
+// again. Apart from the site, which a handler may revoke before it destroys the control.
+class TClientKeeper : public TComponent {
+public:
+    explicit TClientKeeper(TCustomControl* Control) : FControl(Control) { FreeNotification(Control); }
+    ~TClientKeeper() override { Destroying(); }
+
+protected:
+    void Notification(TComponent* AComponent, TOperation Operation) override {
+        if (Operation != opRemove || AComponent != static_cast<TComponent*>(FControl)) return;
+        QWidget* const Client = FControl->viewport();
+        FControl = nullptr;
+        if (!Client->parentWidget()) return; // an outer keeper of ours has done it
+        Client->setParent(nullptr);
+        Client->deleteLater();
+    }
+
+private:
+    TCustomControl* FControl;
+};
+
 // A control with a target: listens to the drag events of its client area. A component, so that it hears of the end of
 // the control.
 class TDropSite : public QObject, public TComponent {
@@ -42,7 +64,12 @@ public:
 
     bool eventFilter(QObject* Watched, QEvent* Event) override {
         if (!FControl || Watched != FControl->viewport()) return false;
-        switch (Event->type()) {
+        const QEvent::Type Type = Event->type();
+        if (Type != QEvent::DragEnter && Type != QEvent::DragMove && Type != QEvent::DragLeave &&
+            Type != QEvent::Drop)
+            return false;
+        const TClientKeeper Keeper(FControl);
+        switch (Type) {
         case QEvent::DragEnter:
             Enter(*static_cast<QDropEvent*>(Event));
             return true;
@@ -59,7 +86,7 @@ public:
             if (!Self.IsGone()) EndData();
             return true;
         }
-        case QEvent::Drop: {
+        default: { // the drop
             const TComponentGuard Self(this);
             auto& Drop = *static_cast<QDropEvent*>(Event);
             const TInterfaceRef<IDataObject> Data = FData ? FData : DataObjectOf(Drop.mimeData());
@@ -69,8 +96,6 @@ public:
             if (!Self.IsGone()) EndData();
             return true;
         }
-        default:
-            return false;
         }
     }
 
@@ -122,9 +147,7 @@ private:
         const auto Possible = static_cast<std::uint32_t>(Event.possibleActions().toInt()) & AllEffects;
         std::uint32_t Effect = Possible;
         const TInterfaceRef<IDropTarget> Target = FTarget;
-        ++FCalls;
         if (!Target || !Protected([&] { Work(*Target.Get(), Step, Effect); })) Effect = DROPEFFECT_NONE;
-        if (!Self.IsGone()) --FCalls;
         Effect &= Possible;
         Effect &= ~Effect + 1; // one of several: the lowest
         // An action of "none" would count as accepted for some programs.
@@ -145,7 +168,6 @@ private:
     TInterfaceRef<IDropTarget> FTarget;
     TInterfaceRef<IDataObject> FData; // from enter to leave or drop
     Qt::KeyboardModifiers FModifiers;
-    int FCalls = 0;
 };
 
 using TSites = std::map<const TCustomControl*, std::unique_ptr<TDropSite>>;
@@ -157,13 +179,7 @@ TSites& Sites() {
 void TDropSite::Notification(TComponent* AComponent, TOperation Operation) {
     TComponent::Notification(AComponent, Operation);
     if (Operation != opRemove || AComponent != static_cast<TComponent*>(FControl)) return;
-    if (FCalls > 0) {
-        // Qt is still at work on the client area and goes on with it: it lives on until the event loop runs again.
-        QWidget* Client = FControl->viewport();
-        Client->removeEventFilter(this);
-        Client->setParent(nullptr);
-        Client->deleteLater();
-    }
+    FControl->viewport()->removeEventFilter(this);
     TCustomControl* const Control = std::exchange(FControl, nullptr);
     Sites().erase(Control); // and with it this object
 }

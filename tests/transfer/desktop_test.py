@@ -82,7 +82,8 @@ class Desktop:
         self.env.pop("QT_SCALE_FACTOR", None)
         self.children = []
         if shutil.which("openbox"):
-            self.manager = subprocess.Popen(["openbox"], env=self.env, stderr=subprocess.DEVNULL)
+            self.manager = subprocess.Popen(["openbox"], env=self.env, stdout=subprocess.DEVNULL,
+                                            stderr=subprocess.DEVNULL)
             time.sleep(0.5)
         else:
             self.manager = None
