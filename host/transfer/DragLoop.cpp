@@ -63,6 +63,15 @@ private:
     void End(HResult Answer, QObject* Window);
     void WaitForPeer(TXdndResult& Result);
 
+    // While the source is asked.
+    struct TAsking {
+        explicit TAsking(TDragLoop& ALoop) : Loop(ALoop) { ++Loop.FAsking; }
+        ~TAsking() { --Loop.FAsking; }
+        TAsking(const TAsking&) = delete;
+        TAsking& operator=(const TAsking&) = delete;
+        TDragLoop& Loop;
+    };
+
     TInterfaceRef<IDropSource> FSource;
     QPointer<QDrag> FDrag;
     QTimer FPatience;
@@ -72,6 +81,7 @@ private:
     std::exception_ptr FError;
     TCursor FCursor = crArrow;
     bool FHasOwnCursor = false;
+    int FAsking = 0;
 };
 
 TDragLoop* Current = nullptr;
@@ -79,6 +89,7 @@ TDragLoop* Current = nullptr;
 HResult TDragLoop::Ask(bool Escape, std::uint32_t Keys) {
     const TInterfaceRef<IDropSource> Source = FSource;
     if (!Source) return DRAGDROP_S_CANCEL;
+    const TAsking Asking(*this);
     try {
         return Source->QueryContinueDrag(Escape, Keys);
     } catch (...) {
@@ -92,6 +103,7 @@ void TDragLoop::GiveFeedback(std::uint32_t Effect) {
     FLastEffect = Effect;
     const TInterfaceRef<IDropSource> Source = FSource;
     if (!Source) return;
+    const TAsking Asking(*this);
     try {
         ShowCursor(Source->GiveFeedback(Effect) == S_OK);
     } catch (...) {
@@ -121,6 +133,12 @@ void TDragLoop::End(HResult Answer, QObject* Window) {
 }
 
 bool TDragLoop::eventFilter(QObject* Watched, QEvent* Event) {
+    if (FAsking > 0) {
+        // A handler shows a dialog. Qt's own filter would keep all input from it.
+        if (!dynamic_cast<QInputEvent*>(Event)) return false;
+        Watched->event(Event);
+        return true;
+    }
     if (FOutcome || !Watched->isWindowType()) return false;
     switch (Event->type()) {
     case QEvent::MouseMove: {

@@ -4,6 +4,8 @@
 #include "tests/transfer/TransferTestTools.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
@@ -161,6 +163,22 @@ TEST_F(DragLoop, SurvivesHandlersThatDestroyOrRaise) {
         OnFeedback = nullptr;
     };
     EXPECT_EQ(Drag({Over}), drUnknown);
+}
+
+// Qt keeps all input to itself during a drag; a question that a handler asks must be answerable nevertheless.
+TEST_F(DragLoop, ADialogInAHandlerGetsItsInput) {
+    Source->OnDrop = [](TObject*, TDragType, bool& ContinueDrop) {
+        QDialog Dialog;
+        QPushButton Button("No", &Dialog);
+        QObject::connect(&Button, &QPushButton::clicked, [&] { Dialog.done(7); });
+        QTimer::singleShot(50, &Dialog, [&] {
+            QTest::mouseClick(Dialog.windowHandle(), Qt::LeftButton, {}, {5, 5});
+        });
+        QTimer::singleShot(3000, &Dialog, &QDialog::reject); // never hangs
+        ContinueDrop = Dialog.exec() != 7;
+    };
+    EXPECT_EQ(Drag({[](DragLoop& D) { D.Move(250); }, [](DragLoop& D) { D.Release(); }}), drCancel);
+    EXPECT_EQ(Take(), "effect(0) effect(1) leave ");
 }
 
 TEST_F(DragLoop, ShowsThePicture) {

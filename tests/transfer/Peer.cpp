@@ -2,6 +2,7 @@
 // dropped; or a user of the clipboard. It tells what happens on standard output, a line each.
 //
 //   quill_transfer_peer source KIND X Y     KIND: text, files, bitmap, private, all
+//   quill_transfer_peer self KIND X Y       both
 //   quill_transfer_peer target X Y
 //   quill_transfer_peer put KIND | get      the clipboard
 #include "host/base/Errors.h"
@@ -139,7 +140,7 @@ int main(int argc, char** argv) {
         Say("ready");
         return App.exec();
     }
-    const int Shift = Mode == "source" ? 1 : 0;
+    const int Shift = Mode == "target" ? 0 : 1;
     if (argc < 4 + Shift) return EXIT_FAILURE;
     TWindow Window(std::atoi(argv[2 + Shift]), std::atoi(argv[3 + Shift]));
     TNVDragImageList Images(nullptr, 60, 40);
@@ -148,7 +149,7 @@ int main(int argc, char** argv) {
     Picture.GetCanvas()->FillRect({20, 10, 40, 30});
     Images.AddMasked(Picture, clBlue);
     TTarget Target;
-    if (Mode == "source") {
+    if (Mode != "target") {
         Source.SetImages(&Images);
         Source.OnFeedback = [](TObject*, int Effect, bool&) { Say("effect %d", Effect); };
         Window.OnDrag = [&] {
@@ -157,7 +158,8 @@ int main(int argc, char** argv) {
             Say("done %d in %d00 ms", static_cast<int>(Result),
                 static_cast<int>((GetTickCount() - Start) / 100));
         };
-    } else {
+    }
+    if (Mode != "source") {
         Target.Register(&Window);
         Target.OnOleDragEnter = [](TObject*, NV_IDataObject*, TShiftState, TPoint, int&) { Say("enter"); };
         Target.OnOleDragLeave = [](TObject*) { Say("leave"); };

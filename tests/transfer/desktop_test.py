@@ -147,6 +147,14 @@ def quill_to_quill(kind, expected):
     return run
 
 
+def within_one_program(desktop, peer):
+    program = desktop.start(peer, "self", "private", 60, 80)
+    x, y = program.place()
+    desktop.drag((x - 60, y - 40), (x + 50, y + 40))
+    must_be(program.expect("drop"), " 1" + PRIVATE, "dropped")
+    must_be(int(program.expect("done ").split()[0]), DROP_COPY, "result")
+
+
 def move_with_shift(desktop, peer):
     source = desktop.start(peer, "source", "text", 60, 80)
     target = desktop.start(peer, "target", 500, 300)
@@ -242,6 +250,7 @@ CASES = [  # name, programs needed, work
     ("files to Quill", ["xdotool"], quill_to_quill("files", FILES_AS_TEXT + FILES)),
     ("bitmap to Quill", ["xdotool"], quill_to_quill("bitmap", " bitmap=30x20")),
     ("private format to Quill", ["xdotool"], quill_to_quill("private", PRIVATE)),
+    ("within one program", ["xdotool"], within_one_program),
     ("move with Shift", ["xdotool"], move_with_shift),
     ("Escape", ["xdotool"], escape),
     ("stuck target", ["xdotool"], stuck_target),
