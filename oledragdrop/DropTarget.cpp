@@ -102,6 +102,15 @@ bool TOLEDropTarget::DoGetData() {
     return !FDroppedText.empty();
 }
 
+// DoGetData for the platform, which takes no exceptions: a source that offers what it does not have is refused.
+bool TOLEDropTarget::ReadData() {
+    try {
+        return DoGetData();
+    } catch (const Exception&) {
+        return false;
+    }
+}
+
 void TOLEDropTarget::PasteFromClipboard() {
     const TClipboardScope Open;
     if (!Clipboard().HasFormat(CF_TEXT)) return;
@@ -207,7 +216,7 @@ HResult TOLEDropTarget::DragEnter(NV_IDataObject* DataObject, std::uint32_t KeyS
         ClearData();
         return S_OK;
     }
-    if (FAutoGetData) DoGetData();
+    if (FAutoGetData) ReadData();
     if (Self.IsGone()) return S_OK;
     const TShiftState ShiftState = KeysToShiftState(KeyState);
     Effect = GetValidDropEffect(ShiftState, FLastPoint, Effect);
@@ -259,7 +268,7 @@ HResult TOLEDropTarget::Drop(NV_IDataObject*, std::uint32_t KeyState, TPoint Scr
         LeaveImage();
         Effect = GetValidDropEffect(ShiftState, Point, Effect);
         if (Self.IsGone()) return S_OK;
-        if (!FAutoGetData && !DoGetData()) {
+        if (!FAutoGetData && !ReadData()) {
             Effect = DROPEFFECT_NONE;
         } else if (!Self.IsGone()) {
             DoDrop(Data.Get(), ShiftState, Point, Effect);

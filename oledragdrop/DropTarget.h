@@ -56,7 +56,8 @@ public:
     // Whether the data that entered are wanted.
     virtual bool HasValidFormats();
     // Reads the data; false refuses the drop. The base reads the text, or else the list of files; that is then what
-    // GetDroppedText gives.
+    // GetDroppedText gives. Raises Exception "IDataObject.GetData failed" when files are offered and not given, which
+    // refuses a drop as well.
     virtual bool DoGetData();
     // Reads the text of the clipboard as if it had been dropped; nothing without text there.
     virtual void PasteFromClipboard();
@@ -106,6 +107,7 @@ private:
     TPoint ToClient(TPoint ScreenPoint) const;
     void EnterImage();
     void LeaveImage();
+    bool ReadData();
     // Drops the data object and what was read from it.
     void Forget();
 

@@ -163,6 +163,15 @@ TEST_F(DropTarget, TakesTextAndFilesOnly) {
     EXPECT_EQ(Dragger->Move(), 1);
     EXPECT_EQ(Dragger->Drop(), -1);
     EXPECT_EQ(Take(), "enter(5,1) over(6,1) ");
+    // The same from inside the program, where a source of a picture offers text and files as well.
+    TOLEDropSource Source;
+    const TBitmap Bitmap = RedBitmap(2, 2);
+    Source.GetDataWrapper()->SetBitmap(&Bitmap);
+    std::uint32_t Effect = 1;
+    EXPECT_EQ(Target->DragEnter(&Source, MK_LBUTTON, {1, 1}, Effect), S_OK);
+    EXPECT_EQ(Effect, 1u);
+    EXPECT_EQ(Target->Drop(&Source, 0, {1, 1}, Effect), S_OK);
+    EXPECT_EQ(Effect, 0u);
 }
 
 TEST_F(DropTarget, RegistersOneControlAtATime) {

@@ -89,10 +89,7 @@ class TTarget : public TOLEDropTarget {
 public:
     using TOLEDropTarget::TOLEDropTarget;
     bool HasValidFormats() override { return true; }
-    bool DoGetData() override {
-        TOLEDropTarget::DoGetData();
-        return true;
-    }
+    bool DoGetData() override { return true; }
 };
 
 class TWindow : public TCustomControl {
