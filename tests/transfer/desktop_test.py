@@ -151,7 +151,7 @@ def within_one_program(desktop, peer):
     program = desktop.start(peer, "self", "files", 60, 80)
     x, y = program.place()
     desktop.drag((x - 60, y - 40), (x + 50, y + 40))
-    must_be(program.expect("drop"), " 1" + FILES_AS_TEXT + FILES, "dropped")
+    must_be(program.expect("drop"), " 1" + FILES_AS_TEXT + FILES + PRIVATE, "dropped")
     must_be(int(program.expect("done ").split()[0]), DROP_COPY, "result")
 
 
