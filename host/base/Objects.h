@@ -77,6 +77,11 @@ public:
     void FreeNotification(TComponent* AComponent);
     void RemoveFreeNotification(TComponent* AComponent);
 
+    // For forms: the component that this one stands in; null in the root itself. The root owns all of them. The base
+    // stands in nothing and lets nothing be changed.
+    virtual TComponent* GetParentComponent() const { return nullptr; }
+    virtual void SetParentComponent(TComponent* /*Value*/) {}
+
     // A component comes or goes that this one, or one of its owners, owns or asked about. The base does nothing.
     virtual void Notification(TComponent* AComponent, TOperation Operation);
     // The component was read from a stream completely.

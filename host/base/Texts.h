@@ -29,6 +29,32 @@ inline constexpr std::string_view SFixedColTooBig = "Fixed column count must be 
 inline constexpr std::string_view SFixedRowTooBig = "Fixed row count must be less than row count (%s)";
 inline constexpr std::string_view STooManyDeleted = "Too many rows or columns deleted (%s)";
 inline constexpr std::string_view SGridTooLarge = "Grid too large for operation (%s)";
+inline constexpr std::string_view SFormLine = "Form, line %s: %s";
+inline constexpr std::string_view SFormPlace = "Form, line %s, %s: %s";
+inline constexpr std::string_view SFormNoForm = "this is no form";
+inline constexpr std::string_view SFormVersion =
+    "the form was saved in version %s of the format; only version 1 is known";
+inline constexpr std::string_view SFormUnexpected = "%s is expected, but %s was found";
+inline constexpr std::string_view SFormOpenString = "the text does not end on its line";
+inline constexpr std::string_view SFormEscape = "\"%s\" is no escape sequence";
+inline constexpr std::string_view SFormOpenBinary = "the binary data do not end";
+inline constexpr std::string_view SFormBase64 = "the binary data are damaged";
+inline constexpr std::string_view SFormTooDeep = "components are nested more than %s levels deep";
+inline constexpr std::string_view SFormTooMany = "more than %s components";
+inline constexpr std::string_view SFormBehindEnd = "there is more behind the end of the form";
+inline constexpr std::string_view SFormUnknownClass = "the class \"%s\" is not registered";
+inline constexpr std::string_view SFormOtherClass = "a %s cannot be read into a %s";
+inline constexpr std::string_view SFormUnknownProperty = "a %s has no such property";
+inline constexpr std::string_view SFormReadOnly = "the property cannot be set";
+inline constexpr std::string_view SFormTwice = "the property was set before, on line %s";
+inline constexpr std::string_view SFormNameTaken = "there is another component \"%s\" already";
+inline constexpr std::string_view SFormNoValue = "\"%s\" is no value of this property";
+inline constexpr std::string_view SFormOutOfRange = "%s is outside %s .. %s";
+inline constexpr std::string_view SFormNoComponent = "there is no component \"%s\"";
+inline constexpr std::string_view SFormWrongComponent = "\"%s\" is a %s, which does not fit here";
+inline constexpr std::string_view SFormNoHandler = "there is no handler \"%s\" for this event";
+inline constexpr std::string_view SFormListEnd = "the list has more values than are wanted";
+inline constexpr std::string_view SFormGone = "the component was destroyed while it was read";
 
 // The longest value in a message, in characters.
 inline constexpr int MaxMessageValue = 60;
