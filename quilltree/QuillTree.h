@@ -508,6 +508,7 @@ private:
     void StoreNodeText(TFlyNode* Node, int DataCol, const std::string& Value);
     void FollowEdit();
     void SendClipboard(unsigned Msg);
+    bool CanDragNodes() const { return FDragType == dtOLE || HasOption(goRowMoving); }
     void DetectDrag(int X, int Y);
     void EndDropTarget();
     void InvalidateDropRow(int Row);

@@ -283,6 +283,7 @@ void TCustomQuillTree::MoveSelectedTo(TFlyNode* Target) {
     FillSelectedList(Nodes);
     const TControlGuard Guard(this);
     const TNodeWatch TargetWatch(Target);
+    const TNodeWatch Current(GetNodeAtRow(GetRow()));
     const TNodeWatch Next(GetNextVisible(Target));
     const bool IsLast = !Next;
     const int TargetRow = Target->GetRow();
@@ -307,6 +308,7 @@ void TCustomQuillTree::MoveSelectedTo(TFlyNode* Target) {
         if (!Guard) return;
     }
     { const TUpdateBracket Rows(FItems.get()); } // their list is told of all moves at once
+    if (Guard && Current && Current->GetRow() >= 0) SetRow(Current->GetRow());
     if (!Guard || Top < 0) return;
     InvalidatePixels({0, CellRect(0, Top).Top, GetClientWidth(), GetClientHeight()});
 }

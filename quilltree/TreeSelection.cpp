@@ -268,6 +268,8 @@ void TCustomQuillTree::FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftStat
             // A range keeps the anchor from which it extends; the first one begins at the current node.
             if (Way != swNone && !Shift.Contains(ssShift)) Marks = TFocusMarks::Anchor;
             if (Way != swNone && Shift.Contains(ssShift) && !FAnchorNode) Marks = TFocusMarks::AnchorHere;
+        } else if (Node && Way == swByMouse && Node->GetSelected() && CanDragNodes()) {
+            // The press may begin a drag of all marked nodes; if it does not, the release unmarks the others.
         } else if (Node && (IsRangeSelect() || !Node->GetSelected())) {
             // A plain click or arrow key leaves no other node marked.
             Marks = TFocusMarks::Alone;

@@ -1,0 +1,314 @@
+// Dragging nodes inside the program, to others and from them.
+#include "TreeTestSupport.h"
+
+#include "host/windows/Application.h"
+#include "host/windows/Dragging.h"
+#include "tests/support/Handlers.h"
+#include "tests/support/QtTest.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+namespace quill {
+namespace {
+
+using testing::TAnyHandler;
+
+class TDragTree : public TTestTree {
+public:
+    TDragTree() {
+        SetColCount(2);
+        SetOptions(GetOptions() + TGridOptions{goRowMoving, goRangeSelect} - TGridOptions{goRowSelect});
+        Build("A\nB+\n b\nC\nD");
+        for (TFlyNode* Node = GetItems()->GetFirstNode(); Node; Node = Node->GetNext())
+            SetNodeCells(Node, 1, "cell " + Node->GetText());
+        SetSelection(Find("A"));
+        show();
+        OnStartDrag = [this](TObject*, TDragObject*&) { Log += "start "; };
+        OnDragOver = [this](TObject*, TObject* Source, int, int, TDragState State, bool& Accept) {
+            EXPECT_TRUE(Accept) << "unlike other controls";
+            EXPECT_EQ(Source, static_cast<TObject*>(this));
+            const char* const Names[] = {"enter ", "leave ", ""};
+            Log += Names[State];
+            Accept = Accepts;
+        };
+        OnDragDrop = [this](TObject*, TObject*, int, int) {
+            Log += "drop on " + Name(GetDropTarget()) + " ";
+        };
+        OnEndDrag = [this](TObject*, TObject* Target, int, int) { Log += Target ? "end " : "end nowhere "; };
+        OnRowMoved = [this](TObject*, int From, int To) {
+            Log += "row " + std::to_string(From) + ">" + std::to_string(To) + " ";
+        };
+    }
+    bool Accepts = true;
+    std::string Log;
+    std::string Take() { return std::exchange(Log, {}); }
+    static std::string Name(const TFlyNode* Node) { return Node ? Node->GetText() : "nothing"; }
+
+    QPoint On(const std::string& Text) {
+        const TRect R = DisplayRect(Find(Text), true);
+        return {R.Left + 6, (R.Top + R.Bottom) / 2};
+    }
+    // Marks A and b, with those columns selected.
+    void MarkWithColumns(int Left, int Right) {
+        FocusCell(Right, 2, true, {}, swNone);
+        TCustomExGrid::SetSelection(GridRect(Left, 0, Right, 2));
+        FlushSelection();
+        Find("A")->SetSelected(true);
+        Find("b")->SetSelected(true);
+    }
+    void Press(const std::string& Text) {
+        At(On(Text));
+        QTest::mousePress(windowHandle(), Qt::LeftButton, {}, FMouse);
+    }
+    void MoveTo(const std::string& Text) {
+        const QPoint To = On(Text) + QPoint(9, 0);
+        for (const QPoint Pos : {FMouse + QPoint(2, 2), FMouse + QPoint(12, 0), FMouse + QPoint(24, 1), To}) {
+            At(Pos);
+            QTest::mouseMove(windowHandle(), FMouse);
+        }
+    }
+    void Release() { QTest::mouseRelease(windowHandle(), Qt::LeftButton, {}, FMouse); }
+    void Drag(const std::string& From, const std::string& To) {
+        Press(From);
+        MoveTo(To);
+        Release();
+    }
+
+private:
+    void At(QPoint Pos) {
+        FMouse = Pos;
+        QCursor::setPos(mapToGlobal(Pos));
+    }
+    QPoint FMouse;
+};
+
+TEST(TreeDragging, GoesFromPressToDropAndReportsTheRow) {
+    TDragTree Tree;
+    Tree.Press("A");
+    Tree.MoveTo("C");
+    EXPECT_EQ(Tree.Take(), "start enter ");
+    EXPECT_TRUE(GetActiveDrag());
+    EXPECT_EQ(Tree.Name(Tree.GetDropTarget()), "C");
+    EXPECT_TRUE(Tree.Find("C")->GetDropTarget());
+    EXPECT_EQ(Tree.GetGridState(), gsRowMoving);
+    Tree.Release();
+    EXPECT_EQ(Tree.Take(), "drop on C end row 0>3 ");
+    EXPECT_FALSE(GetActiveDrag());
+    EXPECT_EQ(Tree.GetGridState(), gsNormal);
+    EXPECT_EQ(Tree.GetDropTarget(), nullptr);
+    EXPECT_EQ(Tree.Rows(), "A(sel)< B(+) b C D") << "nodes stay, and it was no click";
+    Tree.SetAutoMove(true);
+    Tree.Drag("A", "C");
+    EXPECT_EQ(Tree.Rows(), "B(+) b C A(sel)< D");
+
+    Tree.Take();
+    Tree.Accepts = false;
+    Tree.Drag("A", "B");
+    EXPECT_EQ(Tree.Take(), "start enter leave end nowhere ");
+    Tree.Accepts = true;
+    Tree.Press("A");
+    Tree.MoveTo("B");
+    QTest::keyClick(&Tree, Qt::Key_Escape);
+    EXPECT_EQ(Tree.Take(), "start enter leave end nowhere ");
+    EXPECT_EQ(Tree.GetDropTarget(), nullptr);
+    Tree.Release();
+    EXPECT_EQ(Tree.Rows(), "B(+) b C A(sel)< D");
+    Tree.Drag("A", "A");
+    EXPECT_EQ(Tree.Take().find("row"), std::string::npos) << "to where it is";
+    Tree.GetItems()->BeginUpdate();
+    Tree.Drag("A", "B");
+    Tree.GetItems()->EndUpdate();
+    EXPECT_EQ(Tree.Take().find("start"), std::string::npos) << "not while the tree is being changed";
+    Tree.SetOptions(Tree.GetOptions() - goRowMoving);
+    Tree.Drag("A", "B");
+    EXPECT_EQ(Tree.Take(), "");
+}
+
+TEST(TreeDragging, PressOnASelectedNodeKeepsTheOthersToDrag) {
+    TDragTree Tree;
+    Tree.SetAutoMove(true);
+    Tree.Find("B")->Collapse(false);
+    Tree.SelectOne(1);
+    Tree.Drag("B", "D");
+    EXPECT_EQ(Tree.Rows(), "C D A(sel) B(sel)<");
+    Tree.Press("A");
+    Tree.Release();
+    EXPECT_EQ(Tree.Rows(), "C D A(sel)< B");
+    Tree.Press("B");
+    Tree.Release();
+    EXPECT_EQ(Tree.Rows(), "C D A B(sel)<") << "a click leaves one";
+}
+
+TEST(TreeDragging, RowMovedMovesTheSelectedNodes) {
+    struct TCase {
+        std::vector<std::string> Selected;
+        int To;
+        const char* Rows;
+    };
+    const TCase Cases[] = {
+        {{"A"}, 3, "B(+) b C A(sel) D"},           {{"A"}, 4, "B(+) b C D A(sel)"},
+        {{"A", "C"}, 4, "B(+) b D A(sel) C(sel)"}, {{"D"}, 0, "D(sel) A B(+) b C"},
+        {{"C", "D"}, 0, "C(sel) D(sel) A B(+) b"}, {{"D"}, 2, "A B(+) D(sel) b C"},
+        {{"B"}, 2, "A B(+)(sel) b C D"}, // not below itself
+        {{"b"}, 0, "b(sel) A B(+) C D"},
+    };
+    for (const TCase& Case : Cases) {
+        TDragTree Tree;
+        Tree.FlushSelection();
+        for (const std::string& Name : Case.Selected) Tree.Find(Name)->SetSelected(true);
+        Tree.RowMoved(0, Case.To);
+        EXPECT_EQ(Tree.Take(), "row 0>" + std::to_string(Case.To) + " ") << "only told";
+        Tree.SetAutoMove(true);
+        Tree.RowMoved(0, Case.To);
+        std::string Rows = Tree.Rows();
+        std::erase(Rows, '<');
+        EXPECT_EQ(Rows, Case.Rows) << Case.Selected[0] << " to " << Case.To;
+        Tree.Check();
+    }
+}
+
+TEST(TreeDragging, TextHasLevelsAndSelectedColumns) {
+    TDragTree Tree;
+    Tree.MarkWithColumns(0, 1);
+    EXPECT_EQ(Tree.GetDragText(), "A\tcell A\r\n b\tcell b\r\n");
+    Tree.MarkWithColumns(1, 1);
+    EXPECT_EQ(Tree.GetDragText(), "\tcell A\r\n \tcell b\r\n");
+    Tree.FlushSelection();
+    EXPECT_EQ(Tree.GetDragText(), "");
+}
+
+// Sends what the desktop sends to a window that something is dragged over.
+struct TDesktop {
+    explicit TDesktop(TDragTree& ATree) : Window(ATree.viewport()) { Data.setText("dragged"); }
+    template <class TEvent>
+    int Send(QPoint Pos) {
+        TEvent Event(Pos, Qt::CopyAction | Qt::MoveAction, &Data, Qt::LeftButton, Qt::NoModifier);
+        if (Window) QCoreApplication::sendEvent(Window, &Event);
+        return Event.isAccepted() ? static_cast<int>(Event.dropAction()) : 0;
+    }
+    void Leave() {
+        QDragLeaveEvent Event;
+        if (Window) QCoreApplication::sendEvent(Window, &Event);
+    }
+    QMimeData Data;
+    QPointer<QWidget> Window;
+};
+
+TEST(TreeDragging, TakesDropsOfOtherPrograms) {
+    TDragTree Tree;
+    TDesktop Desk(Tree);
+    EXPECT_EQ(Desk.Send<QDragEnterEvent>(Tree.On("A")), 0) << "not before it is asked to";
+    Tree.SetDragType(dtOLE);
+    Tree.OnOLEDragOver = [&](TObject* Sender, NV_IDataObject*, TShiftState, TPoint, int& Effect) {
+        EXPECT_EQ(Sender, static_cast<TObject*>(&Tree));
+        if (Tree.Name(Tree.GetDropTarget()) == "b") Effect = 0;
+    };
+    Tree.OnOLEDragDrop = [&](TObject*, NV_IDataObject* Object, TShiftState, TPoint, int& Effect) {
+        TOleObjectWrapper Wrapper(Object);
+        Tree.Log +=
+            Wrapper.GetString() + " on " + Tree.Name(Tree.GetDropTarget()) + " " + std::to_string(Effect);
+    };
+    Desk.Send<QDragEnterEvent>(Tree.On("A"));
+    EXPECT_EQ(Desk.Send<QDragMoveEvent>(Tree.On("A")), Qt::CopyAction);
+    EXPECT_EQ(Tree.Name(Tree.GetDropTarget()), "A");
+    EXPECT_EQ(Desk.Send<QDragMoveEvent>(Tree.On("b")), 0) << "the handler refuses";
+    Desk.Leave();
+    EXPECT_EQ(Tree.GetDropTarget(), nullptr);
+    EXPECT_EQ(Tree.GetGridState(), gsNormal);
+    Desk.Send<QDragEnterEvent>(Tree.On("C"));
+    Desk.Send<QDragMoveEvent>(Tree.On("C"));
+    Desk.Send<QDropEvent>(Tree.On("C"));
+    EXPECT_EQ(Tree.Take(), "dragged on C 1");
+    EXPECT_EQ(Tree.GetDropTarget(), nullptr);
+    Tree.RecreateWnd();
+    EXPECT_EQ(Desk.Send<QDragEnterEvent>(Tree.On("C")), Qt::CopyAction);
+    Tree.SetDragType(dtStandard);
+    EXPECT_EQ(Desk.Send<QDragEnterEvent>(Tree.On("C")), 0);
+}
+
+TEST(TreeDragging, OffersTextAndPictureToOtherPrograms) {
+    TDragTree Tree;
+    Tree.SetDragType(dtOLE);
+    Tree.SetOptions(Tree.GetOptions() + goRowSelect);
+    Tree.MarkWithColumns(0, 1);
+    std::string Offered;
+    TImageList Picture;
+    Tree.OnOLEStartDrag = [&](NV_IDataObject* Object, int& Effects) {
+        Offered = TOleObjectWrapper(Object).GetString() + std::to_string(Effects);
+    };
+    Tree.OnOLECompleteDrag = [&](int) { Offered += " done"; };
+    Tree.Press("b");
+    Tree.MoveTo("C");
+    EXPECT_EQ(Offered, "A\tcell A\r\n b\tcell b\r\n1 done");
+    const TCustomImageList* const Images = Tree.GetDragImages();
+    ASSERT_TRUE(Images);
+    EXPECT_EQ(Images->GetWidth(), Tree.CellRect(1, 0).Right - Tree.CellRect(0, 0).Left);
+    EXPECT_EQ(Images->GetHeight(), Tree.CellRect(0, 2).Bottom - Tree.CellRect(0, 0).Top)
+        << "from the first to the last";
+    EXPECT_EQ(Tree.GetGridState(), gsNormal);
+    Tree.Release();
+    Offered.clear();
+    Tree.Press("A");
+    Tree.Release();
+    EXPECT_EQ(Offered, "");
+}
+
+TEST(TreeDragging, HandlersMayDoAnything) {
+    using TTree = std::unique_ptr<TDragTree>;
+    const std::vector<std::function<void(TTree&)>> Deeds{
+        [](TTree& T) { T.reset(); },
+        [](TTree& T) { T->GetItems()->Clear(); },
+        [](TTree& T) { T->EndDrag(false); },
+        [](TTree& T) { T->SetDragType(T->GetDragType() == dtOLE ? dtStandard : dtOLE); },
+        [](TTree& T) { T->hide(); },
+        [](TTree& T) { T->RecreateWnd(); },
+    };
+    for (std::size_t i = 0; i < Deeds.size(); ++i) {
+        for (int Place = 0; Place < 9; ++Place) {
+            auto Tree = std::make_unique<TDragTree>();
+            Tree->SetAutoMove(true);
+            if (Place >= 5) Tree->SetDragType(dtOLE);
+            int Left = 1;
+            const TAnyHandler Handler{[&] {
+                if (Left-- > 0 && Tree) Deeds[i](Tree);
+            }};
+            if (Place == 0) Tree->OnStartDrag = Handler;
+            if (Place == 1) Tree->OnDragOver = Handler;
+            if (Place == 2) Tree->OnDragDrop = Handler;
+            if (Place == 3) Tree->OnEndDrag = Handler;
+            if (Place == 4) Tree->OnRowMoved = Handler;
+            if (Place == 5) Tree->OnOLEDragOver = Handler;
+            if (Place == 6) Tree->OnOLEDragDrop = Handler;
+            if (Place == 7) Tree->OnOLEStartDrag = Handler;
+            if (Place == 8) Tree->OnOLECompleteDrag = Handler;
+            if (Place == 5 || Place == 6) {
+                TDesktop Desk(*Tree);
+                const QPoint Pos = Tree->On("C");
+                Desk.Send<QDragEnterEvent>(Pos);
+                Desk.Send<QDragMoveEvent>(Pos);
+                Desk.Send<QDropEvent>(Pos);
+            } else {
+                const QPoint Far = Tree->On("D");
+                Tree->Press("A");
+                for (const int Step : {14, 30, 0}) {
+                    if (Tree && Tree->windowHandle())
+                        QTest::mouseMove(Tree->windowHandle(), Far + QPoint(Step, 0));
+                }
+                if (Tree && Tree->windowHandle())
+                    QTest::mouseRelease(Tree->windowHandle(), Qt::LeftButton, {}, Far);
+                EndActiveDrag(false);
+            }
+            QCoreApplication::processEvents();
+            if (Tree) Tree->Check();
+            EXPECT_FALSE(GetActiveDrag()) << i << " at " << Place;
+        }
+    }
+}
+
+} // namespace
+} // namespace quill
