@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <QWindow>
 
 #include <cstdio>
 #include <cstdlib>
@@ -108,13 +109,21 @@ public:
         OnDrag();
         FIsDragging = false;
     }
+    // Tells the place once the window manager has stopped moving the window.
     void Announce() {
         const TPoint Center = ClientToScreen({GetClientWidth() / 2, GetClientHeight() / 2});
-        Say("ready %d %d", Center.X, Center.Y);
+        FStill = windowHandle()->isExposed() && Center == FCenter ? FStill + 1 : 0;
+        FCenter = Center;
+        if (FStill == 4)
+            Say("ready %d %d", Center.X, Center.Y);
+        else
+            QTimer::singleShot(100, this, [this] { Announce(); });
     }
 
 private:
     bool FIsDragging = false;
+    TPoint FCenter;
+    int FStill = 0;
 };
 
 } // namespace
@@ -169,7 +178,6 @@ int main(int argc, char** argv) {
         };
     }
     Window.show();
-    // The window manager may have moved it.
-    QTimer::singleShot(400, &Window, [&] { Window.Announce(); });
+    Window.Announce();
     return App.exec();
 }
