@@ -1,6 +1,7 @@
 #include "host/base/Objects.h"
 
 #include "host/base/Errors.h"
+#include "host/base/PropertyTables.h"
 #include "host/base/Texts.h"
 
 #include <cstdlib>
@@ -162,6 +163,14 @@ void TComponent::Announce(TComponent* AComponent, TOperation Operation) {
         if (FComponents[I] != AComponent) FComponents[I]->Announce(AComponent, Operation);
         if (Self.IsGone()) return;
     }
+}
+
+const TClassInfo* TComponent::GetClassInfo() const {
+    static const TPropertyInfo Properties[] = {
+        InRange(Published<&TComponent::GetTag, &TComponent::SetTag>("Tag", 0),
+                std::numeric_limits<std::intptr_t>::min(), std::numeric_limits<std::intptr_t>::max())};
+    static const TClassInfo Info{"TComponent", nullptr, Properties};
+    return &Info;
 }
 
 void TComponent::Loaded() { FComponentState.Exclude(csLoading); }

@@ -77,6 +77,8 @@ public:
     void FreeNotification(TComponent* AComponent);
     void RemoveFreeNotification(TComponent* AComponent);
 
+    // Tag.
+    const TClassInfo* GetClassInfo() const override;
     // For forms: the component that this one stands in; null in the root itself. The root owns all of them. The base
     // stands in nothing and lets nothing be changed.
     virtual TComponent* GetParentComponent() const { return nullptr; }

@@ -43,6 +43,7 @@ public:
     TFontStyles GetStyle() const { return FStyle; }
     void SetStyle(TFontStyles Value);
     void Assign(TPersistent* Source) override;
+    const TClassInfo* GetClassInfo() const override;
     // Same face, height and style; the colour does not count.
     bool SameShape(const TFont& Other) const;
     // Copies from the toolkit's font without asking for points.

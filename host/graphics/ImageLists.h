@@ -9,6 +9,7 @@
 namespace quill {
 
 class TCustomImageList;
+class TStream;
 
 // A control's subscription to an image list; unlinks itself from either side.
 class TChangeLink : public TObject {
@@ -58,6 +59,12 @@ public:
     void UnRegisterChanges(TChangeLink* Value);
     void BeginUpdate() { ++FUpdateCount; }
     void EndUpdate();
+
+    // The size, and the pictures in both of their representations.
+    const TClassInfo* GetClassInfo() const override;
+    void DefineProperties(TFiler& Filer) override;
+    void ReadPictures(TStream& Stream);
+    void WritePictures(TStream& Stream) const;
 
     TNotifyEvent OnChange;
 

@@ -1,4 +1,5 @@
 // Fonts, pens and brushes.
+#include "host/base/PropertyTables.h"
 #include "host/graphics/Graphics.h"
 
 #include <QFont>
@@ -8,6 +9,12 @@
 #include <cmath>
 
 namespace quill {
+
+template <>
+struct TEnumNames<TFontStyle> {
+    static constexpr std::string_view Names[] = {"fsBold", "fsItalic", "fsUnderline", "fsStrikeOut"};
+};
+
 namespace {
 
 constexpr int PixelsPerInch = 96;
@@ -72,6 +79,19 @@ void TFont::Assign(TPersistent* Source) {
     FColor = Other->FColor;
     FStyle = Other->FStyle;
     Changed();
+}
+
+const TClassInfo* TFont::GetClassInfo() const {
+    using T = TFont;
+    static const TPropertyInfo Properties[] = {
+        Published<&T::GetColor, &T::SetColor>("Color", clWindowText),
+        // Some thousand pixels are more than any text has.
+        InRange(Published<&T::GetHeight, &T::SetHeight>("Height"), -0x7FFF, 0x7FFF),
+        Published<&T::GetName, &T::SetName>("Name"),
+        Published<&T::GetStyle, &T::SetStyle>("Style", 0),
+    };
+    static const TClassInfo Info{"TFont", nullptr, Properties};
+    return &Info;
 }
 
 void TFont::SetFromQt(const QFont& Font) {

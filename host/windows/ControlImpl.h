@@ -5,6 +5,7 @@
 #include "host/windows/ScrollBars.h"
 
 #include <QImage>
+#include <QEvent>
 #include <QPointer>
 
 #include <array>
@@ -102,8 +103,9 @@ struct TCustomControl::TImpl {
 
     // --- input (ControlInput.cpp) -----------------------------------------------------------------------------
     // Posted messages, and notifications that wait until Qt's own bookkeeping is done: CM_MOUSEENTER, CM_MOUSELEAVE,
-    // EnterNotification.
+    // EnterNotification, ResizeNotification.
     static constexpr unsigned EnterNotification = 0;
+    static constexpr unsigned ResizeNotification = 1;
     std::deque<TMessage> Waiting;
     bool WakeUpPosted = false;
     // Calls of handlers that Qt made through one of our child widgets and that are still running.
@@ -167,6 +169,38 @@ struct TCustomControl::TImpl {
     void SyncBar(int Bar);
 
     // --- timers -----------------------------------------------------------------------------------------------
+    // --- place in the parent (Placement.cpp) --------------------------------------------------------------------
+    // Lays out the controls of one parent; belongs to it.
+    class TLayouter;
+    TAlign Align = alNone;
+    TAnchors Anchors{akLeft, akTop};
+    // Bounds that were given, not computed, and the parent's size at that time.
+    QRect AnchoredBounds;
+    QSize AnchoredIn;
+    bool Placing = false;
+    std::unique_ptr<TSizeConstraints> Constraints;
+
+    // False when the size must not change; may change it.
+    bool CheckSize(int& Width, int& Height);
+    void NotePlace(QEvent::Type Change);
+    void PlaceAt(const QRect& Bounds);
+    void KeepAnchors(QSize Parent);
+    void RememberAnchors();
+    void ChildrenRoomChanged();
+    void ApplyConstraints();
+
+    // --- hint, menu, order (ControlExtras.cpp) ------------------------------------------------------------------
+    std::string Hint;
+    TPopupMenu* PopupMenu = nullptr;
+    int TabOrder = -1;
+    bool ShowHint = false;
+    bool ParentShowHint = true;
+    bool UseDockManager = true;
+    bool DockSite = false;
+
+    void ApplyHint();
+    void ApplyTabOrder();
+
     std::vector<std::pair<int, int>> Timers; // our identifier, Qt's
     void KillTimers();
 };

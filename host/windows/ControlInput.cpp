@@ -118,6 +118,8 @@ bool TCustomControl::TImpl::DeliverWaiting() {
         if (Message.Msg == EnterNotification)
             Control.DoEnter();
         else
+        else if (Message.Msg == ResizeNotification)
+            FireEvent(Control.OnResize, &Control);
             Control.Perform(Message.Msg, Message.WParam, Message.LParam);
     }
     return static_cast<bool>(Guard);
@@ -284,8 +286,6 @@ bool TCustomControl::viewportEvent(QEvent* Event) {
     }
     return QAbstractScrollArea::viewportEvent(Event);
 }
-
-void TCustomControl::contextMenuEvent(QContextMenuEvent* Event) { Event->ignore(); }
 
 // --- keys ---------------------------------------------------------------------------------------------------------
 
@@ -469,6 +469,16 @@ bool TCustomControl::event(QEvent* Event) {
         break;
     case QEvent::ScreenChangeInternal:
         FImpl->ScaleChanged();
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::ShowToParent:
+    case QEvent::HideToParent:
+    case QEvent::ParentChange: {
+        const TControlGuard Guard(this);
+        FImpl->NotePlace(Event->type());
+        if (!Guard) return true;
+        break;
+    }
         break;
     case QEvent::Paint: {
         if (FBorderWidth > 0) {

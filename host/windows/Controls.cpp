@@ -122,8 +122,6 @@ void TCustomControl::BeginDestruction() {
     FCanvas->OnOpen = nullptr;
 }
 
-void TCustomControl::Loaded() { TComponent::Loaded(); }
-
 // --- the window handle --------------------------------------------------------------------------------------------
 
 void TCustomControl::HandleNeeded() {
@@ -221,6 +219,11 @@ void TCustomControl::TImpl::LayOut() {
 }
 
 void TCustomControl::TImpl::ClientResized(bool Always) {
+    {
+        const TControlGuard Guard(&Control);
+        ChildrenRoomChanged();
+        if (!Guard) return;
+    }
     if (!Control.FHandleAllocated || DestructionBegun) return;
     FitSurface();
     const QSize Size = Control.viewport()->size();
@@ -244,8 +247,16 @@ int TCustomControl::GetClientHeight() const {
 void TCustomControl::SetBounds(int ALeft, int ATop, int AWidth, int AHeight) {
     AWidth = std::max(AWidth, 0);
     AHeight = std::max(AHeight, 0);
-    FImpl->AskedSize = QSize(AWidth, AHeight);
     const TControlGuard Guard(this);
+    if (AWidth != GetWidth() || AHeight != GetHeight()) {
+        const bool Allowed = FImpl->CheckSize(AWidth, AHeight);
+        if (!Guard) return;
+        if (!Allowed) {
+            AWidth = GetWidth();
+            AHeight = GetHeight();
+        }
+    }
+    FImpl->AskedSize = QSize(AWidth, AHeight);
     setGeometry(ALeft, ATop, AWidth, AHeight);
     if (!Guard) return;
     FImpl->LayOut();
@@ -279,27 +290,24 @@ QSize TCustomControl::minimumSizeHint() const {
 
 void TCustomControl::SetColor(TColor Value) {
     FParentColor = false;
+    ChangeColor(Value);
+}
+
+void TCustomControl::ChangeColor(TColor Value) {
     if (FColor == Value) return;
     FColor = Value;
     if (FBorderWidth > 0) update();
     Invalidate();
+    TellChildren();
 }
 
 void TCustomControl::SetParentColor(bool Value) {
     if (FParentColor == Value) return;
     FParentColor = Value;
     if (!Value) return;
-    TColor Color = clBtnFace; // what the toolkit's own windows show
-    for (QWidget* Ancestor = parentWidget(); Ancestor; Ancestor = Ancestor->parentWidget()) {
-        if (const auto* Parent = dynamic_cast<TCustomControl*>(Ancestor)) {
-            Color = Parent->GetColor();
-            break;
-        }
-    }
-    if (FColor == Color) return;
-    FColor = Color;
-    if (FBorderWidth > 0) update();
-    Invalidate();
+    const TCustomControl* const Parent = FindParentControl();
+    // What the toolkit's own windows show.
+    ChangeColor(Parent ? Parent->GetColor() : clBtnFace);
 }
 
 void TCustomControl::SetFont(TFont* Value) { FFont->Assign(Value); }
@@ -357,9 +365,21 @@ void TCustomControl::TImpl::ScaleChanged() {
 
 void TCustomControl::SetCtl3D(bool Value) {
     FParentCtl3D = false;
+    ChangeCtl3D(Value);
+}
+
+void TCustomControl::ChangeCtl3D(bool Value) {
     if (FCtl3D == Value) return;
     FCtl3D = Value;
+    const TControlGuard Guard(this);
     Perform(CM_CTL3DCHANGED, 0, 0);
+    if (Guard) TellChildren();
+}
+
+void TCustomControl::SetParentCtl3D(bool Value) {
+    FParentCtl3D = Value;
+    const TCustomControl* const Parent = Value ? FindParentControl() : nullptr;
+    if (Parent) ChangeCtl3D(Parent->GetCtl3D());
 }
 
 void TCustomControl::SetBorderStyle(TBorderStyle Value) {

@@ -7,6 +7,7 @@
 #include "host/base/Objects.h"
 #include "host/graphics/Canvas.h"
 #include "host/windows/Messages.h"
+#include "host/windows/Placement.h"
 
 #include <QAbstractScrollArea>
 #include <QRegion>
@@ -83,6 +84,7 @@ using TMouseWheelUpDownEvent =
 
 class TCustomControl;
 class TCustomImageList;
+class TPopupMenu; // host/windows/Menus.h
 class TDragObject; // host/windows/Dragging.h
 
 // Dragging inside the program. DragObject may be set to an object of the program's own, which stays the program's.
@@ -156,6 +158,14 @@ public:
     void SetTop(int Value) { SetBounds(GetLeft(), Value, GetWidth(), GetHeight()); }
     void SetWidth(int Value) { SetBounds(GetLeft(), GetTop(), Value, GetHeight()); }
     void SetHeight(int Value) { SetBounds(GetLeft(), GetTop(), GetWidth(), Value); }
+    TAlign GetAlign() const;
+    void SetAlign(TAlign Value);
+    TAnchors GetAnchors() const;
+    void SetAnchors(TAnchors Value);
+    TSizeConstraints* GetConstraints();
+    void SetConstraints(TSizeConstraints* Value);
+    // Whether a layout of the platform gives the control its bounds.
+    bool IsLaidOut() const;
     TPoint ClientToScreen(TPoint Point) const;
     TPoint ScreenToClient(TPoint Point) const;
     QSize sizeHint() const override;
@@ -212,7 +222,7 @@ public:
     bool GetCtl3D() const { return FCtl3D; }
     void SetCtl3D(bool Value);
     bool GetParentCtl3D() const { return FParentCtl3D; }
-    void SetParentCtl3D(bool Value) { FParentCtl3D = Value; }
+    void SetParentCtl3D(bool Value);
     TBorderStyle GetBorderStyle() const { return FBorderStyle; }
     void SetBorderStyle(TBorderStyle Value);
     // Pixels of the control's colour between border and client area, 0 or more; sends CM_BORDERCHANGED.
@@ -220,10 +230,34 @@ public:
     void SetBorderWidth(int Value);
     bool GetTabStop() const { return FTabStop; }
     void SetTabStop(bool Value);
-    bool GetEnabled() const { return isEnabled(); }
+    // Of the control itself; inside a disabled parent it is disabled all the same.
+    bool GetEnabled() const { return !testAttribute(Qt::WA_ForceDisabled); }
     void SetEnabled(bool Value) { setEnabled(Value); }
-    bool GetVisible() const { return !isHidden(); }
+    // Whether the control is shown when its parent is; so in a new one.
+    bool GetVisible() const {
+        return !testAttribute(Qt::WA_WState_Hidden) || !testAttribute(Qt::WA_WState_ExplicitShowHide);
+    }
     void SetVisible(bool Value) { setVisible(Value); }
+    // Shown while the mouse rests over the control, with ShowHint.
+    std::string GetHint() const;
+    void SetHint(const std::string& Value);
+    bool GetShowHint() const;
+    void SetShowHint(bool Value);
+    bool GetParentShowHint() const;
+    void SetParentShowHint(bool Value);
+    // Opened by the right mouse button and the menu key, with the menu's AutoPopup.
+    TPopupMenu* GetPopupMenu() const;
+    void SetPopupMenu(TPopupMenu* Value);
+    // The place in the order in which Tab goes through the controls of one parent, from 0; -1 leaves it to the platform
+    // (the order of creation). Equal ones keep theirs.
+    int GetTabOrder() const;
+    void SetTabOrder(int Value);
+    // Kept for forms: there is no docking.
+    bool GetUseDockManager() const;
+    void SetUseDockManager(bool Value);
+    bool GetDockSite() const;
+    void SetDockSite(bool Value);
+    // Painting always goes through a buffer; the value is kept for programs.
     bool GetDoubleBuffered() const { return FDoubleBuffered; }
     void SetDoubleBuffered(bool Value) { FDoubleBuffered = Value; }
     TBiDiMode GetBiDiMode() const { return FBiDiMode; }
@@ -404,7 +438,23 @@ public:
     TEndDragEvent OnEndDrag;
 
     void Loaded() override;
+    TCanResizeEvent OnCanResize;
+    TConstrainedResizeEvent OnConstrainedResize;
+    // The size has changed; told from the event loop, once for several changes.
+    TNotifyEvent OnResize;
+    TStartDockEvent OnStartDock;
+    TEndDockEvent OnEndDock;
+    TDockDropEvent OnDockDrop;
+    TDockOverEvent OnDockOver;
+    TGetSiteInfoEvent OnGetSiteInfo;
+    TUnDockEvent OnUnDock;
 
+    // --- forms ------------------------------------------------------------------------------------------------
+    const TClassInfo* GetClassInfo() const override;
+    // The control in which this one is shown.
+    TComponent* GetParentComponent() const override;
+    void SetParentComponent(TComponent* Value) override;
+    void Notification(TComponent* AComponent, TOperation Operation) override;
 Q_SIGNALS:
     void clicked();
     void doubleClicked();
@@ -437,6 +487,13 @@ private:
 
     std::unique_ptr<TImpl> FImpl;
     std::unique_ptr<TCanvas> FCanvas;
+    TCustomControl* FindParentControl() const;
+    void FollowParent();
+    void TellChildren() const;
+    void ChangeColor(TColor Value);
+    void ChangeCtl3D(bool Value);
+    void ChangeShowHint(bool Value);
+
     std::unique_ptr<TFont> FFont;
     QRegion FInvalid;
     TCreateParams FParams;
