@@ -168,7 +168,6 @@ struct TCustomControl::TImpl {
     // The bar shows the position that the control has set.
     void SyncBar(int Bar);
 
-    // --- timers -----------------------------------------------------------------------------------------------
     // --- place in the parent (Placement.cpp) --------------------------------------------------------------------
     // Lays out the controls of one parent; belongs to it.
     class TLayouter;
@@ -201,6 +200,7 @@ struct TCustomControl::TImpl {
     void ApplyHint();
     void ApplyTabOrder();
 
+    // --- timers -----------------------------------------------------------------------------------------------
     std::vector<std::pair<int, int>> Timers; // our identifier, Qt's
     void KillTimers();
 };

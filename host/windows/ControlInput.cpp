@@ -117,9 +117,9 @@ bool TCustomControl::TImpl::DeliverWaiting() {
         Waiting.pop_front();
         if (Message.Msg == EnterNotification)
             Control.DoEnter();
-        else
         else if (Message.Msg == ResizeNotification)
             FireEvent(Control.OnResize, &Control);
+        else
             Control.Perform(Message.Msg, Message.WParam, Message.LParam);
     }
     return static_cast<bool>(Guard);
@@ -457,6 +457,16 @@ bool TCustomControl::event(QEvent* Event) {
         return true;
     }
     switch (Event->type()) {
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::ShowToParent:
+    case QEvent::HideToParent:
+    case QEvent::ParentChange: {
+        const TControlGuard Guard(this);
+        FImpl->NotePlace(Event->type());
+        if (!Guard) return true;
+        break;
+    }
     case QEvent::ShortcutOverride:
         if (const unsigned Msg = ClipboardMessage(static_cast<QKeyEvent&>(*Event));
             Msg != 0 && GetClipboardKey(Msg) == TClipboardKey::BeforeMenus) {
@@ -469,16 +479,6 @@ bool TCustomControl::event(QEvent* Event) {
         break;
     case QEvent::ScreenChangeInternal:
         FImpl->ScaleChanged();
-    case QEvent::Move:
-    case QEvent::Resize:
-    case QEvent::ShowToParent:
-    case QEvent::HideToParent:
-    case QEvent::ParentChange: {
-        const TControlGuard Guard(this);
-        FImpl->NotePlace(Event->type());
-        if (!Guard) return true;
-        break;
-    }
         break;
     case QEvent::Paint: {
         if (FBorderWidth > 0) {

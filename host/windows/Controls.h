@@ -436,8 +436,6 @@ public:
     TDragOverEvent OnDragOver;
     TDragDropEvent OnDragDrop;
     TEndDragEvent OnEndDrag;
-
-    void Loaded() override;
     TCanResizeEvent OnCanResize;
     TConstrainedResizeEvent OnConstrainedResize;
     // The size has changed; told from the event loop, once for several changes.
@@ -455,6 +453,8 @@ public:
     TComponent* GetParentComponent() const override;
     void SetParentComponent(TComponent* Value) override;
     void Notification(TComponent* AComponent, TOperation Operation) override;
+    void Loaded() override;
+
 Q_SIGNALS:
     void clicked();
     void doubleClicked();
@@ -485,8 +485,6 @@ protected:
 private:
     struct TImpl;
 
-    std::unique_ptr<TImpl> FImpl;
-    std::unique_ptr<TCanvas> FCanvas;
     TCustomControl* FindParentControl() const;
     void FollowParent();
     void TellChildren() const;
@@ -494,6 +492,8 @@ private:
     void ChangeCtl3D(bool Value);
     void ChangeShowHint(bool Value);
 
+    std::unique_ptr<TImpl> FImpl;
+    std::unique_ptr<TCanvas> FCanvas;
     std::unique_ptr<TFont> FFont;
     QRegion FInvalid;
     TCreateParams FParams;
