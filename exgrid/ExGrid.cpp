@@ -136,13 +136,20 @@ void TCustomExGrid::WMSize(TWMSize& Message) {
     InvalidateGrid();
     KeepHOffset();
     UpdateScrollRange();
-    if (Guard && FEditorMode) UpdateEdit();
+    if (Guard) RefreshEdit(false);
 }
 
 void TCustomExGrid::CMShowingChanged(TMessage& Message) {
     const TControlGuard Guard(this);
     TCustomControl::CMShowingChanged(Message);
     if (Guard && GetVisible()) UpdateScrollRange();
+    if (!Guard || !FEditorMode) return;
+    // Closing the window ends the edit as leaving the grid does; iconifying it only stores.
+    if (isVisible() || HasOption(goAlwaysShowEditor)) {
+        UpdateText();
+    } else {
+        HideEditor();
+    }
 }
 
 // The focused and the selected cells look different, and a descendant may mark more than one.
@@ -151,7 +158,7 @@ void TCustomExGrid::WMSetFocus(TMessage& Message) {
     TCustomControl::WMSetFocus(Message);
     if (!Guard) return;
     InvalidateGrid();
-    if (FEditorMode && !FHidingEdit) UpdateEdit();
+    if (!FHidingEdit) RefreshEdit(true);
 }
 
 void TCustomExGrid::WMKillFocus(TMessage& Message) {

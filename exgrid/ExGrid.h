@@ -377,6 +377,7 @@ public:
     void InvalidateEditor();
     // Leaves editor mode without storing what was typed.
     void DiscardEdit();
+    // Stores the text of the editor's cell; the editor stays.
     void UpdateText();
     // For descendants whose cells move: the editor has been opened on a cell, and its text is to be stored. Base:
     // SetEditText, if there still is such a cell.
@@ -463,6 +464,9 @@ private:
     void ResizeAxes(int NewColCount, int ColIndex, int NewRowCount, int RowIndex);
     void KeepCellsInside();
     void ExtentsChanged();
+    bool MayEdit();
+    void RefreshEdit(bool Show);
+    void PlaceEditor(bool Show);
     // The largest origin of a client of that width, or height.
     int MaxLeftIn(int AxisWidth);
     int MaxTopIn(int AxisHeight);
@@ -538,12 +542,14 @@ private:
     int FDropTargetRow = -1;
     int FInplaceCol = -1;
     int FInplaceRow = -1;
-    unsigned FEditSession = 0; // counts the cells that were given to the editor
+    unsigned FEditSession = 0;    // counts how often the editor was given a cell or lost it
+    unsigned FStoringSession = 0; // whose text is being stored, 0 for none
+    TGridCoord FAskedCell = NoGridCoord; // for which the application was asked whether it may be edited
     bool FFixedRowAsButton = true;
     bool FFixedColAsButton = true;
     bool FSelectionCleared = false;
     bool FEditorMode = false;
-    bool FStoringEdit = false;
+    bool FAskingEdit = false;
     bool FHidingEdit = false;
     bool FFlatScrollBars = false;
     bool FScrolling = false;

@@ -33,6 +33,7 @@ void TCustomExGrid::ShowEditor() {
         if (!Guard) return;
     }
     FEditorMode = true;
+    FAskedCell = NoGridCoord;
     UpdateEdit();
 }
 
@@ -57,13 +58,22 @@ void TCustomExGrid::HideEdit() {
     if (!Guard || FInplaceEdit == nullptr || Session != FEditSession) return;
     FInplaceCol = -1;
     FInplaceRow = -1;
+    ++FEditSession;
     const TFlagScope Hiding(this, FHidingEdit);
     FInplaceEdit->Hide();
 }
 
+// Whoever is asked may show a message, at whose end we get the focus again: not a reason to ask once more.
+bool TCustomExGrid::MayEdit() {
+    if (FAskingEdit) return false;
+    const TFlagScope Asking(this, FAskingEdit);
+    if (TCustomExGrid::CanEditShow()) FAskedCell = FCurrent;
+    return CanEditShow();
+}
+
 void TCustomExGrid::UpdateEdit() {
     const TControlGuard Guard(this);
-    if (!CanEditShow() || !Guard) return;
+    if (!MayEdit() || !Guard) return;
     if (FInplaceEdit == nullptr) {
         FInplaceEdit = CreateEditor();
         if (FInplaceEdit == nullptr) return;
@@ -83,10 +93,28 @@ void TCustomExGrid::UpdateEdit() {
         if (!Guard || FInplaceEdit == nullptr || Session != FEditSession) return;
         FInplaceEdit->SelectAll();
     }
-    if (!CanEditShow() || !Guard || FInplaceEdit == nullptr) return;
+    if (!MayEdit() || !Guard || FInplaceEdit == nullptr) return;
     // Application code may have moved on without the editor.
-    if (FInplaceCol == FCurrent.X && FInplaceRow == FCurrent.Y)
+    if (GetEditorCell() == FCurrent)
         MoveEditor(FCurrent.X, FCurrent.Y, CellRect(FCurrent.X, FCurrent.Y), true);
+}
+
+// After the focus came, or the layout has changed. What was allowed or refused stays so.
+void TCustomExGrid::RefreshEdit(bool Show) {
+    if (!FEditorMode) return;
+    if (GetEditorCell() != FCurrent) {
+        if (FAskedCell != FCurrent) UpdateEdit();
+    } else if (IsEditorShown()) {
+        PlaceEditor(Show);
+    } else if (TCustomExGrid::CanEditShow()) {
+        MoveEditor(FCurrent.X, FCurrent.Y, CellRect(FCurrent.X, FCurrent.Y), true);
+    }
+}
+
+// Brings the editor that is shown to where its cell is now.
+void TCustomExGrid::PlaceEditor(bool Show) {
+    if (IsEditorShown() && GetEditorCell() == FCurrent && HandleAllocated())
+        MoveEditor(FCurrent.X, FCurrent.Y, CellRect(FCurrent.X, FCurrent.Y), Show);
 }
 
 void TCustomExGrid::InvalidateEditor() {
@@ -102,10 +130,16 @@ void TCustomExGrid::DiscardEdit() {
 }
 
 void TCustomExGrid::UpdateText() {
-    // While the text is being stored a handler may end the edit once more.
-    if (FInplaceEdit == nullptr || FStoringEdit || HasState(csDestroying)) return;
-    if (FInplaceCol == -1 || FInplaceRow == -1) return;
-    const TFlagScope Storing(this, FStoringEdit);
+    const auto Waits = [this] {
+        // While a text is being stored a handler may end the edit once more, or another one.
+        return FInplaceEdit != nullptr && !HasState(csDestroying) && FInplaceCol != -1 && FInplaceRow != -1 &&
+               FStoringSession != FEditSession;
+    };
+    if (!Waits()) return;
+    const TControlGuard Guard(this);
+    FInplaceEdit->CommitComposition();
+    if (!Guard || !Waits()) return;
+    const TValueScope Storing(this, FStoringSession, FEditSession);
     StoreEdit(FInplaceCol, FInplaceRow, FInplaceEdit->GetText());
 }
 
@@ -129,15 +163,16 @@ void TCustomExGrid::MoveEditedCell(int ACol, int ARow) {
     if (IsEditorShown() && HandleAllocated()) MoveEditor(ACol, ARow, CellRect(ACol, ARow), false);
 }
 
-void TCustomExGrid::MoveEditor(int, int, const TRect& Rect, bool Show) {
+void TCustomExGrid::MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) {
     if (FInplaceEdit == nullptr) return;
-    // The editor stays off the fixed cells and inside the window.
+    // The editor stays inside the window, and off the fixed cells unless its own is one.
     TExGridDI DI;
     CalcFI(DI);
     TRect Area = GetClientRect();
-    (UseRightToLeftAlignment() ? Area.Right : Area.Left) +=
-        UseRightToLeftAlignment() ? -DI.Horz.FixedBoundary : DI.Horz.FixedBoundary;
-    Area.Top += DI.Vert.FixedBoundary;
+    if (ACol >= FFixedCols)
+        (UseRightToLeftAlignment() ? Area.Right : Area.Left) +=
+            UseRightToLeftAlignment() ? -DI.Horz.FixedBoundary : DI.Horz.FixedBoundary;
+    if (ARow >= FFixedRows) Area.Top += DI.Vert.FixedBoundary;
     TRect Place{};
     if (!IntersectRect(Place, Rect, Area)) Place = {};
     if (Show) {
@@ -187,7 +222,12 @@ void TCustomExGrid::EditorGone(const TInplaceEdit* Editor) {
 void TCustomExGrid::DoExit() {
     const TControlGuard Guard(this);
     TCustomControl::DoExit();
-    if (Guard && !HasOption(goAlwaysShowEditor)) SetEditorMode(false);
+    if (!Guard) return;
+    if (HasOption(goAlwaysShowEditor)) {
+        UpdateText();
+    } else {
+        SetEditorMode(false);
+    }
 }
 
 } // namespace quill

@@ -166,7 +166,7 @@ void TCustomExGrid::ExtentsChanged() {
     const TControlGuard Guard(this);
     KeepHOffset();
     UpdateScrollRange();
-    if (Guard && FEditorMode) UpdateEdit();
+    if (Guard) RefreshEdit(false);
 }
 
 void TCustomExGrid::ColWidthsChanged() { ExtentsChanged(); }

@@ -1,6 +1,8 @@
 // The keyboard.
 #include "exgrid/ExGrid.h"
 
+#include <QDialog>
+
 #include <algorithm>
 #include <cstdint>
 
@@ -90,7 +92,7 @@ void TCustomExGrid::KeyDown(std::uint16_t& Key, TShiftState Shift) {
         break;
     }
     case VK_F2:
-        if (!FEditorMode) SetEditorMode(true);
+        if (!IsEditorShown()) SetEditorMode(true);
         return;
     default:
         return;
@@ -141,6 +143,8 @@ void TCustomExGrid::KeyPress(char32_t& Key) {
     TCustomControl::KeyPress(Key);
     if (!Guard || HasOption(goAlwaysShowEditor) || !HasOption(goEditing)) return;
     if (Key != Return && Key != Escape) return;
+    // With no editor to close, Esc is the dialog's.
+    if (Key == Escape && !IsEditorShown() && qobject_cast<QDialog*>(window())) return;
     Key = 0;
     if (FEditorMode) {
         HideEditor();
@@ -179,7 +183,7 @@ void TCustomExGrid::CMWantSpecialKey(TWMKey& Message) {
         break;
     case VK_ESCAPE:
         // Esc is the dialog's unless there is something to end here.
-        if ((HasOption(goEditing) && FEditorMode) || IsDragging()) Message.Result = 1;
+        if ((IsEditorShown() && !HasOption(goAlwaysShowEditor)) || IsPressing()) Message.Result = 1;
         break;
     default:
         break;

@@ -52,6 +52,8 @@ void TCustomExGrid::Paint() {
     const TControlGuard Guard(this);
     DrawOn(*GetCanvas(), true);
     if (Guard && IsDragShown()) DrawDrag();
+    // Whatever moved the cell had it painted.
+    if (Guard) PlaceEditor(false);
 }
 
 void TCustomExGrid::DrawOn(TCanvas& ACanvas, bool Full) {

@@ -67,8 +67,7 @@ void TCustomExGrid::TopLeftMoved(const TGridCoord& OldTopLeft) {
         } else {
             InvalidateGrid();
         }
-        if (FEditorMode && FInplaceEdit != nullptr)
-            MoveEditor(FCurrent.X, FCurrent.Y, CellRect(FCurrent.X, FCurrent.Y), false);
+        PlaceEditor(false);
         if (!Guard) return;
     }
     TopLeftChanged();

@@ -71,11 +71,15 @@ void TCustomExGrid::FocusCell(int ACol, int ARow, bool AMoveAnchor, TShiftState 
     if (IsGridEmpty()) return;
     CheckCell(ACol, ARow, FColCount, FRowCount);
     const TControlGuard Guard(this);
+    const bool Edits = FEditorMode && HasOption(goEditing) && HasOption(goAlwaysShowEditor);
     HideEditor();
     // Whoever was told of the text may have made the grid smaller.
     if (!Guard || ACol > FColCount || ARow > FRowCount || IsGridEmpty()) return;
     MoveCurrent(ACol, ARow, AMoveAnchor, true, Shift, Way);
-    if (Guard) UpdateEdit();
+    if (!Guard) return;
+    // A move that was refused leaves the editor where it was.
+    if (Edits && HasOption(goEditing) && HasOption(goAlwaysShowEditor)) FEditorMode = true;
+    UpdateEdit();
 }
 
 void TCustomExGrid::MoveColRow(int ACol, int ARow, bool AMoveAnchor, bool Show) {

@@ -21,7 +21,8 @@ enum TKeyChar : char32_t {
     kcEscape = 27
 };
 
-bool IsPrintable(char32_t Key) { return Key >= 32 && Key != 127; }
+// As the grid understands it: 127 deletes a word, and is refused as letters are.
+bool IsPrintable(char32_t Key) { return Key >= 32; }
 
 } // namespace
 
@@ -49,19 +50,15 @@ bool TInplaceEdit::PosEqual(const TRect& Rect) const {
     return Rect == TRect{GetLeft(), GetTop(), GetLeft() + GetWidth(), GetTop() + GetHeight()};
 }
 
-void TInplaceEdit::UpdateLoc(const TRect& Rect) {
-    if (PosEqual(Rect)) return;
+void TInplaceEdit::InternalMove(const TRect& Rect, bool Show) {
     const TControlGuard Guard(this);
-    SetBounds(Rect.Left, Rect.Top, Rect.Right - Rect.Left, Rect.Bottom - Rect.Top);
-    if (Guard) BoundsChanged();
-}
-
-void TInplaceEdit::Move(const TRect& Rect) {
-    const TControlGuard Guard(this);
-    HandleNeeded();
+    if (Show) HandleNeeded();
     if (!Guard) return;
-    UpdateLoc(Rect);
-    if (!Guard) return;
+    if (!PosEqual(Rect)) {
+        SetBounds(Rect.Left, Rect.Top, Rect.Right - Rect.Left, Rect.Bottom - Rect.Top);
+        if (Guard) BoundsChanged();
+    }
+    if (!Guard || !Show) return;
     if (!Visible()) SetVisible(true);
     if (Guard && FGrid && FGrid->Focused()) SetFocus();
 }
@@ -77,11 +74,11 @@ void TInplaceEdit::Hide() {
 void TInplaceEdit::Deselect() { SetSel(GetTextLength(), GetTextLength()); }
 
 void TInplaceEdit::UpdateContents() {
-    SetText({});
-    if (!FGrid) return;
     const TControlGuard Guard(this);
-    const TControlGuard GridGuard(FGrid);
-    const auto Alive = [&] { return Guard && GridGuard; };
+    const TControlGuard GridGuard(FGrid ? static_cast<const TCustomControl*>(FGrid) : this);
+    const auto Alive = [&] { return Guard && GridGuard && FGrid; };
+    SetText({});
+    if (!Alive()) return;
     const std::string Mask = FGrid->GetEditMask(FGrid->GetCol(), FGrid->GetRow());
     if (!Alive()) return;
     const std::string Text = FGrid->GetEditText(FGrid->GetCol(), FGrid->GetRow());
@@ -92,9 +89,9 @@ void TInplaceEdit::UpdateContents() {
     if (FGrid->UseRightToLeftAlignment() && Alignment != taCenter)
         Alignment = Alignment == taLeftJustify ? taRightJustify : taLeftJustify;
     SetAlignment(Alignment);
-    SetEditMask(Mask);
-    SetText(Text);
     SetMaxLength(Limit);
+    SetEditMask(Mask);
+    if (Guard) SetText(Text);
 }
 
 bool TInplaceEdit::EditCanModify() { return !FGrid || FGrid->CanEditModify(); }
@@ -113,9 +110,10 @@ bool TInplaceEdit::MovesOn(std::uint16_t Key, TShiftState Shift) const {
                 : (Length == 0 || Start == 0) && Start + Length == End;
 }
 
-// What is typed is to be seen.
-void TInplaceEdit::ShowCell() {
-    if (GetWidth() <= 0 || GetHeight() <= 0) FGrid->ClampInView({FGrid->GetCol(), FGrid->GetRow()});
+// What is changed is to be seen.
+void TInplaceEdit::ChangeComing() {
+    if (FGrid && (GetWidth() <= 0 || GetHeight() <= 0))
+        FGrid->ClampInView({FGrid->GetCol(), FGrid->GetRow()});
 }
 
 void TInplaceEdit::KeyDown(std::uint16_t& Key, TShiftState Shift) {
@@ -124,6 +122,7 @@ void TInplaceEdit::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     const auto ToGrid = [&] {
         std::uint16_t Sent = std::exchange(Key, std::uint16_t{0});
         FGrid->KeyDown(Sent, Shift);
+        if (Guard) FEscapeUsed = Sent != VK_ESCAPE;
     };
     const bool NoModifiers = (Shift * TShiftState{ssShift, ssCtrl, ssAlt}).IsEmpty();
     switch (Key) {
@@ -199,9 +198,7 @@ void TInplaceEdit::KeyPress(char32_t& Key) {
         if (!FGrid->CanEditModify() && Guard) Key = 0;
         break;
     }
-    if (!Guard || Key == 0) return;
-    ShowCell();
-    if (Guard) TCustomEdit::KeyPress(Key);
+    if (Guard && Key != 0) TCustomEdit::KeyPress(Key);
 }
 
 void TInplaceEdit::WMGetDlgCode(TMessage& Message) {
@@ -211,7 +208,11 @@ void TInplaceEdit::WMGetDlgCode(TMessage& Message) {
 
 void TInplaceEdit::CMWantSpecialKey(TWMKey& Message) {
     TCustomEdit::CMWantSpecialKey(Message);
-    if (Message.CharCode == VK_TAB && FGrid && FGrid->HasOption(goTabs)) Message.Result = 1;
+    if (!FGrid) return;
+    if (Message.CharCode == VK_TAB && FGrid->HasOption(goTabs)) Message.Result = 1;
+    if (Message.CharCode == VK_ESCAPE &&
+        (FEscapeUsed || FGrid->Perform(CM_WANTSPECIALKEY, VK_ESCAPE, 0) != 0))
+        Message.Result = 1;
 }
 
 // --- the mouse ----------------------------------------------------------------------------------------------------

@@ -22,16 +22,16 @@ public:
 
     // Shows the editor at Rect, in client pixels of the grid, with the focus if the grid has it. Where there is no room
     // it keeps the focus and takes up none.
-    void Move(const TRect& Rect);
+    void Move(const TRect& Rect) { InternalMove(Rect, true); }
     // The same without showing.
-    void UpdateLoc(const TRect& Rect);
+    void UpdateLoc(const TRect& Rect) { InternalMove(Rect, false); }
     bool PosEqual(const TRect& Rect) const;
     // Called after each change of place.
     virtual void BoundsChanged() {}
     // The grid gets the focus that the editor had.
     void Hide();
     // Whether it is shown, be it scrolled out of sight.
-    bool Visible() const { return GetVisible(); }
+    bool Visible() const { return !isHidden(); }
     void Deselect();
     // Takes mask, text and limit of the grid's current cell.
     virtual void UpdateContents();
@@ -49,11 +49,15 @@ public:
     // The grid alone shows and hides the editor.
     void CMShowingChanged(TMessage&) override {}
 
+protected:
+    void ChangeComing() override;
+
 private:
+    void InternalMove(const TRect& Rect, bool Show);
     bool MovesOn(std::uint16_t Key, TShiftState Shift) const;
-    void ShowCell();
 
     TCustomExGrid* FGrid = nullptr;
+    bool FEscapeUsed = true; // by the grid, when it got the key last
 };
 
 } // namespace quill

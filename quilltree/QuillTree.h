@@ -477,12 +477,12 @@ public:
     int GetDefaultRowHeight() const override { return TCustomExGrid::GetDefaultRowHeight(); }
     void Invalidate() override { TCustomExGrid::Invalidate(); }
     void Repaint() override { TCustomExGrid::Repaint(); }
-    void InvalidateCell(int ACol, int ARow) override { TCustomExGrid::InvalidateCell(ACol, ARow); }
+    void InvalidateCell(int ACol, int ARow) override;
     void InvalidateRow(int ARow) override { TCustomExGrid::InvalidateRow(ARow); }
     void InvalidateBox(int ALeft, int ATop, int ARight, int ABottom, bool Erase) override;
     void InvalidateRectBelow(TFlyNode* Node) override;
-    void SetEditorMode(bool Value) override { TCustomExGrid::SetEditorMode(Value); }
-    void HideEditor() override { TCustomExGrid::HideEditor(); }
+    void SetEditorMode(bool Value) override;
+    void HideEditor() override;
     void HideEdit() override { TCustomExGrid::HideEdit(); }
     bool EditNodeText(TFlyNode* Node) override;
     void EndNodeEdit(TFlyNode* Node, bool Cancel) override;
@@ -508,6 +508,8 @@ private:
     void StoreNodeText(TFlyNode* Node, int DataCol, const std::string& Value);
     void FollowEdit();
     void SendClipboard(unsigned Msg);
+    void DoClipboard(TMessage& Message, void (TCustomQuillTree::*Operation)());
+    void FireClipboard(const TNotifyEvent& Event);
     bool CanDragNodes() const { return FDragType == dtOLE || HasOption(goRowMoving); }
     void DetectDrag(int X, int Y);
     void EndDropTarget();
@@ -652,6 +654,8 @@ private:
     bool FExpanding = false;
     bool FClearing = false;
     bool FInButtonClick = false;
+    bool FReopensEditor = false;
+    bool FClipboardUnused = false; // nobody was there to cut, copy or paste
     bool FAutoExpanding = false;
     bool FSelectingAlone = false; // SetSelection asks FocusCell for it
     bool FFocusing = false;       // FocusCell is on its way to SelectCell, with FFocusMarks

@@ -3,14 +3,16 @@
 #include "host/base/Events.h"
 #include "quilltree/QuillTree.h"
 
+#include <utility>
+
 namespace quill {
 
 namespace {
 
 // The node that is being edited has lost its cell.
 constexpr unsigned CM_ENDEDIT = 0xB100;
-// Pixels; with less room for the text the editor covers the whole cell.
-constexpr int LeastEditorWidth = 32;
+// Rows have moved under an editor that is always shown.
+constexpr unsigned CM_REOPENEDIT = 0xB101;
 
 } // namespace
 
@@ -44,11 +46,11 @@ bool TCustomQuillTree::CanEditShow() {
 
 void TCustomQuillTree::MoveEditor(int ACol, int ARow, const TRect& Rect, bool Show) {
     TRect Place = Rect;
-    // In the structure column the editor covers the text, right of the outline, where there is room for some letters.
+    // In the structure column the editor covers the text, right of the outline, where that leaves anything.
     if (TFlyNode* Node = ACol == FStructureCol ? GetNodeAtRow(ARow) : nullptr) {
         const TRect Text = DisplayRect(Node, true);
         TRect Room{};
-        if (IntersectRect(Room, Text, Rect) && Room.Right - Room.Left >= LeastEditorWidth) Place = Text;
+        if (IntersectRect(Room, Text, Rect)) Place = Text;
     }
     TCustomExGrid::MoveEditor(ACol, ARow, Place, Show);
 }
@@ -114,7 +116,37 @@ void TCustomQuillTree::UpdateEdit() {
     TCustomExGrid::UpdateEdit();
 }
 
+void TCustomQuillTree::SetEditorMode(bool Value) {
+    FReopensEditor = false;
+    TCustomExGrid::SetEditorMode(Value);
+}
+
+// Nodes close the editor when rows come or go. One that is always shown comes back once they have their places.
+void TCustomQuillTree::HideEditor() {
+    const TControlGuard Guard(this);
+    const bool Reopens = GetEditorMode() && HasOption(goAlwaysShowEditor) && HasOption(goEditing);
+    TCustomExGrid::HideEditor();
+    if (!Guard || !Reopens) return;
+    FReopensEditor = true;
+    PostMessage(CM_REOPENEDIT, 0, 0);
+}
+
+// Editor mode may be on although no editor covers the current cell, which then is a cell like others.
+void TCustomQuillTree::InvalidateCell(int ACol, int ARow) {
+    const bool Inside = ACol >= 0 && ARow >= 0 && ACol < GetColCount() && ARow < GetRowCount();
+    if (Inside && GetEditorMode() && !IsEditorShown()) {
+        InvalidateRect({ACol, ARow, ACol, ARow});
+    } else {
+        TCustomExGrid::InvalidateCell(ACol, ARow);
+    }
+}
+
 void TCustomQuillTree::WndProc(TMessage& Message) {
+    if (Message.Msg == CM_REOPENEDIT) {
+        const bool Wanted = HasOption(goAlwaysShowEditor) && HasOption(goEditing) && !GetEditorMode();
+        if (std::exchange(FReopensEditor, false) && Wanted) ShowEditor();
+        return;
+    }
     if (Message.Msg != CM_ENDEDIT) {
         TCustomExGrid::WndProc(Message);
         return;
@@ -132,7 +164,8 @@ bool TCustomQuillTree::EditNodeText(TFlyNode* Node) {
     if (FStructureCol == -1 || FStructureCol < GetFixedCols() || FStructureCol >= GetColCount()) return false;
     const TControlGuard Guard(this);
     const TNodeWatch Watch(Node);
-    Node->MakeVisible();
+    // A node inside a collapsed one is shown first, so that there is something to edit.
+    if (Node->GetRow() < 0) Node->MakeVisible();
     if (!Guard || !Watch || Node->GetRow() < 0) return false;
     SetCol(FStructureCol);
     if (!Guard || !Watch) return false;
@@ -165,21 +198,29 @@ void TCustomQuillTree::EndNodeEdit(TFlyNode* Node, bool Cancel) {
 
 // --- the clipboard ------------------------------------------------------------------------------------------------
 
-void TCustomQuillTree::WMCut(TMessage&) {
-    if (!IsEditorShowing()) CutSelection();
+void TCustomQuillTree::WMCut(TMessage& Message) { DoClipboard(Message, &TCustomQuillTree::CutSelection); }
+
+void TCustomQuillTree::WMCopy(TMessage& Message) { DoClipboard(Message, &TCustomQuillTree::CopySelection); }
+
+void TCustomQuillTree::WMPaste(TMessage& Message) { DoClipboard(Message, &TCustomQuillTree::PasteSelection); }
+
+// The result tells whether there was somebody to do it: a handler, or an override of the operation.
+void TCustomQuillTree::DoClipboard(TMessage& Message, void (TCustomQuillTree::*Operation)()) {
+    if (IsEditorShowing()) return;
+    const TControlGuard Guard(this);
+    FClipboardUnused = false;
+    (this->*Operation)();
+    Message.Result = Guard && FClipboardUnused ? 0 : 1;
 }
 
-void TCustomQuillTree::WMCopy(TMessage&) {
-    if (!IsEditorShowing()) CopySelection();
+void TCustomQuillTree::FireClipboard(const TNotifyEvent& Event) {
+    FClipboardUnused = !Event;
+    FireEvent(Event, this);
 }
 
-void TCustomQuillTree::WMPaste(TMessage&) {
-    if (!IsEditorShowing()) PasteSelection();
-}
-
-void TCustomQuillTree::CutSelection() { FireEvent(OnCutSelection, this); }
-void TCustomQuillTree::CopySelection() { FireEvent(OnCopySelection, this); }
-void TCustomQuillTree::PasteSelection() { FireEvent(OnPasteSelection, this); }
+void TCustomQuillTree::CutSelection() { FireClipboard(OnCutSelection); }
+void TCustomQuillTree::CopySelection() { FireClipboard(OnCopySelection); }
+void TCustomQuillTree::PasteSelection() { FireClipboard(OnPasteSelection); }
 
 void TCustomQuillTree::cutSelection() { SendClipboard(WM_CUT); }
 void TCustomQuillTree::copySelection() { SendClipboard(WM_COPY); }

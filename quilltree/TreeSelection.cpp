@@ -434,7 +434,9 @@ void TCustomQuillTree::WMChar(TWMKey& Message) {
         TCustomExGrid::WMChar(Message);
         return;
     }
-    if (Char == U'\r' || Char == U'+' || Char == U'-' || (Char == U' ' && FShowLogic)) return;
+    // Keys of the outline; composed text is text.
+    if (Char == U'\r') return;
+    if ((Char == U'+' || Char == U'-' || (Char == U' ' && FShowLogic)) && !IsComposedText()) return;
     if (GetOptions().Contains(goEditing)) {
         TCustomExGrid::WMChar(Message);
         return;

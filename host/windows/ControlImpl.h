@@ -128,6 +128,7 @@ struct TCustomControl::TImpl {
     int HorizontalWheelDelta = 0;
     QPoint WheelPixelRest;
     bool WheelHandled = false;
+    bool SendingComposed = false;
 
     // Asks for a call of WokenUp from the event loop.
     void WakeUp();

@@ -1,10 +1,11 @@
 // From Qt's events to messages: mouse, wheel, keys, focus, timers.
 #include "host/windows/ControlImpl.h"
+#include "host/windows/FlagScope.h"
 #include "host/windows/FocusTracker.h"
 #include "host/windows/Keys.h"
 
 #include <QApplication>
-#include <QContextMenuEvent>
+#include <QDialog>
 #include <qdrawutil.h>
 #include <QFocusEvent>
 #include <QInputMethodEvent>
@@ -326,11 +327,6 @@ void TCustomControl::keyPressEvent(QKeyEvent* Event) {
     const TControlGuard Guard(this);
     Event->accept();
     if (!Impl.DeliverWaiting()) return;
-    if (const unsigned Msg = ClipboardMessage(*Event);
-        Msg != 0 && GetClipboardKey(Msg) != TClipboardKey::Ignored) {
-        Perform(Msg, 0, 0);
-        return;
-    }
     const bool HasText = YieldsText(*Event);
     std::uint16_t Key = VirtualKeyFromQt(Event->key(), Event->modifiers().testFlag(Qt::KeypadModifier));
     if (Key == 0 && HasText) Key = VK_PACKET;
@@ -338,6 +334,19 @@ void TCustomControl::keyPressEvent(QKeyEvent* Event) {
     bool Handled = false;
     bool Consumed = false;
     if (Key != 0 && !Impl.SendKey(WM_KEYDOWN, Key, Shift, Handled, Consumed)) return;
+    if (const unsigned Command = ClipboardMessage(*Event);
+        Command != 0 && !Consumed && GetClipboardKey(Command) != TClipboardKey::Ignored) {
+        const bool Used = Perform(Command, 0, 0) != 0;
+        if (Guard) Event->setAccepted(Used || Handled);
+        return;
+    }
+    // A dialog closes with Esc unless a control that always takes the key has something to close itself.
+    if (Key == VK_ESCAPE && Consumed && SendsConsumedChar(Key) && qobject_cast<QDialog*>(window()) &&
+        !Impl.WantsSpecialKey(Key, Shift)) {
+        if (Guard) Event->ignore();
+        return;
+    }
+    if (!Guard) return;
     if (HasText && (!Consumed || SendsConsumedChar(Key)) && !Impl.SendText(TextOf(*Event), Shift, Handled))
         return;
     if (!Handled && IsNavigationKey(Key)) Handled = Impl.WantsSpecialKey(Key, Shift);
@@ -358,8 +367,11 @@ void TCustomControl::inputMethodEvent(QInputMethodEvent* Event) {
     Event->accept();
     if (!FImpl->DeliverWaiting()) return;
     bool Handled = false;
+    const TFlagScope Composed(this, FImpl->SendingComposed);
     FImpl->SendText(Event->commitString(), {}, Handled);
 }
+
+bool TCustomControl::IsComposedText() const { return FImpl->SendingComposed; }
 
 bool TCustomControl::focusNextPrevChild(bool Next) {
     // Also asked by Qt for Tab in a child (an editor), which then gets the key.

@@ -373,8 +373,10 @@ public:
     virtual void CMWantSpecialKey(TWMKey& Message);
     // Whether WM_CHAR follows a WM_KEYDOWN although that was consumed.
     virtual bool SendsConsumedChar(std::uint16_t /*Key*/) const { return false; }
-    // How a standard key of Cut, Copy or Paste becomes Msg (WM_CUT, WM_COPY or WM_PASTE): not at all, unless a menu of
-    // the program has it as a shortcut, or even then.
+    // Whether the WM_CHAR that is being handled comes from an input method, not from a key.
+    bool IsComposedText() const;
+    // How a standard key of Cut, Copy or Paste becomes Msg (WM_CUT, WM_COPY or WM_PASTE) when WM_KEYDOWN has left it: not
+    // at all, unless a menu of the program has it as a shortcut, or even then. A Result of 0 leaves it to the parents.
     enum class TClipboardKey { Ignored, AfterMenus, BeforeMenus };
     virtual TClipboardKey GetClipboardKey(unsigned /*Msg*/) const { return TClipboardKey::Ignored; }
 

@@ -1,27 +1,18 @@
-#include "host/windows/Edit.h"
-
-#include "host/base/Utf8.h"
 #include "host/windows/Application.h"
+#include "host/windows/EditLine.h"
 #include "host/windows/FlagScope.h"
+#include "host/windows/Keys.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QContextMenuEvent>
-#include <qdrawutil.h>
-#include <QDropEvent>
+#include <QDialog>
+#include <QInputMethod>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
-#include <QMouseEvent>
-#include <QPainter>
-#include <QStyle>
-#include <QValidator>
 
 #include <algorithm>
-#include <climits>
 
 namespace quill {
 
@@ -29,9 +20,6 @@ namespace {
 
 constexpr std::intptr_t DLGC_WANTARROWS = 0x1;
 constexpr std::intptr_t DLGC_WANTCHARS = 0x80;
-
-// Pixels between the edge and the text, besides the two that the platform's edit has itself: as much as a cell has.
-constexpr int TextMargin = 2;
 
 // What the keyboard sends for commands.
 enum TControlChar : char32_t {
@@ -45,141 +33,59 @@ enum TControlChar : char32_t {
 
 bool IsControlChar(char32_t Char) { return Char < 32 || Char == 127; }
 
-// One line of text: breaks and tabs become spaces, and what has no picture goes.
-QString AsLine(const QString& Text) {
-    QString Result;
-    Result.reserve(Text.size());
-    for (qsizetype i = 0; i < Text.size(); ++i) {
-        const char16_t Unit = Text.at(i).unicode();
-        if (Unit == u'\r' && i + 1 < Text.size() && Text.at(i + 1) == u'\n') continue;
-        if (Unit == u'\n' || Unit == u'\r' || Unit == u'\t' || Unit == u'\v' || Unit == u'\f' ||
-            Unit == 0x85 || Unit == 0x2028 || Unit == 0x2029) {
-            Result += u' ';
-        } else if (Unit >= 32 && Unit != 127) {
-            Result += Text.at(i);
-        }
-    }
-    return Result;
-}
-
 int CharCount(QStringView Text) {
     int Count = 0;
     for (const QChar Unit : Text) Count += Unit.isLowSurrogate() ? 0 : 1;
     return Count;
 }
 
+// Whether Text has all characters of Part in their order, whatever else it has. Masks may change their case.
+bool HasAllOf(const QString& Text, const QString& Part) {
+    qsizetype Pos = 0;
+    for (const QChar Unit : Part) {
+        Pos = Text.indexOf(Unit, Pos, Qt::CaseInsensitive) + 1;
+        if (Pos == 0) return false;
+    }
+    return true;
+}
+
+// The platform's key of a virtual key that moves the caret or edits without being a character; 0 for others.
+int EditingKey(std::uint16_t Key, TShiftState Shift) {
+    switch (Key) {
+    case VK_LEFT:
+        return Qt::Key_Left;
+    case VK_RIGHT:
+        return Qt::Key_Right;
+    case VK_HOME:
+        return Qt::Key_Home;
+    case VK_END:
+        return Qt::Key_End;
+    case VK_DELETE:
+        return Qt::Key_Delete;
+    case VK_INSERT:
+        return Shift.Contains(ssShift) || Shift.Contains(ssCtrl) ? Qt::Key_Insert : 0;
+    default:
+        return 0;
+    }
+}
+
+Qt::KeyboardModifiers ToQt(TShiftState Shift) {
+    Qt::KeyboardModifiers Result = Qt::NoModifier;
+    if (Shift.Contains(ssShift)) Result |= Qt::ShiftModifier;
+    if (Shift.Contains(ssCtrl)) Result |= Qt::ControlModifier;
+    if (Shift.Contains(ssAlt)) Result |= Qt::AltModifier;
+    return Result;
+}
+
+// Whether the key may change the text, other than by a character that comes with it or a command.
+bool MayChange(const QKeyEvent& Event) {
+    if (!Event.text().isEmpty() || Event.key() == Qt::Key_Delete || Event.key() == Qt::Key_Backspace)
+        return true;
+    return Event.modifiers().testFlag(Qt::ControlModifier) && Event.key() >= Qt::Key_A &&
+           Event.key() <= Qt::Key_Z && !Event.matches(QKeySequence::SelectAll);
+}
+
 } // namespace
-
-// Lets no change through that was not allowed, whichever way it comes.
-class TCustomEdit::TGate : public QValidator {
-public:
-    TGate(TCustomEdit& AEdit, QObject* Parent) : QValidator(Parent), Edit(AEdit) {}
-    State validate(QString&, int&) const override { return Edit.FModifying ? Acceptable : Invalid; }
-
-private:
-    TCustomEdit& Edit;
-};
-
-// The platform's edit. It hands what arrives to the control first, which gives it back.
-class TCustomEdit::TLine : public QLineEdit {
-public:
-    explicit TLine(TCustomEdit& AEdit) : QLineEdit(AEdit.viewport()), Edit(&AEdit) {
-        setFrame(false);
-        setMaxLength(INT_MAX);
-        setTextMargins(TextMargin, 0, TextMargin, 0);
-        setValidator(new TGate(AEdit, this));
-    }
-
-    void BaseKeyPress(QKeyEvent& Event) { QLineEdit::keyPressEvent(&Event); }
-    void BaseInputMethod(QInputMethodEvent& Event) { QLineEdit::inputMethodEvent(&Event); }
-
-    // The control goes; this stays until Qt is done with it.
-    void Leave(bool InUse) {
-        Edit = nullptr;
-        setValidator(nullptr);
-        if (!InUse) {
-            delete this;
-            return;
-        }
-        hide();
-        setParent(nullptr);
-        deleteLater();
-    }
-
-protected:
-    void paintEvent(QPaintEvent* Event) override {
-        QLineEdit::paintEvent(Event);
-        if (!Edit || !Edit->FOutlined) return;
-        QPainter Painter(this);
-        qDrawPlainRect(&Painter, rect(), palette().color(QPalette::Highlight), 1);
-    }
-    bool event(QEvent* Event) override {
-        if (!Edit) return QLineEdit::event(Event);
-        const TControlGuard Guard(Edit);
-        int& Dispatching = Edit->FDispatching;
-        ++Dispatching;
-        const bool Result = QLineEdit::event(Event);
-        if (Guard) --Dispatching;
-        return Result;
-    }
-    void keyPressEvent(QKeyEvent* Event) override {
-        if (Edit) Edit->keyPressEvent(Event);
-        // It is nobody else's: the control's parent would take it for a key of its own.
-        Event->accept();
-    }
-    void keyReleaseEvent(QKeyEvent* Event) override {
-        if (Edit) Edit->keyReleaseEvent(Event);
-        Event->accept();
-    }
-    void inputMethodEvent(QInputMethodEvent* Event) override {
-        if (Edit) Edit->inputMethodEvent(Event);
-        Event->accept();
-    }
-    void mousePressEvent(QMouseEvent* Event) override {
-        if (Edit && Edit->DeliverMessages()) QLineEdit::mousePressEvent(Event);
-    }
-    void mouseReleaseEvent(QMouseEvent* Event) override {
-        if (Event->button() != Qt::MiddleButton || !QGuiApplication::clipboard()->supportsSelection()) {
-            QLineEdit::mouseReleaseEvent(Event);
-        } else if (Edit) {
-            setCursorPosition(cursorPositionAt(Event->position().toPoint()));
-            Edit->InsertPasted(QGuiApplication::clipboard()->text(QClipboard::Selection));
-        }
-    }
-    void mouseDoubleClickEvent(QMouseEvent* Event) override {
-        QLineEdit::mouseDoubleClickEvent(Event);
-        if (Edit) Edit->DblClick();
-    }
-    void contextMenuEvent(QContextMenuEvent* Event) override {
-        if (Edit) Edit->ShowMenu(Event->globalPos());
-    }
-    void dropEvent(QDropEvent* Event) override {
-        if (!Edit || !Event->mimeData()->hasText()) return;
-        const TControlGuard Guard(Edit);
-        const bool Allowed = Edit->EditCanModify();
-        if (!Guard || !Allowed) return;
-        QMimeData Cleaned;
-        Cleaned.setText(Edit->CutToLimit(AsLine(Event->mimeData()->text())));
-        QDropEvent Copy(Event->position(), Event->possibleActions(), &Cleaned, Event->buttons(),
-                        Event->modifiers());
-        Copy.setDropAction(Event->dropAction());
-        const TFlagScope Modifying(Edit, Edit->FModifying);
-        QLineEdit::dropEvent(&Copy);
-        Event->setDropAction(Copy.dropAction());
-        Event->setAccepted(Copy.isAccepted());
-    }
-    void focusInEvent(QFocusEvent* Event) override {
-        QLineEdit::focusInEvent(Event);
-        if (Edit && Event->reason() != Qt::PopupFocusReason) Edit->Perform(WM_SETFOCUS, 0, 0);
-    }
-    void focusOutEvent(QFocusEvent* Event) override {
-        QLineEdit::focusOutEvent(Event);
-        if (Edit && Event->reason() != Qt::PopupFocusReason) Edit->Perform(WM_KILLFOCUS, 0, 0);
-    }
-
-private:
-    TCustomEdit* Edit;
-};
 
 // --- life ---------------------------------------------------------------------------------------------------------
 
@@ -202,7 +108,7 @@ TCustomEdit::TCustomEdit(TComponent* AOwner, QWidget* AParent)
 TCustomEdit::~TCustomEdit() {
     BeginDestruction();
     setFocusProxy(nullptr);
-    FLine->Leave(FDispatching > 0);
+    FLine->Leave(FUsingLine > 0);
 }
 
 void TCustomEdit::SetLineTabStop(bool Value) {
@@ -253,28 +159,39 @@ std::string TCustomEdit::GetText() const {
 }
 
 void TCustomEdit::SetText(const std::string& Value) {
+    const TControlGuard Guard(this);
     const QString Text = QString::fromStdString(Value);
-    FLine->setText(Text);
-    if (!FLine->inputMask().isEmpty() && !Text.isEmpty() && FLine->text() != Text) {
-        FLine->setInputMask(QString());
+    FComposing = false;
+    const auto Show = [&] {
+        // A text that was not accepted would open the gate for all that follow.
+        const TFlagScope Modifying(this, FModifying);
+        const TValueScope Using(this, FUsingLine, FUsingLine + 1);
         FLine->setText(Text);
+    };
+    Show();
+    if (!Guard) return;
+    if (!FLine->inputMask().isEmpty() && !HasAllOf(FLine->text(), Text)) {
+        SetEditMask({});
+        if (Guard) Show();
+        if (!Guard) return;
     }
     *FShown = FLine->text();
     FOriginal = Value;
 }
 
-int TCustomEdit::GetTextLength() const { return CharCount(FLine->text()); }
+// With a mask the line's text leaves out what the user has not filled in, and positions count it.
+int TCustomEdit::GetTextLength() const { return CharCount(FLine->displayText()); }
 
 int TCustomEdit::GetSelStart() const {
     const int Start = FLine->hasSelectedText() ? FLine->selectionStart() : FLine->cursorPosition();
-    return CharCount(QStringView(FLine->text()).left(Start));
+    return CharCount(QStringView(FLine->displayText()).left(Start));
 }
 
 int TCustomEdit::GetSelLength() const { return CharCount(FLine->selectedText()); }
 
 // The position in the line's units of the character at Position.
 int TCustomEdit::ToUnits(int Position) const {
-    const QString Text = FLine->text();
+    const QString Text = FLine->displayText();
     int Unit = 0;
     for (; Unit < Text.size() && Position > 0; ++Unit) {
         if (!Text.at(Unit).isHighSurrogate()) --Position;
@@ -294,6 +211,8 @@ void TCustomEdit::SelectAll() { FLine->selectAll(); }
 void TCustomEdit::SetMaxLength(int Value) { FMaxLength = std::max(Value, 0); }
 
 void TCustomEdit::SetEditMask(const std::string& Value) {
+    const TFlagScope Modifying(this, FModifying);
+    const TValueScope Using(this, FUsingLine, FUsingLine + 1);
     FLine->setInputMask(QString::fromStdString(Value));
 }
 
@@ -315,9 +234,22 @@ void TCustomEdit::SetOutlined(bool Value) {
 
 bool TCustomEdit::CanUndo() const { return FLine->isUndoAvailable(); }
 
+// All that the user changes passes here, except for keys and composed text.
+void TCustomEdit::Change(const std::function<void(TLine&)>& Apply) {
+    const TControlGuard Guard(this);
+    const bool Allowed = EditCanModify();
+    if (!Guard || !Allowed) return;
+    ChangeComing();
+    if (!Guard) return;
+    const TFlagScope Modifying(this, FModifying);
+    const TValueScope Using(this, FUsingLine, FUsingLine + 1);
+    Apply(*FLine);
+}
+
 // What the limit leaves of a text that is to replace the selection. The user hears when something was cut.
 QString TCustomEdit::CutToLimit(const QString& Text) {
-    if (FMaxLength == 0) return Text;
+    // What a mask leaves room for is limit enough.
+    if (FMaxLength == 0 || !FLine->inputMask().isEmpty()) return Text;
     int Room = std::max(0, FMaxLength - GetTextLength() + GetSelLength());
     qsizetype Units = 0;
     for (; Units < Text.size() && (Room > 0 || Text.at(Units).isLowSurrogate()); ++Units) {
@@ -330,13 +262,10 @@ QString TCustomEdit::CutToLimit(const QString& Text) {
 }
 
 void TCustomEdit::Insert(const QString& Text) {
-    const TControlGuard Guard(this);
-    const bool Allowed = EditCanModify();
-    if (!Guard || !Allowed) return;
-    const QString Fitting = CutToLimit(Text);
-    if (Fitting.isEmpty()) return;
-    const TFlagScope Modifying(this, FModifying);
-    FLine->insert(Fitting);
+    Change([&](TLine& Line) {
+        const QString Fitting = CutToLimit(Text);
+        if (!Fitting.isEmpty()) Line.insert(Fitting);
+    });
 }
 
 void TCustomEdit::InsertPasted(const QString& Text) { Insert(AsLine(Text)); }
@@ -352,27 +281,17 @@ void TCustomEdit::WMCopy(TMessage&) { FLine->copy(); }
 void TCustomEdit::WMPaste(TMessage&) { InsertPasted(QGuiApplication::clipboard()->text()); }
 
 void TCustomEdit::WMCut(TMessage&) {
-    const TControlGuard Guard(this);
-    const bool Allowed = EditCanModify();
-    if (!Guard || !Allowed) return;
-    const TFlagScope Modifying(this, FModifying);
-    FLine->cut();
+    Change([](TLine& Line) { Line.cut(); });
 }
 
 void TCustomEdit::WMClear(TMessage&) {
-    const TControlGuard Guard(this);
-    const bool Allowed = EditCanModify();
-    if (!Guard || !Allowed || !FLine->hasSelectedText()) return;
-    const TFlagScope Modifying(this, FModifying);
-    FLine->del();
+    Change([](TLine& Line) {
+        if (Line.hasSelectedText()) Line.del();
+    });
 }
 
 void TCustomEdit::WMUndo(TMessage&) {
-    const TControlGuard Guard(this);
-    const bool Allowed = EditCanModify();
-    if (!Guard || !Allowed) return;
-    const TFlagScope Modifying(this, FModifying);
-    FLine->undo();
+    Change([](TLine& Line) { Line.undo(); });
 }
 
 void TCustomEdit::WMGetDlgCode(TMessage& Message) { Message.Result |= DLGC_WANTARROWS | DLGC_WANTCHARS; }
@@ -388,12 +307,24 @@ void TCustomEdit::WndProc(TMessage& Message) {
     case WM_GETDLGCODE:
         WMGetDlgCode(Message);
         break;
-    case EM_GETSEL:
-        Message.Result = MakePointParam(GetSelStart(), GetSelStart() + GetSelLength());
+    case EM_GETSEL: {
+        const int Start = GetSelStart();
+        const int End = Start + GetSelLength();
+        if (Message.WParam != 0) *reinterpret_cast<unsigned*>(Message.WParam) = static_cast<unsigned>(Start);
+        if (Message.LParam != 0) *reinterpret_cast<unsigned*>(Message.LParam) = static_cast<unsigned>(End);
+        Message.Result = MakePointParam(Start, End);
         break;
-    case EM_SETSEL:
-        SetSel(static_cast<int>(Message.WParam), static_cast<int>(Message.LParam));
+    }
+    case EM_SETSEL: {
+        const int Start = static_cast<int>(Message.WParam);
+        const int End = static_cast<int>(Message.LParam);
+        const int Caret = GetSelStart() + GetSelLength();
+        if (Start < 0)
+            SetSel(Caret, Caret);
+        else
+            SetSel(Start, End < 0 ? GetTextLength() : End);
         break;
+    }
     default:
         TCustomControl::WndProc(Message);
     }
@@ -403,6 +334,8 @@ void TCustomEdit::WndProc(TMessage& Message) {
 
 // First the control's hooks; what they leave is the platform's.
 void TCustomEdit::keyPressEvent(QKeyEvent* Event) {
+    // What was posted before the key is no part of it.
+    if (!DeliverMessages()) return;
     const TControlGuard Guard(this);
     // Not every platform gives the control character of a letter with Ctrl.
     QString Text = Event->text();
@@ -410,11 +343,33 @@ void TCustomEdit::keyPressEvent(QKeyEvent* Event) {
         Event->key() <= Qt::Key_Z)
         Text = QChar(Event->key() - Qt::Key_A + 1);
     QKeyEvent WithText(Event->type(), Event->key(), Event->modifiers(), Text, Event->isAutoRepeat());
-    FKeyEvent = &WithText;
-    TCustomControl::keyPressEvent(&WithText);
+    {
+        const TValueScope Handling(this, FKeyEvent, &WithText);
+        TCustomControl::keyPressEvent(&WithText);
+    }
+    if (!Guard || WithText.isAccepted()) return;
+    auto* const Dialog = qobject_cast<QDialog*>(window());
+    if (Event->key() == Qt::Key_Escape && Dialog) {
+        // Past the parents in between, which would take it for a key of their own.
+        QCoreApplication::sendEvent(Dialog, &WithText);
+        return;
+    }
+    ForwardKey(WithText);
+}
+
+// A key that was made up, or that a handler exchanged for another one, edits as well.
+void TCustomEdit::WMKeyDown(TWMKey& Message) {
+    const TControlGuard Guard(this);
+    TCustomControl::WMKeyDown(Message);
     if (!Guard) return;
-    FKeyEvent = nullptr;
-    if (!WithText.isAccepted()) ForwardKey(WithText);
+    const auto Key = static_cast<std::uint16_t>(Message.CharCode);
+    const int QtKey = EditingKey(Key, Message.Shift);
+    // The key that is being pressed comes back by itself.
+    if (QtKey == 0 || (FKeyEvent && FKeyEvent->key() == QtKey)) return;
+    QKeyEvent Event(QEvent::KeyPress, QtKey, ToQt(Message.Shift));
+    Message.CharCode = 0;
+    Message.Result = 1;
+    ForwardKey(Event);
 }
 
 void TCustomEdit::WMChar(TWMKey& Message) {
@@ -426,7 +381,7 @@ void TCustomEdit::WMChar(TWMKey& Message) {
     if (Char == 0) return;
     if (!IsControlChar(Char)) {
         Insert(QString::fromUcs4(&Char, 1));
-    } else if (FKeyEvent) {
+    } else if (FKeyEvent && FKeyEvent->text() == QString::fromUcs4(&Char, 1)) {
         ForwardKey(*FKeyEvent);
     } else {
         TypeControl(Char);
@@ -451,14 +406,9 @@ void TCustomEdit::TypeControl(char32_t Char) {
     case ccUndo:
         Undo();
         break;
-    case ccBackspace: {
-        const TControlGuard Guard(this);
-        const bool Allowed = EditCanModify();
-        if (!Guard || !Allowed) return;
-        const TFlagScope Modifying(this, FModifying);
-        FLine->backspace();
+    case ccBackspace:
+        Change([](TLine& Line) { Line.backspace(); });
         break;
-    }
     default:
         break;
     }
@@ -472,22 +422,30 @@ void TCustomEdit::ForwardKey(QKeyEvent& Event) {
     const TControlGuard Guard(this);
     const bool Allowed = EditCanModify();
     if (!Guard) return;
-    const bool Old = std::exchange(FModifying, Allowed);
+    if (Allowed && MayChange(Event)) ChangeComing();
+    if (!Guard) return;
+    const TValueScope Modifying(this, FModifying, Allowed);
+    const TValueScope Using(this, FUsingLine, FUsingLine + 1);
+    if (!Allowed) FLine->setReadOnly(true);
     FLine->BaseKeyPress(Event);
-    if (Guard) FModifying = Old;
+    if (Guard && !Allowed) FLine->setReadOnly(false);
 }
 
 // Committed text goes through the hooks character by character; what is still being composed is the platform's.
 void TCustomEdit::inputMethodEvent(QInputMethodEvent* Event) {
     const TControlGuard Guard(this);
+    FComposing = false;
     const bool Allowed = EditCanModify();
     if (!Guard) return;
+    const TValueScope Using(this, FUsingLine, FUsingLine + 1);
     if (!Allowed) {
         // The method may have been told no: what it composes is not shown.
         QInputMethodEvent Nothing;
         FLine->BaseInputMethod(Nothing);
         return;
     }
+    if (!Event->commitString().isEmpty() || !Event->preeditString().isEmpty()) ChangeComing();
+    if (!Guard) return;
     if (!Event->commitString().isEmpty() || Event->replacementLength() > 0) {
         QInputMethodEvent Composed; // ends the old composition, with what the text replaces
         Composed.setCommitString(QString(), Event->replacementStart(), Event->replacementLength());
@@ -497,9 +455,14 @@ void TCustomEdit::inputMethodEvent(QInputMethodEvent* Event) {
     if (!Guard) return;
     TCustomControl::inputMethodEvent(Event);
     if (!Guard) return;
+    FComposing = !Event->preeditString().isEmpty();
     QInputMethodEvent Composing(Event->preeditString(), Event->attributes());
     const TFlagScope Modifying(this, FModifying);
     FLine->BaseInputMethod(Composing);
+}
+
+void TCustomEdit::CommitComposition() {
+    if (FComposing && FLine->hasFocus()) QGuiApplication::inputMethod()->commit();
 }
 
 // The commands under the names that the platform's own edit has, so that its translations serve.
@@ -542,8 +505,7 @@ void TCustomEdit::ShowMenu(const QPoint& ScreenPos) {
         // Later, because a handler may destroy us and with us the menu that is calling.
         connect(
             Action, &QAction::triggered, this,
-            [this, Msg = Command.Msg] { Perform(Msg, 0, Msg == EM_SETSEL ? INT_MAX : 0); },
-            Qt::QueuedConnection);
+            [this, Msg = Command.Msg] { Perform(Msg, 0, Msg == EM_SETSEL ? -1 : 0); }, Qt::QueuedConnection);
     }
     Menu->popup(ScreenPos);
 }

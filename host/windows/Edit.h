@@ -4,6 +4,8 @@
 
 #include "host/windows/Controls.h"
 
+#include <functional>
+#include <memory>
 #include <string>
 
 class QString;
@@ -11,12 +13,13 @@ class QString;
 namespace quill {
 
 inline constexpr unsigned WM_UNDO = 0x0304;
-// Result: the selection's start in the low 32 bits, its end in the high ones.
+// WParam and LParam: pointers to unsigned that take the selection's start and end, or 0. Result: the start in the low 32
+// bits, the end in the high ones.
 inline constexpr unsigned EM_GETSEL = 0x00B0;
-// WParam start, LParam end.
+// WParam start, LParam end, where -1 stands for the text's end; with a start of -1 nothing is selected any more.
 inline constexpr unsigned EM_SETSEL = 0x00B1;
 
-// Positions and lengths count characters (code points).
+// Positions and lengths count characters (code points), with a mask those that it leaves blank as well.
 //
 // What the user does passes the hooks of the control: KeyDown, then KeyPress for every character that is typed or
 // committed by an input method, EditCanModify before anything changes the text, and WM_CUT, WM_COPY, WM_PASTE, WM_CLEAR
@@ -43,8 +46,8 @@ public:
     // How many characters the user can enter, 0 for no limit. What is pasted beyond is cut, with a beep.
     int GetMaxLength() const { return FMaxLength; }
     void SetMaxLength(int Value);
-    // Where the user can enter what, in the platform's syntax for input masks; empty for no mask. A text that does not
-    // fit the mask is edited without it.
+    // Where the user can enter what, in the platform's syntax for input masks; empty for no mask. A text of which the
+    // mask would leave something out is edited without it.
     void SetEditMask(const std::string& Value);
     // Sides as they are named, whatever the direction of control and text.
     TAlignment GetAlignment() const { return FAlignment; }
@@ -56,6 +59,8 @@ public:
 
     // Whether the user may change the text now; asked before each change.
     virtual bool EditCanModify() { return true; }
+    // Makes text of what the user is still composing with an input method.
+    virtual void CommitComposition();
     bool CanUndo() const;
     void Undo();
     void CutToClipboard();
@@ -65,6 +70,7 @@ public:
     void ClearSelection();
 
     void Invalidate() override;
+    void WMKeyDown(TWMKey& Message) override;
     void WMChar(TWMKey& Message) override;
     void WMSize(TWMSize& Message) override;
     void WMCut(TMessage& Message) override;
@@ -86,6 +92,8 @@ protected:
     void keyPressEvent(QKeyEvent* Event) override;
     void inputMethodEvent(QInputMethodEvent* Event) override;
     void changeEvent(QEvent* Event) override;
+    // The user changes the text now, and may.
+    virtual void ChangeComing() {}
     // Whether the widget for the text can be reached with Tab.
     void SetLineTabStop(bool Value);
 
@@ -94,6 +102,7 @@ private:
     class TGate;
 
     int ToUnits(int Position) const;
+    void Change(const std::function<void(TLine&)>& Apply);
     void Insert(const QString& Text);
     void InsertPasted(const QString& Text);
     QString CutToLimit(const QString& Text);
@@ -107,10 +116,11 @@ private:
     std::string FOriginal;          // as SetText got it, and as the line shows it
     std::unique_ptr<QString> FShown;
     int FMaxLength = 0;
-    int FDispatching = 0; // events that the line is handling
+    int FUsingLine = 0; // calls of the line that are running
     TAlignment FAlignment = taLeftJustify;
     bool FOutlined = false;
     bool FModifying = false; // the text may change now
+    bool FComposing = false;
 };
 
 } // namespace quill

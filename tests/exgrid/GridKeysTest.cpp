@@ -181,6 +181,7 @@ TEST(GridKeys, AKeyHandlerComesFirstAndAnEmptyGridTakesNoKeys) {
 
 TEST(GridKeys, KeysOpenAndCloseTheEditor) {
     TKeyGrid Grid;
+    Grid.HasFocus = true;
     Grid.SetOptions(Grid.GetOptions() + goTabs);
     const auto Type =
         [&](char32_t Key) { // whether it was used, the editor is on, and which keys the grid wants

@@ -87,7 +87,15 @@ TEST(TreeEditing, LiesOverTheText) {
     };
     EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)));
     EXPECT_TRUE(Place(0, 2)->PosEqual(Tree.CellRect(0, 2)));
-    Tree.SetColWidths(1, 50); // nothing is left beside the outline
+    Tree.SetColWidths(1, 50);
+    EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)))
+        << "next to the outline, if narrow";
+    Tree.SetIndent(22);
+    Tree.Update();
+    EXPECT_TRUE(Tree.GetInplaceEditor()->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)))
+        << "follows the layout";
+    Tree.SetIndent(20);
+    Tree.SetColWidths(1, 20); // nothing is left beside the outline
     EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.CellRect(1, 2)));
     Tree.SetBiDiMode(bdRightToLeft);
     Tree.SetColWidths(1, 200);
@@ -121,6 +129,36 @@ TEST(TreeEditing, NodesStartAndEndIt) {
     Tree.Type("q");
     EXPECT_EQ(Tree.Texts().find('q'), std::string::npos) << "what is typed at a closed cell goes nowhere";
     EXPECT_TRUE(Tree.Find("C")->EditText());
+}
+
+TEST(TreeEditing, AnEditorThatIsAlwaysShownComesBackAfterRowsMoved) {
+    TEditTree Tree;
+    Tree.SetOptions(Tree.GetOptions() + goAlwaysShowEditor);
+    Tree.FocusCell(1, 3, true, {}, swNone); // C
+    Tree.Type("n");
+    Tree.Find("B")->Collapse(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Tree.Texts() + " " + Tree.Typed(), "A|| B|| b|| n|| n") << "stored, and open where it was";
+    EXPECT_TRUE(Tree.GetInplaceEditor()->Focused());
+    Tree.SetEditorMode(false);
+    Tree.Find("B")->Expand(false);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Tree.Typed(), "closed");
+}
+
+TEST(TreeEditing, ARefusedCellIsPaintedAndCanBeTriedAgain) {
+    TEditTree Tree;
+    bool May = false;
+    Tree.OnEditing = [&](TObject*, TFlyNode*, bool& Allow) { Allow = May; };
+    Tree.Key(Qt::Key_F2);
+    ASSERT_TRUE(Tree.GetEditorMode());
+    Tree.Update();
+    Tree.SetNodeData(Tree.Find("B"), 1, "new");
+    Tree.InvalidateCell(1, 1);
+    EXPECT_TRUE(Tree.HasInvalidRegion());
+    May = true;
+    Tree.Key(Qt::Key_F2);
+    EXPECT_EQ(Tree.Typed(), "B");
 }
 
 TEST(TreeEditing, TextGoesToTheNodeThatItWasTypedFor) {
@@ -222,6 +260,20 @@ TEST(TreeEditing, HandlersMayDoAnything) {
 TEST(TreeClipboard, CommandsReachTheOperationsUnlessTheEditorShows) {
     TEditTree Tree;
     QApplication::clipboard()->clear();
+    std::string Keys;
+    Tree.OnKeyDown = [&](TObject*, std::uint16_t& Key, TShiftState) {
+        Keys += static_cast<char>(Key);
+        if (Keys == "X") Key = 0;
+    };
+    const auto IsTaken = [&](Qt::Key Key) {
+        QKeyEvent Event(QEvent::KeyPress, Key, Qt::ControlModifier);
+        QCoreApplication::sendEvent(&Tree, &Event);
+        return Event.isAccepted();
+    };
+    EXPECT_TRUE(IsTaken(Qt::Key_X)) << "the key handler comes first";
+    EXPECT_FALSE(IsTaken(Qt::Key_C)) << "what nobody does here is left to others";
+    EXPECT_EQ(Keys, "XC");
+    Tree.OnKeyDown = nullptr;
     const auto All = [&] {
         Tree.Log.clear();
         for (const unsigned Msg : {WM_CUT, WM_COPY, WM_PASTE}) Tree.Perform(Msg, 0, 0);
@@ -241,6 +293,7 @@ TEST(TreeClipboard, CommandsReachTheOperationsUnlessTheEditorShows) {
     Listen(Tree.OnCopySelection, "copy ");
     Listen(Tree.OnPasteSelection, "paste ");
     EXPECT_EQ(All(), "cut copy paste cut copy paste cut copy paste ");
+    EXPECT_TRUE(IsTaken(Qt::Key_C));
     Tree.SetEditorMode(true);
     EXPECT_EQ(All(), "");
     EXPECT_EQ(Tree.Typed(), "BB") << "they were the editor's: cut, copied nothing, pasted twice";

@@ -1,0 +1,445 @@
+// The in-place editor: where it is, where its text goes, and handlers that interfere.
+#include "EditGrid.h"
+
+#include "tests/support/Handlers.h"
+
+#include <QDialog>
+#include <QLineEdit>
+#include <QMenu>
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+namespace quill::testing {
+namespace {
+
+TEST(GridEditor, StoresWhenItClosesOrMovesOn) {
+    TEditGrid Grid(TGridOptions{goAlwaysShowEditor});
+    Grid.OnGetEditText = [&](TObject*, int Col, int Row, std::string&) {
+        Grid.Log += "get " + Show(TGridCoord{Col, Row}) + " ";
+    };
+    Grid.Type("new");
+    Grid.Key(Qt::Key_Down);
+    EXPECT_EQ(Grid.Take(), "1,1=new get 1,2 ") << "the old cell is written before the new one is read";
+    Grid.Key(Qt::Key_Return);
+    Grid.Key(Qt::Key_Return);
+    Grid.Type("n");
+    EXPECT_EQ(Grid.State(), "1,2 n 1-1");
+    Grid.SetOptions(Grid.GetOptions() - goAlwaysShowEditor);
+    EXPECT_EQ(Grid.Take(), "");
+    Grid.Key(Qt::Key_Return);
+    EXPECT_EQ(Grid.Take(), "1,2=n ");
+    EXPECT_TRUE(Grid.Focused());
+    Grid.Type("m");
+    QLineEdit Other;
+    Other.setParent(&Grid);
+    Other.show();
+    Other.setFocus();
+    Grid.Take();
+    EXPECT_TRUE(Grid.IsEditorShown()) << "the focus is still inside";
+    QWidget Window;
+    Grid.setParent(&Window);
+    QLineEdit Outside(&Window);
+    Window.show();
+    Window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Window));
+    Grid.SetFocus();
+    Grid.show();
+    Grid.Focus(2, 2);
+    Grid.Type("out");
+    Grid.Take();
+    Outside.setFocus();
+    EXPECT_EQ(Grid.Take(), "2,2=out ") << "leaving the grid closes it";
+    EXPECT_FALSE(Grid.IsEditorShown());
+    Grid.setParent(nullptr);
+}
+
+TEST(GridEditor, LosesItsCellWithoutHarm) {
+    struct TCase {
+        const char* What;
+        std::function<void(TEditGrid&)> Do;
+        const char* Stored;
+    };
+    const TCase Cases[] = {
+        {"row deleted", [](TEditGrid& G) { G.DeleteRow(2); }, ""},
+        {"column deleted", [](TEditGrid& G) { G.DeleteColumn(2); }, ""},
+        {"row above deleted",
+         [](TEditGrid& G) {
+             G.DeleteRow(1);
+             G.SetEditorMode(false);
+         },
+         "2,1=new "},
+        {"row inserted above", [](TEditGrid& G) { G.AdjustSize(1, 1, true); }, "2,2=new "},
+        {"row moved",
+         [](TEditGrid& G) {
+             G.MoveRow(2, 4);
+             G.SetEditorMode(false);
+         },
+         "2,4=new "},
+        {"column moved",
+         [](TEditGrid& G) {
+             G.MoveColumn(2, 0);
+             G.SetEditorMode(false);
+         },
+         "0,2=new "},
+        {"rows cut off", [](TEditGrid& G) { G.SetRowCount(2); }, ""},
+        {"editing off", [](TEditGrid& G) { G.SetOptions(G.GetOptions() - goEditing); }, "2,2=new "},
+        {"row select", [](TEditGrid& G) { G.SetOptions(G.GetOptions() + goRowSelect); }, "2,2=new "},
+        {"discarded", [](TEditGrid& G) { G.DiscardEdit(); }, ""},
+        {"editor deleted",
+         [](TEditGrid& G) {
+             delete G.GetInplaceEditor();
+             G.SetEditorMode(false);
+         },
+         ""},
+        {"window made anew",
+         [](TEditGrid& G) {
+             G.RecreateWnd();
+             G.SetEditorMode(false);
+         },
+         "2,2=new "},
+        {"scrolled away",
+         [](TEditGrid& G) {
+             G.SetTopRow(4);
+             G.SetEditorMode(false);
+         },
+         "2,2=new "},
+    };
+    for (const TCase& Case : Cases) {
+        TEditGrid Grid;
+        Grid.Focus(2, 2);
+        Grid.Type("new");
+        ASSERT_EQ(Grid.State(), "2,2 new 3-3");
+        Case.Do(Grid);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(Grid.Take(), Case.Stored) << Case.What;
+        EXPECT_FALSE(Grid.IsEditorShown()) << Case.What;
+        Grid.Key(Qt::Key_F2);
+        EXPECT_EQ(Grid.IsEditorShown(), Grid.HasOption(goEditing) && !Grid.HasOption(goRowSelect))
+            << Case.What;
+    }
+}
+
+TEST(GridEditor, TypedTextComesIntoView) {
+    TEditGrid Grid;
+    Grid.SetClientSize(400, 72);
+    Grid.Type("a");
+    const TRect Cell = Grid.CellRect(1, 1);
+    EXPECT_TRUE(Grid.GetInplaceEditor()->PosEqual(Cell));
+    Grid.SetTopRow(3);
+    EXPECT_TRUE(Grid.GetInplaceEditor()->Focused());
+    EXPECT_EQ(Grid.GetInplaceEditor()->GetHeight(), 0);
+    Grid.Type("b");
+    EXPECT_EQ(Grid.GetTopRow(), 1);
+    EXPECT_TRUE(Grid.GetInplaceEditor()->PosEqual(Cell));
+    EXPECT_EQ(Grid.State(), "1,1 ab 2-2");
+    for (const auto& [Key, Modifiers] : {std::pair(Qt::Key_Delete, None), std::pair(Qt::Key_Z, Ctrl)}) {
+        Grid.SetTopRow(3);
+        Grid.Key(Qt::Key_Control, Ctrl);
+        EXPECT_EQ(Grid.GetTopRow(), 3) << "nothing is changed yet";
+        Grid.Key(Key, Modifiers);
+        EXPECT_EQ(Grid.GetTopRow(), 1) << Key;
+    }
+    Grid.SetGridLineWidth(5);
+    Grid.Update();
+    EXPECT_TRUE(Grid.GetInplaceEditor()->PosEqual(Grid.CellRect(1, 1))) << "follows the layout";
+    Grid.SetFixedCols(1);
+    Grid.Focus(0, 2);
+    Grid.SetEditorMode(true);
+    EXPECT_TRUE(Grid.GetInplaceEditor()->PosEqual(Grid.CellRect(0, 2))) << "a fixed cell is in view";
+}
+
+TEST(GridEditor, AsksOnceWhateverTheFocusDoes) {
+    for (const bool Allowed : {false, true}) {
+        TEditGrid Grid;
+        int Asked = 0;
+        const auto BlinkFocus = [&] {
+            QWidget Message;
+            Message.show();
+            Message.activateWindow();
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&Message));
+            Message.hide();
+            Grid.activateWindow();
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&Grid));
+            QCoreApplication::processEvents();
+        };
+        Grid.MayShow = [&] {
+            if (++Asked < 5) BlinkFocus();
+            return Allowed;
+        };
+        Grid.SetEditorMode(true);
+        const int Before = Asked;
+        EXPECT_LE(Before, 2);
+        BlinkFocus();
+        EXPECT_EQ(Asked, Before);
+        EXPECT_EQ(Grid.IsEditorShown(), Allowed);
+    }
+}
+
+TEST(GridEditor, ARefusedMoveKeepsTheEditorThatIsAlwaysShown) {
+    TEditGrid Grid(TGridOptions{goAlwaysShowEditor});
+    Grid.SetEditorMode(true);
+    Grid.OnSelectCell = [](TObject*, int, int, bool& Can) { Can = false; };
+    Grid.Key(Qt::Key_Down);
+    EXPECT_EQ(Grid.State(), "1,1 text 0-4");
+}
+
+TEST(GridEditor, StoresWhatIsTypedWhenTheFocusOrTheWindowGoes) {
+    for (const bool Always : {true, false}) {
+        QDialog Form;
+        QLineEdit Other(&Form);
+        TEditGrid Grid(Always ? TGridOptions{goAlwaysShowEditor} : TGridOptions{});
+        Grid.setParent(&Form);
+        Grid.show();
+        Form.show();
+        Form.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&Form));
+        Grid.SetFocus();
+        Grid.SetEditorMode(true);
+        const auto Press = [&](Qt::Key Key) { QTest::keyClick(Form.windowHandle(), Key); };
+        Press(Qt::Key_X);
+        Grid.Take();
+        Other.setFocus();
+        EXPECT_EQ(Grid.Take(), "1,1=x ");
+        Grid.SetFocus();
+        Grid.SetEditorMode(true);
+        Press(Qt::Key_Y);
+        Grid.Take();
+        Form.hide();
+        EXPECT_EQ(Grid.Take(), "1,1=y ");
+        Form.show();
+        Form.activateWindow();
+        QApplication::setActiveWindow(&Form);
+        EXPECT_EQ(Grid.IsEditorShown(), Always);
+        EXPECT_EQ(Grid.ContainsFocus() && Grid.GetInplaceEditor()->Focused(), Always);
+        // Esc ends the edit, and then the dialog.
+        Grid.SetFocus();
+        Grid.SetEditorMode(true);
+        if (!Always) Press(Qt::Key_Escape);
+        EXPECT_TRUE(Form.isVisible());
+        EXPECT_EQ(Grid.IsEditorShown(), Always);
+        Press(Qt::Key_Escape);
+        EXPECT_FALSE(Form.isVisible());
+        Grid.setParent(nullptr);
+    }
+}
+
+TEST(GridEditor, StoresWhatIsBeingComposed) {
+    struct TComposer : TInplaceEdit {
+        using TInplaceEdit::TInplaceEdit;
+        void CommitComposition() override {
+            QInputMethodEvent Event;
+            Event.setCommitString("ni");
+            inputMethodEvent(&Event);
+        }
+    };
+    struct TComposeGrid : TEditGrid {
+        TInplaceEdit* CreateEditor() override { return new TComposer(this); }
+    } Grid;
+    Grid.SetEditorMode(true);
+    Grid.Compose("n", {});
+    QTest::mouseClick(Grid.windowHandle(), Qt::LeftButton, {}, QPoint(10, Grid.CellRect(0, 4).Top + 5));
+    EXPECT_EQ(Grid.Take(), "1,1=ni ");
+}
+
+TEST(GridEditor, AHandlerOfAStoredTextMayEditAnotherCell) {
+    TEditGrid Grid;
+    Grid.SetEditorMode(true);
+    Grid.Type("first");
+    bool Failed = false;
+    Grid.OnSetEditText = [&](TObject*, int, int Row, const std::string&) {
+        if (!std::exchange(Failed, true)) throw std::runtime_error("refused");
+        if (Row != 1) return;
+        Grid.SetEditorMode(false); // ends it once more
+        Grid.Focus(2, 3);
+        Grid.SetEditorMode(true);
+        Grid.GetInplaceEditor()->SetText("second");
+        Grid.SetEditorMode(false);
+    };
+    EXPECT_THROW(Grid.SetEditorMode(false), std::runtime_error);
+    Grid.Take();
+    Grid.SetEditorMode(false);
+    EXPECT_EQ(Grid.Take(), "1,1=first 2,3=second ");
+}
+
+TEST(GridEditor, MessagesEditAsKeysDo) {
+    TEditGrid Grid;
+    Grid.SetEditorMode(true);
+    TInplaceEdit& Edit = *Grid.GetInplaceEditor();
+    const auto Send = [&](std::uint16_t Key, TShiftState Modifiers = {}) {
+        Edit.Perform(WM_KEYDOWN, Key, static_cast<std::intptr_t>(Modifiers.Bits()));
+        return Grid.State();
+    };
+    EXPECT_EQ(Send(VK_HOME), "1,1 text 0-0");
+    EXPECT_EQ(Send(VK_DELETE), "1,1 ext 0-0");
+    EXPECT_EQ(Send(VK_RIGHT, {ssShift}), "1,1 ext 0-1");
+    EXPECT_EQ(Send(VK_DELETE, {ssShift}), "1,1 xt 0-0");
+    EXPECT_EQ(Send(VK_END), "1,1 xt 2-2");
+    EXPECT_EQ(Send(VK_INSERT, {ssShift}), "1,1 xte 3-3");
+    Edit.Perform(EM_SETSEL, 0, -1);
+    unsigned Start = 9;
+    unsigned End = 9;
+    Edit.Perform(EM_GETSEL, reinterpret_cast<std::uintptr_t>(&Start), reinterpret_cast<std::intptr_t>(&End));
+    EXPECT_EQ(Start, 0U);
+    EXPECT_EQ(End, 3U);
+    Edit.Perform(EM_SETSEL, static_cast<std::uintptr_t>(-1), 0);
+    EXPECT_EQ(Grid.State(), "1,1 xte 3-3");
+}
+
+TEST(GridEditor, MayBeDestroyedByEveryChange) {
+    const std::vector<std::function<void(TInplaceEdit&)>> Changes{
+        [](TInplaceEdit& E) { E.Perform(WM_CHAR, U'a', 0); },
+        [](TInplaceEdit& E) { E.Perform(WM_CHAR, 8, 0); },
+        [](TInplaceEdit& E) { E.Perform(WM_PASTE, 0, 0); },
+        [](TInplaceEdit& E) { E.Perform(WM_CUT, 0, 0); },
+        [](TInplaceEdit& E) { E.Perform(WM_CLEAR, 0, 0); },
+        [](TInplaceEdit& E) { E.Perform(WM_KEYDOWN, VK_DELETE, 0); },
+        [](TInplaceEdit& E) { E.SetText("other"); },
+        [](TInplaceEdit& E) { E.SetEditMask("99"); },
+        [](TInplaceEdit& E) { E.UpdateContents(); },
+        [](TInplaceEdit& E) { E.PostMessage(WM_CHAR, U'a', 0); },
+    };
+    for (std::size_t i = 0; i < Changes.size(); ++i) {
+        TEditGrid Grid;
+        QApplication::clipboard()->setText("paste");
+        Grid.SetEditorMode(true);
+        Grid.GetInplaceEditor()->OnChange = [&](TObject*) { delete Grid.GetInplaceEditor(); };
+        Changes[i](*Grid.GetInplaceEditor());
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(Grid.GetInplaceEditor()) << "change " << i;
+    }
+}
+
+// What a handler may do from every place where the editor calls one.
+TEST(GridEditor, HandlersMayDoAnything) {
+    using TGrid = std::unique_ptr<TEditGrid>;
+    const std::map<std::string, std::function<void(TGrid&)>> Deeds{
+        {"destroys the grid", [](TGrid& G) { G.reset(); }},
+        {"destroys the editor", [](TGrid& G) { delete G->GetInplaceEditor(); }},
+        {"opens another",
+         [](TGrid& G) {
+             G->Focus(3, 3);
+             G->SetEditorMode(true);
+         }},
+        {"closes it", [](TGrid& G) { G->SetEditorMode(false); }},
+        {"shrinks the grid",
+         [](TGrid& G) {
+             G->SetRowCount(1);
+             G->SetColCount(1);
+         }},
+        {"deletes the row",
+         [](TGrid& G) {
+             if (G->GetRow() < G->GetRowCount() - 1) G->DeleteRow(G->GetRow());
+         }},
+        {"takes the focus",
+         [](TGrid& G) {
+             G->clearFocus();
+             if (auto* F = QApplication::focusWidget()) F->clearFocus();
+         }},
+    };
+    for (const auto& [Name, Deed] : Deeds) {
+        for (int Place = 0; Place < 8; ++Place) {
+            TGrid Grid = std::make_unique<TEditGrid>();
+            const QPointer<QWidget> Window = Grid.get();
+            int Left = 1;
+            const TAnyHandler Handler{[&] {
+                if (Left-- > 0 && Grid) Deed(Grid);
+            }};
+            if (Place == 0) Grid->OnGetEditText = Handler;
+            if (Place == 1) Grid->OnSetEditText = Handler;
+            if (Place == 2) Grid->OnGetEditMask = Handler;
+            if (Place == 3) Grid->OnKeyDown = Handler;
+            if (Place == 4) Grid->OnKeyPress = Handler;
+            Grid->SetEditorMode(true);
+            if (Place == 5 && Grid->GetInplaceEditor()) Grid->GetInplaceEditor()->OnChange = Handler;
+            if (Place == 6 && Grid->GetInplaceEditor()) Grid->GetInplaceEditor()->OnKeyDown = Handler;
+            if (Place == 7) Grid->OnExit = Handler;
+            const auto Go = [&](const std::function<void()>& Step) {
+                if (Grid) Step();
+                QCoreApplication::processEvents();
+            };
+            Go([&] { Grid->Type("a"); });
+            Go([&] { Grid->Compose("p", "c"); });
+            Go([&] { Grid->Key(Qt::Key_Left); });
+            Go([&] { Grid->Key(Qt::Key_Down); });
+            Go([&] { Grid->Type("b"); });
+            Go([&] { Grid->Key(Qt::Key_V, Ctrl); });
+            Go([&] { Grid->Key(Qt::Key_Escape); });
+            Go([&] { Grid->hide(); });
+            EXPECT_EQ(static_cast<bool>(Window), static_cast<bool>(Grid)) << Name << " at " << Place;
+        }
+    }
+}
+
+TEST(GridEditor, MenuOffersTheCommandsOfTheMoment) {
+    const TExpectQtWarning NoGrab("grabbing the keyboard");
+    TEditGrid Grid;
+    Grid.SetEditorMode(true);
+    QApplication::clipboard()->setText("p");
+    QWidget* const Line = QApplication::focusWidget();
+    const auto Menu = [&] {
+        QContextMenuEvent Event(QContextMenuEvent::Mouse, QPoint(2, 2), QPoint(2, 2));
+        QCoreApplication::sendEvent(Line, &Event);
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    };
+    const auto Enabled = [](QMenu* M) {
+        std::string Result;
+        for (const QAction* Action : M->actions()) {
+            if (!Action->isSeparator())
+                Result += Action->isEnabled() ? Action->iconText().toStdString() + " " : "- ";
+        }
+        return Result;
+    };
+    QMenu* Opened = Menu();
+    ASSERT_TRUE(Opened);
+    EXPECT_EQ(Enabled(Opened), "- Cut Copy Paste Delete Select All ");
+    EXPECT_TRUE(Grid.IsEditorShown()) << "a menu does not end the edit";
+    Opened->actions().at(4)->trigger();
+    Opened->close();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Grid.State(), "1,1 p 1-1");
+    Grid.Modify = false;
+    Opened = Menu();
+    EXPECT_EQ(Enabled(Opened), "- - - - - Select All ");
+    Opened->close();
+}
+
+TEST(GridEditor, TabLeavesAnEditorThatIsAlwaysShown) {
+    QWidget Form;
+    QLineEdit Before(&Form);
+    TEditGrid Grid(TGridOptions{goAlwaysShowEditor});
+    Grid.setParent(&Form);
+    QLineEdit After(&Form);
+    Form.show();
+    Grid.show();
+    Form.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Form));
+    for (QWidget* Neighbour : {&Before, &After}) {
+        Grid.SetFocus();
+        ASSERT_TRUE(Grid.GetInplaceEditor()->Focused());
+        QTest::keyClick(Form.windowHandle(), Neighbour == &Before ? Qt::Key_Backtab : Qt::Key_Tab);
+        EXPECT_TRUE(Neighbour->hasFocus());
+    }
+    QTest::keyClick(Form.windowHandle(), Qt::Key_Backtab);
+    EXPECT_TRUE(Grid.ContainsFocus());
+    Grid.setParent(nullptr);
+}
+
+TEST(GridEditor, WheelAndDoubleClickGoToTheGrid) {
+    TEditGrid Grid;
+    Grid.SetClientSize(400, 72);
+    Grid.SetEditorMode(true);
+    int DblClicks = 0;
+    Grid.OnDblClick = [&](TObject*) { ++DblClicks; };
+    const QPoint Pos(Grid.CellRect(1, 1).Left + 10, Grid.CellRect(1, 1).Top + 5);
+    QTest::mouseDClick(Grid.windowHandle(), Qt::LeftButton, {}, Pos);
+    EXPECT_EQ(DblClicks, 1);
+    EXPECT_EQ(Grid.State(), "1,1 text 0-4") << "and select a word";
+    Grid.GetInplaceEditor()->Perform(WM_MOUSEWHEEL, MakeWheelParam(-120, {}), 0);
+    EXPECT_GT(Grid.GetTopRow(), 1);
+    EXPECT_TRUE(Grid.IsEditorShown());
+}
+
+} // namespace
+} // namespace quill::testing
