@@ -39,6 +39,7 @@ TCustomQuillTree::~TCustomQuillTree() {
     BeginDestruction();
     StopToolTipTimer();
     FHintWindow.reset();
+    if (FDraggingTree == this) FDraggingTree = nullptr;
     FDropSource.reset();
     FOleDropTarget.reset();
     if (FImages) FImages->UnRegisterChanges(&FImageChangeLink);
@@ -59,10 +60,12 @@ void TCustomQuillTree::Loaded() {
     TCustomExGrid::Loaded();
     if (!Guard) return;
     FLoading = false;
+    if (FButtonSize > FIndent) SetButtonSize(FIndent);
     RefreshNodeList(nullptr);
     FixupRows();
     if (!Guard) return;
     InitColumnsMap();
+    TakeLoadedColumns();
     FAnchorNode = FItems->GetFirstNode();
     if (TFlyNode* Node = GetNodeAtRow(GetRow())) SetSelection(Node);
     if (Guard && HasState(csDesigning)) FullExpand();
@@ -103,12 +106,13 @@ void TCustomQuillTree::SetPainted(T& Field, T Value) {
 }
 
 void TCustomQuillTree::SetButtonSize(int Value) {
-    if (Value == FButtonSize || Value > FIndent || Value < 1) return;
+    // A form names the size before the indentation; Loaded checks.
+    if (Value == FButtonSize || Value < 1 || (Value > FIndent && !HasState(csReading))) return;
     SetPainted(FButtonSize, Value % 2 == 0 ? Value - 1 : Value);
 }
 
 void TCustomQuillTree::SetIndent(int Value) {
-    if (Value > FButtonSize) SetPainted(FIndent, Value);
+    if (Value > FButtonSize || (HasState(csReading) && Value > 1)) SetPainted(FIndent, Value);
 }
 
 void TCustomQuillTree::SetFitColumnToClientWidth(bool Value) {
@@ -194,7 +198,7 @@ void TCustomQuillTree::SetImages(TCustomImageList* Value) {
         FImages->FreeNotification(this);
         if (FImages->GetHeight() > GetDefaultRowHeight()) SetDefaultRowHeight(FImages->GetHeight());
         // Room for a picture and a little air; refused when the expand button would not fit.
-        SetIndent(FImages->GetWidth() + 4);
+        if (FImages->GetWidth() + 4 > FButtonSize) SetIndent(FImages->GetWidth() + 4);
     }
     Invalidate();
 }
@@ -222,6 +226,7 @@ void TCustomQuillTree::ProcessMessages() {
 void TCustomQuillTree::ForgetNode(TFlyNode* Node) {
     if (FDropTargetNode == Node) FDropTargetNode = nullptr;
     if (FToolTipNode == Node) ForgetToolTip();
+    if (FAimedNode == Node) FAimedNode = nullptr;
     if (FEditNode == Node) {
         FEditNode = nullptr;
         FollowEdit();

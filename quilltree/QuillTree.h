@@ -10,6 +10,7 @@
 
 #include "exgrid/ExGrid.h"
 #include "host/graphics/ImageLists.h"
+#include "host/windows/Dragging.h"
 #include "oledragdrop/OLEDragDrop.h"
 #include "quilltree/FlyNode.h"
 #include "quilltree/FlyNodes.h"
@@ -194,6 +195,35 @@ public:
     bool EndRowDrag(int& Origin, int& Destination, const TPoint& MousePt) override;
     void RowMoved(int FromIndex, int ToIndex) override;
     void CreateWindowHandle(const TCreateParams& Params) override;
+
+    // --- drops that do something ------------------------------------------------------------------------------
+    // Whether the upper and the lower edge of a row mean before and after its node, which a line shows.
+    bool GetDropMarks() const { return FDropMarks; }
+    void SetDropMarks(bool Value);
+    // After so many milliseconds a closed node that something is held over opens; 0 for never.
+    int GetHoverExpandTime() const { return FHoverExpandTime; }
+    void SetHoverExpandTime(int Value);
+    // Whether drags of other programs scroll at the edges, too.
+    bool GetDropScroll() const { return FDropScroll; }
+    void SetDropScroll(bool Value) { FDropScroll = Value; }
+    // Whether nodes that are dragged from a tree of this program are moved to where they are dropped, or copied with
+    // Ctrl. The drag events come first and can refuse. A node is not moved below itself.
+    bool GetAutoDrop() const { return FAutoDrop; }
+    void SetAutoDrop(bool Value) { FAutoDrop = Value; }
+    // Where a drop would go now. With dpNone there is no node under the mouse: behind the last one.
+    TDropPlace GetDropPlace() const { return FDropPlace; }
+    // The selected nodes without those below others of them.
+    std::vector<TFlyNode*> GetDraggedNodes();
+    virtual bool CanDropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* Target, TDropPlace Place,
+                              bool Copy);
+    // Moves or copies nodes of any tree in the program, with all that is below them, and selects them.
+    virtual void DropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* Target, TDropPlace Place,
+                           bool Copy);
+    // The drag to other programs has ended with that result; Inside tells that the drop was on a tree of this program.
+    virtual void NodesDragged(TDragResult Result, bool Inside);
+    TPoint GetMouseClientPos() const override;
+    void WMTimer(TWMTimer& Message) override;
+    void DragDrop(TObject* Source, int X, int Y) override;
 
     // --- clipboard --------------------------------------------------------------------------------------------
     // What cutting, copying and pasting nodes means is the program's business: these fire the events. They are reached
@@ -431,6 +461,15 @@ public:
     // A caption was clicked (not sized, not moved); its data column.
     TFTVCaptionEvent OnCaptionClick;
 
+    // --- forms ------------------------------------------------------------------------------------------------
+    // Besides what the grid defines: "Data", the nodes in the collection's own format, where SaveNodes allows it; the
+    // captions; and the order of the columns when they were moved.
+    void DefineProperties(TFiler& Filer) override;
+    virtual bool SaveNodes() { return true; }
+    // Replaces the nodes by those of a stream; those that were read before a fault stay.
+    void ReadData(TStream& Stream);
+    void WriteData(TStream& Stream);
+
     // --- host overrides ---------------------------------------------------------------------------------------
     void Loaded() override;
     void Notification(TComponent* AComponent, TOperation Operation) override;
@@ -515,6 +554,12 @@ private:
     void EndDropTarget();
     void InvalidateDropRow(int Row);
     void MoveSelectedTo(TFlyNode* Target);
+    void AimDrop(TFlyNode* Node, TPoint Pt);
+    void EndAim();
+    TRect GetDropMark();
+    void InvalidateDropMark();
+    void DrawDropMark();
+    bool TakesDrag(TCustomQuillTree* From, bool Copy);
     void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level, bool IsTopRow);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
     void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);
@@ -568,11 +613,17 @@ private:
     TGridRect SelectionColumns(int FromRow, int ToRow) const;
     void InvalidateCurrent();
     void ImageListChange(TObject* Sender);
+    void ReadCaptions(TReader& Reader);
+    void WriteCaptions(TWriter& Writer);
+    void ReadColumnOrder(TReader& Reader);
+    void WriteColumnOrder(TWriter& Writer);
+    void TakeLoadedColumns();
     template <class T>
     void SetPainted(T& Field, T Value);
 
     std::unique_ptr<TFlyNodes> FItems;
     std::vector<int> FColumnsMap;
+    std::vector<int> FLoadedColumns; // the order that a form has named, until everything is loaded
     std::vector<std::string> FCaptions;
     std::unique_ptr<TCustomImageList> FGlyphs;
     TCustomImageList* FImages = nullptr;
@@ -599,8 +650,20 @@ private:
     std::unique_ptr<TNVDragImageList> FDragImages;
     std::unique_ptr<TOLEDropSource> FDropSource; // during a drag with other programs
     std::unique_ptr<TOLEDropTarget> FOleDropTarget;
-    std::optional<TPoint> FDragPoint; // where a press that may become a drag was
-    int FDraggedRow = -1;             // that the grid was about to move
+    std::optional<TPoint> FDragPoint;       // where a press that may become a drag was
+    static TCustomQuillTree* FDraggingTree; // from which nodes are being dragged to any program
+    TFlyNode* FAimedNode = nullptr;         // under the mouse of a drag
+    std::optional<TPoint> FDropPoint;       // that mouse, client pixels
+    int FHoverExpandTime = 0;
+    TDropPlace FDropPlace = dpNone;
+    bool FDropMarks = false;
+    bool FDropScroll = false;
+    bool FAutoDrop = false;
+    bool FDroppedInside = false;
+    class TNodeDrag;
+    std::unique_ptr<TDragObject> FNodeDrag; // during a drag inside the program
+    TPoint FDragHotSpot;                    // of the picture
+    int FDraggedRow = -1;                   // that the grid was about to move
     std::string FSearchText;
     std::uint32_t FSearchTick = 0;
     int FTrackedRow = -1;
@@ -675,6 +738,11 @@ class TQuillTree : public TCustomQuillTree {
 
 public:
     using TCustomQuillTree::TCustomQuillTree;
+    const TClassInfo* GetClassInfo() const override;
 };
+
+// Makes the controls and the components that they refer to known to forms: TQuillTree, TNVHTMLText, TImageList,
+// TPopupMenu, TMenuItem. A program that uses a TQuillTree need not call it.
+void RegisterFormClasses();
 
 } // namespace quill

@@ -24,6 +24,8 @@ bool IsBeyondThreshold(TPoint From, int X, int Y) {
 
 } // namespace
 
+TCustomQuillTree* TCustomQuillTree::FDraggingTree = nullptr;
+
 // --- type and target ----------------------------------------------------------------------------------------------
 
 void TCustomQuillTree::SetDragType(TNVDragType Value) {
@@ -107,7 +109,43 @@ void TCustomQuillTree::EndDropTarget() {
     StopDrag();
     SetDropTarget(nullptr);
     FDropTargetNode = nullptr;
+    EndAim();
 }
+
+// Whether AutoDrop does something with the nodes of a drag from that tree.
+bool TCustomQuillTree::TakesDrag(TCustomQuillTree* From, bool Copy) {
+    return FAutoDrop && From && CanDropNodes(From->GetDraggedNodes(), GetDropTarget(), FDropPlace, Copy);
+}
+
+// --- the picture of a drag inside the program ---------------------------------------------------------------------
+
+class TCustomQuillTree::TNodeDrag : public TDragControlObject {
+public:
+    explicit TNodeDrag(TCustomQuillTree* ATree) : TDragControlObject(ATree), FTree(ATree), FGuard(ATree) {}
+    void Moved() override {
+        if (!FGuard || !FTree->GetDragImages()) return;
+        const TPoint Pos = FTree->ScreenToClient(GetDragPos());
+        TNVDragImageList& Images = *FTree->FDragImages;
+        if (!Images.GetDragging()) {
+            Images.BeginDrag(FTree, Pos.X, Pos.Y, FTree->FDragHotSpot.X, FTree->FDragHotSpot.Y);
+        } else {
+            Images.DragMove(Pos.X, Pos.Y);
+        }
+    }
+    void HideDragImage() override {
+        if (FGuard && FTree->FDragImages->GetDragging()) FTree->FDragImages->HideDragImage();
+    }
+    void ShowDragImage() override {
+        if (FGuard && FTree->FDragImages->GetDragging()) FTree->FDragImages->ShowDragImage();
+    }
+    void Finished(TCustomControl*, int, int, bool) override {
+        if (FGuard) FTree->FDragImages->EndDrag();
+    }
+
+private:
+    TCustomQuillTree* FTree;
+    TControlGuard FGuard;
+};
 
 // --- the start of a drag ------------------------------------------------------------------------------------------
 
@@ -150,7 +188,10 @@ void TCustomQuillTree::DetectDrag(int X, int Y) {
         FDraggedRow = IsDragging() ? GetDragIndex() : -1;
         LeaveMode();
         FDragPending = false;
-        BeginDrag(false, Mouse.GetDragThreshold());
+        const TControlGuard Guard(this);
+        PrepareDragImages(GetNodeAt(FDragPoint->X, FDragPoint->Y), FDragPoint->X, FDragPoint->Y,
+                          FDragImages.get());
+        if (Guard) BeginDrag(false, Mouse.GetDragThreshold());
         return;
     }
     if (FDropSource || (State != gsNormal && State != gsSelecting && State != gsRowMoving)) return;
@@ -171,7 +212,11 @@ void TCustomQuillTree::DoStartDrag(TDragObject*& DragObject) {
     FDragging = true;
     const TControlGuard Guard(this);
     TCustomExGrid::DoStartDrag(DragObject);
-    if (Guard) FDropTargetNode = nullptr;
+    if (!Guard) return;
+    FDropTargetNode = nullptr;
+    if (DragObject) return; // the program's own
+    FNodeDrag = std::make_unique<TNodeDrag>(this);
+    DragObject = FNodeDrag.get();
 }
 
 TCustomImageList* TCustomQuillTree::GetDragImages() {
@@ -180,10 +225,38 @@ TCustomImageList* TCustomQuillTree::GetDragImages() {
 
 // --- over the tree ------------------------------------------------------------------------------------------------
 
-// The tree accepts unless a handler says otherwise.
+namespace {
+
+bool IsCtrlHeld() { return (GetKeysHeld() & MK_CONTROL) != 0; }
+
+} // namespace
+
+// The tree accepts unless AutoDrop cannot do it or a handler says otherwise.
 void TCustomQuillTree::DragOver(TObject* Source, int X, int Y, TDragState State, bool& Accept) {
     Accept = true;
-    FireEvent(OnDragOver, this, Source, X, Y, State, Accept);
+    const TControlGuard Guard(this);
+    if (State == dsDragMove) {
+        AimDrop(GetNodeAt(X, Y), {X, Y});
+        auto* const From = dynamic_cast<TCustomQuillTree*>(Source);
+        if (Guard && FAutoDrop && From) {
+            TFlyNode* const Node = GetNodeAt(X, Y);
+            Accept = From->GetDraggedNodes().empty() ||
+                     CanDropNodes(From->GetDraggedNodes(), Node, FDropPlace, IsCtrlHeld());
+        }
+    }
+    if (Guard) FireEvent(OnDragOver, this, Source, X, Y, State, Accept);
+}
+
+void TCustomQuillTree::DragDrop(TObject* Source, int X, int Y) {
+    const TControlGuard Guard(this);
+    auto* const From = dynamic_cast<TCustomQuillTree*>(Source);
+    const TControlGuard FromGuard(From ? From : this);
+    const TNodeWatch Target(GetNodeAt(X, Y));
+    const bool HadTarget = Target;
+    const TDropPlace Place = FDropPlace;
+    TCustomExGrid::DragDrop(Source, X, Y);
+    if (!Guard || !FromGuard || !From || !FAutoDrop || (HadTarget && !Target)) return;
+    DropNodes(From->GetDraggedNodes(), Target, Place, IsCtrlHeld());
 }
 
 void TCustomQuillTree::CMDrag(TCMDrag& Message) {
@@ -244,6 +317,7 @@ void TCustomQuillTree::DoEndDrag(TObject* Target, int X, int Y) {
     int From = std::exchange(FDraggedRow, -1);
     FDragging = false;
     FDropTargetNode = nullptr;
+    FNodeDrag.reset();
     if (From < 0) return;
     int To = Node ? Node->GetRow() : From;
     if (!EndRowDrag(From, To, Pos) || !Guard) return;
@@ -348,11 +422,18 @@ void TCustomQuillTree::DoOleDrag(int X, int Y) {
     if (!Guard || !FDropSource) return;
     FDropSource->SetImages(FDragImages.get());
     FDropSource->SetShowImage(true);
-    FDropSource->Execute(this);
+    if (FAutoDrop) FDropSource->SetDragTypes({dtCopy, dtMove});
+    FDroppedInside = false;
+    FDraggingTree = this;
+    const TDragResult Result = FDropSource->Execute(this);
+    FDraggingTree = nullptr;
     if (!Guard) return;
     FDropSource.reset();
     EndDropTarget();
+    NodesDragged(Result, FDroppedInside);
 }
+
+void TCustomQuillTree::NodesDragged(TDragResult, bool) {}
 
 // The node under the mouse is shown as the target; what a drop there would do is the program's to say.
 void TCustomQuillTree::OLEDragOver(TObject*, NV_IDataObject* Data, TShiftState Shift, TPoint Pt,
@@ -372,14 +453,31 @@ void TCustomQuillTree::OLEDragOver(TObject*, NV_IDataObject* Data, TShiftState S
         if (!Guard) return;
         if (FDropSource) FDragImages->ShowDragImage();
     }
-    FireEvent(OnOLEDragOver, this, Data, Shift, Pt, Effect);
+    AimDrop(Node, Pt);
+    if (FAutoDrop && FDraggingTree) {
+        const bool Copy = Shift.Contains(ssCtrl);
+        Effect =
+            TakesDrag(FDraggingTree, Copy) ? static_cast<int>(Copy ? DROPEFFECT_COPY : DROPEFFECT_MOVE) : 0;
+    }
+    if (Guard) FireEvent(OnOLEDragOver, this, Data, Shift, Pt, Effect);
 }
 
 void TCustomQuillTree::OLEDragDrop(TObject*, NV_IDataObject* Data, TShiftState Shift, TPoint Pt,
                                    int& Effect) {
     const TControlGuard Guard(this);
+    const TNodeWatch Target(GetNodeAt(Pt.X, Pt.Y));
+    const bool HadTarget = Target;
+    const bool Copy = Shift.Contains(ssCtrl);
+    TCustomQuillTree* const From = FAutoDrop ? FDraggingTree : nullptr;
+    if (From) Effect = static_cast<int>(Copy ? DROPEFFECT_COPY : DROPEFFECT_MOVE);
+    const TDropPlace Place = FDropPlace;
     FireEvent(OnOLEDragDrop, this, Data, Shift, Pt, Effect);
-    if (Guard) EndDropTarget();
+    if (!Guard) return;
+    EndDropTarget();
+    // The source may have gone in the handler.
+    if (!From || FDraggingTree != From || Effect == 0 || (HadTarget && !Target)) return;
+    From->FDroppedInside = true;
+    DropNodes(From->GetDraggedNodes(), Target, Place, Copy);
 }
 
 // The selected rows that are in view, as they look, framed; what is between them is transparent.
@@ -420,9 +518,10 @@ void TCustomQuillTree::PrepareDragImages(TFlyNode* Node, int X, int Y, TCustomIm
     }
     ImageList->SetSize(Width, Height);
     ImageList->AddMasked(*Picture, DragKeyColor);
+    FDragHotSpot = {X - Bounds.Left, Y - Bounds.Top};
     if (!FDropSource) return;
-    FDropSource->SetPoint(1, X - Bounds.Left);
-    FDropSource->SetPoint(2, Y - Bounds.Top);
+    FDropSource->SetPoint(1, FDragHotSpot.X);
+    FDropSource->SetPoint(2, FDragHotSpot.Y);
 }
 
 } // namespace quill

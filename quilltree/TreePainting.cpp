@@ -57,6 +57,7 @@ void TCustomQuillTree::Paint() {
         if (Painted != GetClientRect()) Invalidate();
     }
     TCustomExGrid::Paint();
+    if (Guard && FAimedNode) DrawDropMark();
     // Outside a paint nodes move and the rows before are no neighbours.
     if (Guard) FAncestorsOf = nullptr;
 }
@@ -117,7 +118,8 @@ void TCustomQuillTree::DrawBackground(TCanvas& Canvas, const TRect& Rect, int, i
 void TCustomQuillTree::GetColor(TFlyNode* Node, int ACol, int, TExGridDrawState State, TColor& BrushColor,
                                 TColor& FontColor, bool& Changed) {
     if (State.Contains(gdNoUseSelColor)) return;
-    const bool Marked = Node && (Node->GetSelected() || Node->GetDropTarget());
+    const bool Aimed = Node && Node->GetDropTarget() && (!FDropMarks || FDropPlace == dpOn);
+    const bool Marked = Node && (Node->GetSelected() || Aimed);
     if (!Marked && !State.Contains(gdClicked)) return;
     if (!SelectionSpans(ACol)) return;
     if (Focused()) {

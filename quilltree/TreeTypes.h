@@ -25,6 +25,8 @@ enum TNVVertAlign { tvaTop, tvaBottom, tvaCenter };
 // The order that a caption's arrow shows: it points up, or down.
 enum TSortDirection { srtAscending, srtDescending };
 enum TNVDragType { dtStandard, dtOLE };
+// Where a drop would go: nowhere, before the node under the mouse, into it, behind it.
+enum TDropPlace { dpNone, dpBefore, dpOn, dpAfter };
 
 // The glyph kinds; the ordinal is the index in the glyph set. The capital O of the last three is part of the names.
 enum TQuillBitmap {

@@ -9,7 +9,8 @@ jobs=$(nproc)
 # What each kind of work needs on Debian 12 and its relatives.
 packages_build=(g++ cmake ninja-build ccache lld python3 qt6-base-dev qt6-base-dev-tools)
 packages_show=(fonts-dejavu-core fonts-noto-core fonts-droid-fallback)
-packages_test=(libgtest-dev libgmock-dev locales clang-format-14 xvfb xauth openbox xdotool wmctrl xclip imagemagick)
+packages_test=(libgtest-dev libgmock-dev locales clang-format-14 xvfb xauth openbox xdotool wmctrl xclip imagemagick
+    pkg-config libgtk-3-dev)
 
 say() { printf '\n== %s\n' "$*" >&2; }
 

@@ -30,11 +30,13 @@ public:
     TDragManager(TCustomControl* Source, TDragObject* Object, bool OwnsObject, int Threshold)
         : QObject(qApp), FSource(Source), FSourceGuard(Source), FObject(Object),
           FOwned(OwnsObject ? Object : nullptr), FStart(Mouse.GetCursorPos()), FThreshold(Threshold) {
+        FObject->FManager = this;
         FObject->FDragPos = FStart;
         qApp->installEventFilter(this);
     }
     ~TDragManager() override {
         if (FCursorShown) QApplication::restoreOverrideCursor();
+        if (FObject) FObject->FManager = nullptr;
     }
 
     void StartIfImmediate() {
@@ -43,6 +45,11 @@ public:
     TDragObject* GetObject() const { return FObject; }
     TCustomControl* GetSource() const { return FSourceGuard ? FSource : nullptr; }
 
+    void ObjectGone() {
+        FObject = nullptr;
+        static_cast<void>(FOwned.release());
+        Finish(false);
+    }
     // A destroyed target or source is no party any more.
     void Forget(const TCustomControl* Control) {
         if (FObject && FObject->FTarget == Control) FObject->FTarget = nullptr;
@@ -55,8 +62,7 @@ public:
         qApp->removeEventFilter(this);
         deleteLater();
         if (std::exchange(FCursorShown, false)) QApplication::restoreOverrideCursor();
-        const std::unique_ptr<TDragObject> Owned = std::move(FOwned);
-        TCustomControl* Target = FMoving ? FObject->FTarget : nullptr;
+        TCustomControl* Target = FMoving && FObject ? FObject->FTarget : nullptr;
         TPoint Pos = Target ? FObject->FDragTargetPos : TPoint{};
         if (Target) {
             const TControlGuard TargetGuard(Target);
@@ -65,8 +71,8 @@ public:
             if (!TargetGuard) Target = nullptr;
         }
         if (!Drop) Target = nullptr;
-        if (!Target && FSourceGuard) Pos = FSource->ScreenToClient(FObject->FDragPos);
-        FObject->Finished(Target, Pos.X, Pos.Y, Drop);
+        if (!Target && FSourceGuard && FObject) Pos = FSource->ScreenToClient(FObject->FDragPos);
+        if (FObject) FObject->Finished(Target, Pos.X, Pos.Y, Drop);
         if (!FSourceGuard) return;
         if (!Drop) FSource->DragCanceled();
         if (FSourceGuard) FSource->DoEndDrag(Target, Pos.X, Pos.Y);
@@ -125,8 +131,22 @@ protected:
     }
 
 private:
+    // The picture that follows the mouse is a window of its own and in the way on some platforms.
+    static QWidget* WidgetAt(QPoint Screen) {
+        QWidget* Below = QApplication::topLevelAt(Screen);
+        if (Below && Below->testAttribute(Qt::WA_TransparentForMouseEvents)) {
+            Below = nullptr;
+            for (QWidget* Window : QApplication::topLevelWidgets()) {
+                if (!Window->isVisible() || Window->testAttribute(Qt::WA_TransparentForMouseEvents)) continue;
+                if (Window->geometry().contains(Screen) && (!Below || Window->isActiveWindow()))
+                    Below = Window;
+            }
+        }
+        QWidget* const Child = Below ? Below->childAt(Below->mapFromGlobal(Screen)) : nullptr;
+        return Child ? Child : Below;
+    }
     static TCustomControl* ControlAt(TPoint Screen) {
-        for (QWidget* W = QApplication::widgetAt(Screen.X, Screen.Y); W; W = W->parentWidget()) {
+        for (QWidget* W = WidgetAt({Screen.X, Screen.Y}); W; W = W->parentWidget()) {
             auto* const Control = dynamic_cast<TCustomControl*>(W);
             if (Control && Control->isEnabled()) return Control;
         }
@@ -155,6 +175,7 @@ private:
         const QPointer<TDragManager> Self(this);
         TDragObject& Object = *FObject;
         Object.FDragPos = Screen;
+        Object.Moved();
         TCustomControl* const Now = ControlAt(Screen);
         if (Now != Object.FTarget) {
             if (Object.FTarget) Send(Object.FTarget, dmDragLeave);
@@ -214,6 +235,10 @@ void ForgetDragOf(const TCustomControl* Control) {
 }
 
 // --- what is dragged ----------------------------------------------------------------------------------------------
+
+TDragObject::~TDragObject() {
+    if (FManager) FManager->ObjectGone();
+}
 
 TCursor TDragObject::GetDragCursor(bool Accepted, int, int) { return Accepted ? crDrag : crNoDrop; }
 

@@ -9,10 +9,17 @@
 namespace quill {
 
 class TCustomImageList;
+class TDragManager;
 
 // What is dragged. Without a handler of OnStartDrag each drag has a TDragControlObject for its source.
 class TDragObject : public TObject {
 public:
+    TDragObject() = default;
+    // Ends the drag, if it still goes on.
+    ~TDragObject() override;
+    TDragObject(const TDragObject&) = delete;
+    TDragObject& operator=(const TDragObject&) = delete;
+
     TPoint GetDragPos() const { return FDragPos; }             // of the mouse, in screen coordinates
     TCustomControl* GetDragTarget() const { return FTarget; }  // under the mouse, null for none
     TPoint GetDragTargetPos() const { return FDragTargetPos; } // in the target's client coordinates
@@ -25,6 +32,8 @@ public:
     virtual void ShowDragImage();
     // What the events name as the source.
     virtual TObject* GetSource() { return this; }
+    // The mouse is at GetDragPos: a picture that follows it goes there. First called when the drag begins to move.
+    virtual void Moved() {}
     // The drag has ended, on Target or nowhere (null).
     virtual void Finished(TCustomControl* /*Target*/, int /*X*/, int /*Y*/, bool /*Accepted*/) {}
 
@@ -33,6 +42,7 @@ private:
     TPoint FDragPos;
     TPoint FDragTargetPos;
     TCustomControl* FTarget = nullptr;
+    TDragManager* FManager = nullptr;
 };
 
 // A drag of a control's contents. The events name the control as the source.

@@ -187,7 +187,7 @@ struct TDesktop {
     explicit TDesktop(TDragTree& ATree) : Window(ATree.viewport()) { Data.setText("dragged"); }
     template <class TEvent>
     int Send(QPoint Pos) {
-        TEvent Event(Pos, Qt::CopyAction | Qt::MoveAction, &Data, Qt::LeftButton, Qt::NoModifier);
+        TEvent Event(Pos, Qt::CopyAction | Qt::MoveAction, &Data, Qt::LeftButton, Modifiers);
         if (Window) QCoreApplication::sendEvent(Window, &Event);
         return Event.isAccepted() ? static_cast<int>(Event.dropAction()) : 0;
     }
@@ -196,6 +196,7 @@ struct TDesktop {
         if (Window) QCoreApplication::sendEvent(Window, &Event);
     }
     QMimeData Data;
+    Qt::KeyboardModifiers Modifiers;
     QPointer<QWidget> Window;
 };
 
@@ -256,6 +257,90 @@ TEST(TreeDragging, OffersTextAndPictureToOtherPrograms) {
     Tree.Press("A");
     Tree.Release();
     EXPECT_EQ(Offered, "");
+}
+
+TEST(TreeDragging, DropsMoveAndCopyNodesWhenAsked) {
+    enum TPart { Top, Middle, Bottom };
+    struct TCase {
+        const char* From;
+        const char* To;
+        TPart Part;
+        bool Copy;
+        const char* Rows;
+    };
+    const TCase Cases[] = {
+        {"D", "A", Top, false, "D A B(+) b C"},
+        {"A", "C", Bottom, false, "B(+) b C A D"},
+        {"A", "D", Bottom, false, "B(+) b C D A"},
+        {"A", "C", Middle, false, "B(+) b C(+) A D"},
+        {"A", "B", Bottom, false, "B(+) b A C D"}, // an open branch: into it
+        {"A", "b", Bottom, false, "B(+) b A C D"},
+        {"b", "D", Top, false, "A B(+) C b D"},
+        {"B", "b", Top, false, "A B(+) b C D"}, // not below itself
+        {"A", "C", Top, true, "A B(+) b A C D"},
+        {"B", "b", Middle, true, "A B(+) b(+) B C D"}, // the copy is closed
+    };
+    for (const bool Ole : {false, true}) {
+        for (const TCase& Case : Cases) {
+            TDragTree Tree;
+            Tree.OnDragOver = nullptr;
+            Tree.SetAutoDrop(true);
+            Tree.SetDropMarks(true);
+            Tree.SetSelection(Tree.Find(Case.From));
+            const TRect Row = Tree.DisplayRect(Tree.Find(Case.To), false);
+            const QPoint Pos(Row.Left + 60, Case.Part == Top      ? Row.Top + 1
+                                            : Case.Part == Middle ? (Row.Top + Row.Bottom) / 2
+                                                                  : Row.Bottom - 2);
+            const auto Modifiers = Case.Copy ? Qt::ControlModifier : Qt::NoModifier;
+            if (Ole) {
+                // The desktop's side, from within a drag of the tree.
+                Tree.SetDragType(dtOLE);
+                Tree.OnOLEStartDrag = [&](NV_IDataObject*, int&) {
+                    TDesktop Desk(Tree);
+                    Desk.Modifiers = Modifiers;
+                    Desk.Send<QDragEnterEvent>(Pos);
+                    if (Desk.Send<QDragMoveEvent>(Pos) != 0) Desk.Send<QDropEvent>(Pos);
+                };
+                Tree.Press(Case.From);
+                Tree.MoveTo("C");
+            } else {
+                Tree.Press(Case.From);
+                Tree.MoveTo("C");
+                QTest::mouseMove(Tree.windowHandle(), Pos);
+                QTest::mouseRelease(Tree.windowHandle(), Qt::LeftButton, Modifiers, Pos);
+            }
+            std::string Rows = Tree.Rows();
+            for (const std::string& Mark : {std::string("(sel)"), std::string("<")}) {
+                for (std::size_t At; (At = Rows.find(Mark)) != std::string::npos;)
+                    Rows.erase(At, Mark.size());
+            }
+            EXPECT_EQ(Rows, Case.Rows)
+                << (Ole ? "other programs, " : "") << Case.From << " to " << Case.To << " at " << Case.Part;
+            Tree.Check();
+        }
+    }
+}
+
+TEST(TreeDragging, HoldingOverABranchOpensItAndAnEdgeScrolls) {
+    TDragTree Tree;
+    Tree.Find("B")->Collapse(false);
+    for (int i = 0; i < 60; ++i) Tree.GetItems()->Add(nullptr, "more");
+    Tree.SetDragType(dtOLE);
+    Tree.SetHoverExpandTime(20);
+    Tree.SetDropScroll(true);
+    TDesktop Desk(Tree);
+    const QPoint OnB = Tree.On("B");
+    Desk.Send<QDragEnterEvent>(OnB);
+    Desk.Send<QDragMoveEvent>(OnB);
+    QTest::qWait(60);
+    EXPECT_TRUE(Tree.Find("B")->GetExpanded());
+    Desk.Send<QDragMoveEvent>(QPoint(20, Tree.GetClientHeight() - 2));
+    QTest::qWait(3 * TCustomExGrid::ScrollTimerInterval);
+    EXPECT_GT(Tree.GetTopRow(), 0);
+    Desk.Leave();
+    const int Top = Tree.GetTopRow();
+    QTest::qWait(3 * TCustomExGrid::ScrollTimerInterval);
+    EXPECT_EQ(Tree.GetTopRow(), Top);
 }
 
 TEST(TreeDragging, HandlersMayDoAnything) {
