@@ -23,6 +23,9 @@ TEditorTree::TEditorTree(QWidget* AParent) : TQuillTree(AParent) {
     SetShowButtons(true);
     SetShowImages(false);
     SetToolTips(false);
+    SetLineColor(clBtnFace);
+    SetFixedLineColor(clBtnShadow);
+    SetFitColumnToClientWidth(true);
     // What is dragged goes where the mark says.
     SetDropMarks(true);
     SetAutoDrop(true);
@@ -31,6 +34,7 @@ TEditorTree::TEditorTree(QWidget* AParent) : TQuillTree(AParent) {
 
 void TEditorTree::ShowColumns() {
     SetOptions(GetOptions() + TGridOptions{goFixedVertLine, goVertLine, goColSizing, goColMoving});
+    SetFitColumnToClientWidth(false);
 }
 
 void TEditorTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {

@@ -13,7 +13,8 @@ class TEditorTree : public TQuillTree {
 public:
     explicit TEditorTree(QWidget* AParent);
 
-    // Tells columns apart and lets them be sized and moved in the fixed rows.
+    // Tells columns apart, gives them widths of their own and lets them be sized and moved in the fixed rows. Before, the
+    // only column is as wide as the tree.
     void ShowColumns();
 
     void KeyDown(std::uint16_t& Key, TShiftState Shift) override;

@@ -133,6 +133,8 @@ void TFlyEditor::TakeSection() {
     for (int Col = 0; Col < FSection->ColCount; ++Col) {
         if (Col < FSection->Widths->GetCount()) FTree->SetColWidths(Col, StrToInt((*FSection->Widths)[Col]));
         FTree->SetColAlignMent(Col, static_cast<TAlignment>(AlignCode(*FSection->Aligns, Col)));
+        // Something to tell them apart by when they are moved.
+        if (FTree->GetCaptions(Col).empty()) FTree->SetCaptions(Col, IntToStr(Col + 1));
     }
     while (FSection->Widths->GetCount() < FSection->ColCount)
         FSection->Widths->Add(IntToStr(FTree->GetColWidths(FSection->Widths->GetCount())));
@@ -145,8 +147,10 @@ void TFlyEditor::Store() {
     const QPointer<TFlyEditor> Self(this);
     TCustomQuillTree* const Tree = FNodes->GetTree();
     // Texts have moved with the columns, so the outline has to, too.
-    if (Tree && FTree->GetStructureCol() != FStructureCol)
-        Tree->SetStructureCol(Tree->GetDisplayColumn(FTree->GetStructureCol()));
+    if (const int Col = FTree->GetStructureCol(); Tree && Col != FStructureCol) {
+        const int Shown = Tree->GetDisplayColumn(Col);
+        Tree->SetStructureCol(Shown < 0 ? Col : Shown); // a tree with fewer columns gets more
+    }
     if (!Self || !FNodes) return;
     FNodes->Assign(FTree->GetItems());
     if (Self && FNodes) CopyDefaults(*FTree->GetItems(), *FNodes);

@@ -15,7 +15,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
-#include <QScrollBar>
 #include <QShowEvent>
 #include <QVBoxLayout>
 
@@ -219,9 +218,8 @@ void TFlyEditor::ScaleToFont() {
     const int FontSize = std::max(QFontInfo(font()).pixelSize(), NominalFontSize);
     const auto Scaled = [FontSize](int Length) { return Length * FontSize / NominalFontSize; };
     FTree->SetDefaultRowHeight(fontMetrics().height() + RowPadding);
-    if (!FReady) FTree->SetDefaultColWidth(Scaled(ColumnWidth));
-    const int Bar = FTree->GetScrollBarSize(SB_VERT);
-    FTree->setMinimumSize(Scaled(ColumnWidth) + 2 * FTree->frameWidth() + Bar, Scaled(MinTreeHeight));
+    if (!FReady) FTree->SetColWidths(0, Scaled(ColumnWidth));
+    FTree->setMinimumSize(Scaled(ColumnWidth) + 2 * FTree->frameWidth(), Scaled(MinTreeHeight));
 }
 
 void TFlyEditor::changeEvent(QEvent* Event) {

@@ -1,7 +1,11 @@
 // Published properties of a node, and the entry points into the collection's own streams.
+#include "host/base/Errors.h"
 #include "host/base/Reflection.h"
+#include "host/base/Streams.h"
+#include "host/base/Texts.h"
 #include "quilltree/FlyNode.h"
 #include "quilltree/FlyNodes.h"
+#include "treecoll/TreeProperties.h"
 
 #include <vector>
 
@@ -85,6 +89,19 @@ void TFlyNodes::LoadFromText(const std::string& Text) { LoadTreeCollectionFromTe
 void TFlyNodes::SaveToStream(TStream& Stream) { SaveTreeCollectionToStream(this, Stream); }
 void TFlyNodes::LoadFromStream(TStream& Stream) { LoadTreeCollectionFromStream(this, Stream); }
 void TFlyNodes::SaveToFile(const std::string& FileName) { SaveTreeCollectionToFile(this, FileName); }
-void TFlyNodes::LoadFromFile(const std::string& FileName) { LoadTreeCollectionFromFile(this, FileName); }
+
+// The format of the collection, or nodes text, which may begin with anything but is text.
+void TFlyNodes::LoadFromFile(const std::string& FileName) {
+    constexpr std::int64_t Enough = 4096;
+    std::string Start(Enough, '\0');
+    Start.resize(static_cast<std::size_t>(TFileStream(FileName, fmOpenRead).Read(Start.data(), Enough)));
+    if (IsSavedTreeCollection(Start)) {
+        LoadTreeCollectionFromFile(this, FileName);
+    } else if (Start.find('\0') == std::string::npos) {
+        LoadNodesFromFile(FileName);
+    } else {
+        throw EReadError("\"" + FileName + "\": " + FormatText(SReadError, {"this is no saved tree"}));
+    }
+}
 
 } // namespace quill

@@ -11,6 +11,9 @@
 
 namespace quill {
 
+// Whether the bytes begin like a saved collection of any version, in the binary or the text form.
+bool IsSavedTreeCollection(std::string_view Bytes);
+
 // One property as a stream holds it: a number, a text, or a list of texts.
 struct TStreamValue {
     enum TKind { Ordinal, Text, List };

@@ -354,6 +354,10 @@ void SaveTreeCollectionToFile(TTreeCollection* Collection, const std::string& Fi
     WriteTo(FileName);
 }
 
+bool IsSavedTreeCollection(std::string_view Bytes) {
+    return Bytes.starts_with(Magic) || Bytes.starts_with("TreeCollection:");
+}
+
 void LoadTreeCollectionFromFile(TTreeCollection* Collection, const std::string& FileName) {
     TMemoryStream Content;
     Content.LoadFromFile(FileName);
