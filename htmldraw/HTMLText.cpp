@@ -1,7 +1,8 @@
 #include "htmldraw/HTMLText.h"
 
-#include "host/base/Reflection.h"
 #include "host/windows/FlagScope.h"
+#include "host/windows/Menus.h"
+#include "host/windows/PublishedNames.h"
 #include "htmldraw/HTMLDraw.h"
 
 #include <algorithm>
@@ -43,72 +44,79 @@ int CodeOf(TNVVerticalAlign Alignment) {
     }
 }
 
-// --- published properties -----------------------------------------------------------------------------------------
-
-template <auto Getter>
-std::int64_t GetOrdinal(const TPersistent& Object) {
-    return static_cast<std::int64_t>((static_cast<const TNVHTMLText&>(Object).*Getter)());
-}
-
-template <auto Setter, class TValue>
-void SetOrdinal(TPersistent& Object, std::int64_t Value) {
-    (static_cast<TNVHTMLText&>(Object).*Setter)(static_cast<TValue>(Value));
-}
-
-std::string GetLinesText(const TPersistent& Object) {
-    return const_cast<TNVHTMLText&>(static_cast<const TNVHTMLText&>(Object)).GetLines()->GetText();
-}
-
-void SetLinesText(TPersistent& Object, const std::string& Value) {
-    TStringList Lines;
-    Lines.SetText(Value);
-    static_cast<TNVHTMLText&>(Object).SetStrings(&Lines);
-}
-
-constexpr std::string_view BorderStyles[] = {"bsNone", "bsSingle"};
-constexpr std::string_view Alignments[] = {"taLeftJustify", "taRightJustify", "taCenter"};
-constexpr std::string_view VerticalAlignments[] = {"vaTop", "vaBottom", "vaCenter"};
-
 } // namespace
 
+// --- published properties -----------------------------------------------------------------------------------------
+
+QUILL_ENUM_NAMES(TNVVerticalAlign, "vaTop", "vaBottom", "vaCenter");
+
+std::string TNVHTMLText::GetLinesText() const { return FLines.GetText(); }
+
+void TNVHTMLText::SetLinesText(const std::string& Value) {
+    TStringList Lines;
+    Lines.SetText(Value);
+    SetStrings(&Lines);
+}
+
 const TClassInfo* TNVHTMLText::GetClassInfo() const {
+    using C = TCustomControl;
     using T = TNVHTMLText;
-    using K = TPropertyKind;
     static const TPropertyInfo Properties[] = {
-        {.Name = "BorderStyle",
-         .Kind = K::Enumeration,
-         .GetOrdinal = GetOrdinal<&T::GetBorderStyle>,
-         .SetOrdinal = SetOrdinal<&T::SetBorderStyle, TBorderStyle>,
-         .Default = bsNone,
-         .Names = BorderStyles},
-        {.Name = "AutoSize",
-         .Kind = K::Boolean,
-         .GetOrdinal = GetOrdinal<&T::GetAutoSize>,
-         .SetOrdinal = SetOrdinal<&T::SetAutosize, bool>,
-         .Default = true},
-        {.Name = "WordWrap",
-         .Kind = K::Boolean,
-         .GetOrdinal = GetOrdinal<&T::GetWordWrap>,
-         .SetOrdinal = SetOrdinal<&T::SetWordWrap, bool>,
-         .Default = false},
-        {.Name = "Alignment",
-         .Kind = K::Enumeration,
-         .GetOrdinal = GetOrdinal<&T::GetAlignment>,
-         .SetOrdinal = SetOrdinal<&T::SetAlignment, TAlignment>,
-         .Default = taLeftJustify,
-         .Names = Alignments},
-        {.Name = "VerticalAlignment",
-         .Kind = K::Enumeration,
-         .GetOrdinal = GetOrdinal<&T::GetVerticalAlignment>,
-         .SetOrdinal = SetOrdinal<&T::SetVertAlign, TNVVerticalAlign>,
-         .Default = vaCenter,
-         .Names = VerticalAlignments},
-        {.Name = "Lines", .Kind = K::String, .GetString = GetLinesText, .SetString = SetLinesText},
-        {.Name = "Margin",
-         .Kind = K::Integer,
-         .GetOrdinal = GetOrdinal<&T::GetMargin>,
-         .SetOrdinal = SetOrdinal<&T::SetMargin, int>,
-         .Default = 4},
+        Published<&C::GetBorderStyle, &C::SetBorderStyle>("BorderStyle", bsNone),
+        Published<&T::GetAutoSize, &T::SetAutosize>("AutoSize", true),
+        Published<&T::GetWordWrap, &T::SetWordWrap>("WordWrap", false),
+        Published<&T::GetAlignment, &T::SetAlignment>("Alignment", taLeftJustify),
+        Published<&T::GetVerticalAlignment, &T::SetVertAlign>("VerticalAlignment", vaCenter),
+        Published<&T::GetLinesText, &T::SetLinesText>("Lines"),
+        Published<&T::GetMargin, &T::SetMargin>("Margin", 4),
+        // The host's.
+        Published<&C::GetAlign, &C::SetAlign>("Align", alNone),
+        Published<&C::GetAnchors, &C::SetAnchors>("Anchors", SetDefault(TAnchors{akLeft, akTop})),
+        StoredIf(Published<&C::GetBiDiMode, &C::SetBiDiMode>("BiDiMode"), IsFalse<&C::GetParentBiDiMode>),
+        AsLength(Published<&C::GetBorderWidth, &C::SetBorderWidth>("BorderWidth", 0)),
+        StoredIf(Published<&C::GetColor, &C::SetColor>("Color"), IsFalse<&C::GetParentColor>),
+        PublishedObject<&C::GetConstraints>("Constraints"),
+        StoredIf(Published<&C::GetCtl3D, &C::SetCtl3D>("Ctl3D"), IsFalse<&C::GetParentCtl3D>),
+        Published<&C::GetUseDockManager, &C::SetUseDockManager>("UseDockManager", true),
+        Published<&C::GetDockSite, &C::SetDockSite>("DockSite", false),
+        AsCursor(Published<&C::GetDragCursor, &C::SetDragCursor>("DragCursor", crDrag)),
+        Published<&C::GetDragKind, &C::SetDragKind>("DragKind", dkDrag),
+        Published<&C::GetDragMode, &C::SetDragMode>("DragMode", dmManual),
+        Published<&C::GetEnabled, &C::SetEnabled>("Enabled", true),
+        StoredIf(PublishedObject<&C::GetFont>("Font"), IsFontStored),
+        DefaultLast(Published<&C::GetParentBiDiMode, &C::SetParentBiDiMode>("ParentBiDiMode", true)),
+        DefaultLast(Published<&C::GetParentColor, &C::SetParentColor>("ParentColor", true)),
+        DefaultLast(Published<&C::GetParentCtl3D, &C::SetParentCtl3D>("ParentCtl3D", true)),
+        DefaultLast(Published<&C::GetParentFont, &C::SetParentFont>("ParentFont", true)),
+        DefaultLast(Published<&C::GetParentShowHint, &C::SetParentShowHint>("ParentShowHint", true)),
+        PublishedReference<&C::GetPopupMenu, &C::SetPopupMenu>("PopupMenu"),
+        StoredIf(Published<&C::GetShowHint, &C::SetShowHint>("ShowHint"), IsFalse<&C::GetParentShowHint>),
+        InRange(Published<&C::GetTabOrder, &C::SetTabOrder>("TabOrder", -1), -1, 0x7FFFFFFF),
+        Published<&C::GetTabStop, &C::SetTabStop>("TabStop", false),
+        Published<&C::GetVisible, &C::SetVisible>("Visible", true),
+        PublishedEvent<&C::OnCanResize>("OnCanResize"),
+        PublishedEvent<&C::OnClick>("OnClick"),
+        PublishedEvent<&C::OnConstrainedResize>("OnConstrainedResize"),
+        PublishedEvent<&C::OnDockDrop>("OnDockDrop"),
+        PublishedEvent<&C::OnDockOver>("OnDockOver"),
+        PublishedEvent<&C::OnDblClick>("OnDblClick"),
+        PublishedEvent<&C::OnDragDrop>("OnDragDrop"),
+        PublishedEvent<&C::OnDragOver>("OnDragOver"),
+        PublishedEvent<&C::OnEndDock>("OnEndDock"),
+        PublishedEvent<&C::OnEndDrag>("OnEndDrag"),
+        PublishedEvent<&C::OnEnter>("OnEnter"),
+        PublishedEvent<&C::OnExit>("OnExit"),
+        PublishedEvent<&C::OnGetSiteInfo>("OnGetSiteInfo"),
+        PublishedEvent<&C::OnMouseDown>("OnMouseDown"),
+        PublishedEvent<&C::OnMouseMove>("OnMouseMove"),
+        PublishedEvent<&C::OnMouseUp>("OnMouseUp"),
+        PublishedEvent<&C::OnKeyDown>("OnKeyDown"),
+        PublishedEvent<&C::OnKeyUp>("OnKeyUp"),
+        PublishedEvent<&C::OnKeyPress>("OnKeyPress"),
+        PublishedEvent<&C::OnResize>("OnResize"),
+        PublishedEvent<&C::OnStartDock>("OnStartDock"),
+        PublishedEvent<&C::OnStartDrag>("OnStartDrag"),
+        PublishedEvent<&C::OnUnDock>("OnUnDock"),
     };
     static const TClassInfo Info{"TNVHTMLText", TCustomControl::GetClassInfo(), Properties};
     return &Info;

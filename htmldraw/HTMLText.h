@@ -34,6 +34,9 @@ public:
     // The text. Changing the list in place shows nothing until Changed is called; assigning it with SetStrings does.
     TStrings* GetLines() { return &FLines; }
     void SetStrings(TStrings* Value);
+    // Lines as one text, each with its end.
+    std::string GetLinesText() const;
+    void SetLinesText(const std::string& Value);
     // Pixels around the text, on all sides. Does not resize an auto-sized control.
     int GetMargin() const { return FMargin; }
     void SetMargin(int Value);

@@ -85,6 +85,11 @@ void TCustomQuillTree::SetTopItem(TFlyNode* Node) {
 }
 
 void TCustomQuillTree::SetFixedRows(int Value) {
+    // In a form the number of rows comes before; it counts the heights that follow, and Loaded fits it to the nodes.
+    if (HasState(csReading) && Value < GetRowCount()) {
+        TCustomExGrid::SetFixedRows(Value);
+        return;
+    }
     const TControlGuard Guard(this);
     // More rows are needed first, since the grid refuses fixed rows that leave no other row. Hidden nodes have none.
     const int Count = FItems ? FItems->GetCount() : 0;

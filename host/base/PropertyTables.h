@@ -185,6 +185,11 @@ constexpr TPropertyInfo PublishedEvent(std::string_view Name) {
             .SetEvent = PropertyTables::SetEvent<Event>};
 }
 
+constexpr TPropertyInfo Opaque(TPropertyInfo Info) {
+    Info.Opaque = true;
+    return Info;
+}
+
 constexpr TPropertyInfo InRange(TPropertyInfo Info, std::int64_t Lowest, std::int64_t Highest) {
     Info.Lowest = Lowest;
     Info.Highest = Highest;

@@ -54,6 +54,8 @@ struct TPropertyInfo {
     bool (*SetEvent)(TPersistent& Object, const std::any& Handler) = nullptr;
     // A default that is restored after the properties that a stream names, because their setters change it.
     bool DefaultLast = false;
+    // An object that streams do not hold by its own properties.
+    bool Opaque = false;
 };
 
 struct TClassInfo {

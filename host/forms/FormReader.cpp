@@ -277,7 +277,7 @@ private:
                 CheckAlive(Taking);
                 const std::string Name = Prefix + std::string(Property.Name);
                 if (Property.Kind == TPropertyKind::Object) {
-                    TPersistent* const Part = Property.GetObject(Object);
+                    TPersistent* const Part = Property.Opaque ? nullptr : Property.GetObject(Object);
                     if (Part) RestoreDefaults(Taking, Name + ".", *Part, Named, Last);
                 } else if (Property.DefaultLast != Last || Named.contains(Name)) {
                     continue;
@@ -300,7 +300,9 @@ private:
             const std::size_t Dot = Name.find('.');
             Property = FindProperty(Object->GetClassInfo(), Name.substr(0, Dot));
             if (!Property || Dot == std::string_view::npos) break;
-            Object = Property->Kind == TPropertyKind::Object ? Property->GetObject(*Object) : nullptr;
+            Object = Property->Kind == TPropertyKind::Object && !Property->Opaque
+                         ? Property->GetObject(*Object)
+                         : nullptr;
             Name.remove_prefix(Dot + 1);
             if (!Object) Bad(SFormUnknownProperty, {Taking.Component->ClassName()});
         }

@@ -127,7 +127,7 @@ private:
             break;
         }
         case TPropertyKind::Object: {
-            const TPersistent* const Part = Property.GetObject(Object);
+            const TPersistent* const Part = Property.Opaque ? nullptr : Property.GetObject(Object);
             if (Part) WritePublished(Name + ".", *Part, Ancestor ? Property.GetObject(*Ancestor) : nullptr);
             return;
         }

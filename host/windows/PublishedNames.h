@@ -39,6 +39,13 @@ constexpr TPropertyInfo AsCursor(TPropertyInfo Info) {
 inline constexpr int MaxFormLength = 0x7FFF;
 constexpr TPropertyInfo AsLength(TPropertyInfo Info) { return InRange(Info, 0, MaxFormLength); }
 
+// A font that comes from the parent has a colour of its own all the same.
+inline bool IsFontStored(const TPersistent& Object) {
+    const auto& Control = static_cast<const TCustomControl&>(Object);
+    return !Control.GetParentFont() ||
+           const_cast<TCustomControl&>(Control).GetFont()->GetColor() != clWindowText;
+}
+
 // A property that follows the parent is stored while it does not.
 template <auto Get>
 bool IsFalse(const TPersistent& Object) {
