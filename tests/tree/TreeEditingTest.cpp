@@ -161,6 +161,15 @@ TEST(TreeEditing, ARefusedCellIsPaintedAndCanBeTriedAgain) {
     EXPECT_EQ(Tree.Typed(), "B");
 }
 
+TEST(TreeEditing, ComposedSignsAreText) {
+    TEditTree Tree;
+    QInputMethodEvent Event;
+    Event.setCommitString("-5");
+    QCoreApplication::sendEvent(&Tree, &Event);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Tree.Typed(), "-5");
+}
+
 TEST(TreeEditing, TextGoesToTheNodeThatItWasTypedFor) {
     struct TCase {
         const char* What;
