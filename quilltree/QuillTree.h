@@ -179,6 +179,8 @@ public:
     void PrepareDragImages(TFlyNode* Node, int X, int Y, TCustomImageList* ImageList);
     // Drags with the mouse button that is held; returns after the drop.
     void DoOleDrag(int X, int Y);
+    // Whether a press on that data column of a node may become a drag; the base says so for all of them.
+    virtual bool DragsFromColumn(TFlyNode* Node, int DataCol);
     // The components of drags with other programs; descendants give theirs more formats.
     virtual std::unique_ptr<TOLEDropSource> CreateDropSource();
     virtual std::unique_ptr<TOLEDropTarget> CreateDropTarget();

@@ -174,8 +174,11 @@ void TCustomQuillTree::WMLButtonDown(TWMMouse& Message) {
     if (GetNodeAtRow(GetRow()) != Node) Node->SetFocused(true);
     if (!Guard || IsEditorShowing()) return;
     const TGridCoord Cell = MouseCoord(Pos.X, Pos.Y);
-    if (Cell.X >= GetFixedCols() && Cell.Y >= GetFixedRows()) FDragPoint = Pos;
+    if (Cell.X < GetFixedCols() || Cell.Y < GetFixedRows()) return;
+    if (DragsFromColumn(Node, GetColumnOrder(Cell.X)) && Guard) FDragPoint = Pos;
 }
+
+bool TCustomQuillTree::DragsFromColumn(TFlyNode*, int) { return true; }
 
 // With the left button held: the mouse may have gone far enough.
 void TCustomQuillTree::DetectDrag(int X, int Y) {

@@ -1,94 +1,15 @@
 #include "DirectoryFiller.h"
 
-#include "../common/Look.h"
-
-#include "host/base/Utf8.h"
-
-#include <QLocale>
+#include "../common/FileLook.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string_view>
 #include <vector>
 
 namespace quill::examples {
 
 namespace {
-
-struct TFileType {
-    const char* Name;
-    TPicture Picture;
-};
-
-constexpr TFileType PlainFile{"File", picDocument};
-
-// The types that have a picture, by the ending of the name.
-const std::unordered_map<std::string_view, TFileType>& FileTypes() {
-    static const auto Types = [] {
-        std::unordered_map<std::string_view, TFileType> Map;
-        const auto Add = [&Map](TFileType Type, std::initializer_list<std::string_view> Endings) {
-            for (const std::string_view Ending : Endings) Map.emplace(Ending, Type);
-        };
-        Add({"Picture", picPicture}, {"png", "jpg", "jpeg", "gif", "bmp", "svg", "svgz", "xpm", "ico", "webp",
-                                      "tif", "tiff", "pcx", "ppm", "avif", "heic"});
-        Add({"Archive", picArchive}, {"zip", "gz", "bz2", "xz", "zst", "tar", "tgz", "7z", "rar", "deb",
-                                      "rpm", "jar", "lz", "lzma", "iso"});
-        Add({"Program text", picCode},
-            {"c",    "cc",  "cpp", "cxx", "h",    "hpp",   "py",   "js",  "ts",  "java", "rs",  "go",
-             "rb",   "pl",  "pm",  "sh",  "bash", "cmake", "html", "css", "xml", "json", "yml", "yaml",
-             "toml", "sql", "lua", "tcl", "el",   "vim",   "awk",  "m4",  "php", "qml"});
-        Add({"Sound", picMusic}, {"mp3", "ogg", "oga", "wav", "flac", "m4a", "opus", "mid", "midi"});
-        Add({"Text", picNote}, {"txt", "md", "rst", "log", "readme", "nodes", "csv", "tex", "ini", "conf"});
-        return Map;
-    }();
-    return Types;
-}
-
-TFileType TypeOf(const std::string& Name) {
-    const std::size_t Dot = Name.rfind('.');
-    if (Dot == std::string::npos || Dot == 0) return PlainFile;
-    std::string Ending = Name.substr(Dot + 1);
-    std::transform(Ending.begin(), Ending.end(), Ending.begin(),
-                   [](unsigned char Char) { return static_cast<char>(std::tolower(Char)); });
-    const auto Found = FileTypes().find(Ending);
-    return Found == FileTypes().end() ? PlainFile : Found->second;
-}
-
-// Control characters as the signs that stand for them: a line break would not survive in a nodes file.
-std::string ShownName(const std::string& Name) {
-    constexpr char32_t ControlPictures = 0x2400;
-    constexpr char32_t PictureOfDelete = 0x2421;
-    if (std::none_of(Name.begin(), Name.end(), [](unsigned char Char) { return Char < 32 || Char == 127; })) {
-        return Name;
-    }
-    std::string Shown;
-    for (const char Char : Name) {
-        const auto Code = static_cast<unsigned char>(Char);
-        if (Code < 32) {
-            AppendUtf8(Shown, ControlPictures + Code);
-        } else if (Code == 127) {
-            AppendUtf8(Shown, PictureOfDelete);
-        } else {
-            Shown += Char;
-        }
-    }
-    return Shown;
-}
-
-std::string SizeText(std::int64_t Bytes) {
-    static const QLocale Locale;
-    return Locale.formattedDataSize(Bytes, Bytes < 1024 ? 0 : 1, QLocale::DataSizeTraditionalFormat)
-        .toStdString();
-}
-
-// ISO 8601 to the minute, in local time.
-std::string DateText(std::time_t Time) {
-    std::tm Parts{};
-    std::array<char, 40> Text{};
-    if (!::localtime_r(&Time, &Parts)) return {};
-    return std::string(Text.data(), std::strftime(Text.data(), Text.size(), "%Y-%m-%d %H:%M", &Parts));
-}
 
 std::string KindText(const TDirectoryEntry& Entry, const TFileType& Type) {
     switch (Entry.Kind) {
@@ -155,15 +76,34 @@ void TDirectoryFiller::ExpandLevels(int Levels) {
 
 void TDirectoryFiller::Refresh(TFlyNode* Node) {
     if (Node && !Node->GetHasChildren() && !IsFilled(Node)) Node = Node->GetParent();
-    if (!Node) return;
-    const bool WasExpanded = Node->GetExpanded();
+    if (Node) Reread(Node, Node->GetExpanded());
+}
+
+void TDirectoryFiller::Reread(TFlyNode* Node, bool Expand) {
     FTree->GetItems()->BeginUpdate();
     Node->Collapse(false);
     Node->DeleteChildren();
     Node->SetHasChildren(true);
-    if (WasExpanded) Node->Expand(false);
+    if (Expand) Node->Expand(false);
     FTree->GetItems()->EndUpdate();
     FTree->SetSelection(Node);
+}
+
+void TDirectoryFiller::ShowNewEntries(const std::string& Path) {
+    TFlyNode* Node = FTree->GetItems()->GetFirstNode();
+    while (Node) {
+        const std::string Here = PathOf(Node);
+        if (Here == Path) {
+            Reread(Node, true);
+            return;
+        }
+        Node = Path.starts_with(JoinPath(Here, {})) ? Node->GetFirstChild() : Node->GetNextSibling();
+    }
+}
+
+// A folder that is open or closed has its own pictures.
+bool TDirectoryFiller::IsDirectory(TFlyNode* Node) {
+    return Node->GetImageIndex() == picFolder || Node->GetImageIndex() == picFolderOpen;
 }
 
 std::string TDirectoryFiller::PathOf(TFlyNode* Node) const {
@@ -198,7 +138,7 @@ void TDirectoryFiller::Fill(TFlyNode* Node) {
 void TDirectoryFiller::Describe(TFlyNode* Node, const TDirectoryEntry& Entry) {
     ++FNodeCount;
     const bool IsDirectory = Entry.Kind == ekDirectory;
-    const TFileType Type = TypeOf(Entry.Name);
+    const TFileType Type = FileTypeOf(Entry.Name);
     const std::string Name = ShownName(Entry.Name);
     if (Name != Entry.Name) FRealNames.emplace(Node, Entry.Name);
     const std::string Size = Entry.Kind == ekFile ? SizeText(Entry.Size) : std::string();

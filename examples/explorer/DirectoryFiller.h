@@ -31,12 +31,16 @@ public:
     void ExpandLevels(int Levels);
     // Reads the directory of a node again; of another entry, the directory that it stands in.
     void Refresh(TFlyNode* Node);
+    // Shows what has come into a directory, if it is in the tree, and opens it.
+    void ShowNewEntries(const std::string& Path);
     // Null gives an empty path.
     std::string PathOf(TFlyNode* Node) const;
+    static bool IsDirectory(TFlyNode* Node);
     int GetNodeCount() const { return FNodeCount; }
 
 private:
     void Fill(TFlyNode* Node);
+    void Reread(TFlyNode* Node, bool Expand);
     void Describe(TFlyNode* Node, const TDirectoryEntry& Entry);
     bool IsFilled(TFlyNode* Node) const { return Node->GetCount() > 0; }
     void Expanding(TFlyNode* Node);

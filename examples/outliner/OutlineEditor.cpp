@@ -11,6 +11,8 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <optional>
+#include <unordered_set>
 
 namespace quill::examples {
 
@@ -18,6 +20,16 @@ TOutlineEditor::TOutlineEditor(TOutlineTree* Tree) : QObject(Tree), FTree(Tree) 
     Tree->OnCutSelection = [this](TObject*) { Cut(); };
     Tree->OnCopySelection = [this](TObject*) { Copy(); };
     Tree->OnPasteSelection = [this](TObject*) { Paste(); };
+    Tree->OnDropNodes = [this](const std::vector<TFlyNode*>& Roots, const TNodePlace& Place, bool Copy) {
+        DropNodes(Roots, Place, Copy);
+    };
+    Tree->OnNodesTaken = [this] { CutOut(tr("Move")); };
+    Tree->OnOLEDragDrop = [this](TObject*, NV_IDataObject* Data, TShiftState, TPoint Pt, int& Effect) {
+        // Nodes of this program are not read from their data.
+        if (!Data || dynamic_cast<TNodesDropSource*>(Data)) return;
+        TFlyNode* const Target = FTree->GetNodeAt(Pt.X, Pt.Y);
+        if (!DropData(*Data, FTree->PlaceOfDrop(Target, FTree->GetDropPlace()))) Effect = DROPEFFECT_NONE;
+    };
     connect(Tree, &TOutlineTree::sorting, this, [this] {
         FUndo.Remember(tr("Sort"), std::make_unique<TOrderStep>(*FTree));
         Q_EMIT undoChanged();
@@ -166,81 +178,120 @@ void TOutlineEditor::Copy() {
 }
 
 void TOutlineEditor::Copy(const std::vector<TFlyNode*>& Roots) {
-    TSubtrees Subtrees;
-    for (TFlyNode* Root : Roots) Subtrees.Add(*Root);
+    const TNodesOut Nodes = NodesOut(Roots);
     auto* const Data = new QMimeData; // the clipboard takes it
-    // Tags are those of one outline only.
-    Data->setData(MimeType, QByteArray::fromStdString(Subtrees.NodesText(DefaultOptions())));
-    Data->setText(QString::fromStdString(PlainTextOf(Subtrees.GetNodes())));
+    Data->setData(NodesMimeType, QByteArray::fromStdString(Nodes.NodesText));
+    Data->setText(QString::fromStdString(Nodes.PlainText));
     QApplication::clipboard()->setMimeData(Data);
-}
-
-// Null when there are no nodes in it. What calls itself nodes text and is malformed is taken for any other text.
-std::unique_ptr<TSubtrees> TOutlineEditor::ReadClipboard(const QMimeData& Data, int& CellsLeftOut) {
-    const auto Read = [](const std::string& NodesText) -> std::unique_ptr<TSubtrees> {
-        try {
-            auto Subtrees = std::make_unique<TSubtrees>(NodesText);
-            if (Subtrees->GetNodes().GetCount() > 0) return Subtrees;
-        } catch (const Exception&) {
-        }
-        return nullptr;
-    };
-    const std::string Own = Data.data(MimeType).toStdString();
-    if (LooksLikeNodesText(Own)) {
-        if (auto Subtrees = Read(Own)) return Subtrees;
-    }
-    const std::string Text = Data.text().toStdString();
-    if (LooksLikeNodesText(Text)) {
-        if (auto Subtrees = Read(Text)) return Subtrees;
-    }
-    const TTextAsNodes Plain = NodesTextOfPlain(Text);
-    CellsLeftOut = Plain.CellsLeftOut;
-    return Plain.NodesText.empty() ? nullptr : Read(Plain.NodesText);
 }
 
 void TOutlineEditor::Paste() {
     FTree->HideEditor();
     const QMimeData* const Data = QApplication::clipboard()->mimeData();
-    int CellsLeftOut = 0;
-    const std::unique_ptr<TSubtrees> Subtrees = Data ? ReadClipboard(*Data, CellsLeftOut) : nullptr;
-    if (!Subtrees) {
+    TNodesIn Nodes;
+    if (Data) Nodes = NodesOfTexts(Data->data(NodesMimeType).toStdString(), Data->text().toStdString());
+    if (Nodes.Subtrees) {
+        Insert(tr("Paste"), std::move(Nodes), PlaceBehindCurrent());
+    } else {
         Q_EMIT said(tr("The clipboard holds no nodes and no text"));
-        return;
-    }
-    const QScopedValueRollback<bool> Working(FWorking, true);
-    TFlyNodes& Pasted = Subtrees->GetNodes();
-    int Columns = 1;
-    for (TFlyNode* Node = Pasted.GetFirstNode(); Node; Node = Node->GetNext()) {
-        Columns = std::max(Columns, std::min(Node->GetCellCount(), MaxPastedColumns));
-    }
-    KeepOneChoice(*Subtrees);
-    const int OldColumns = FTree->GetColCount();
-    if (Columns > OldColumns) FTree->SetColumns(Columns);
-    const TSaveNodesOptions Fields = FieldsInUse(Pasted);
-    if (Fields.Contains(tsnIncludeImageIndex)) FTree->SetShowImages(true);
-    if (Fields.Contains(tsnIncludeStateIndex)) FTree->SetShowLogic(true);
-
-    std::vector<TNodePlace> Places(static_cast<std::size_t>(Pasted.GetCount()), PlaceBehindCurrent());
-    for (std::size_t Index = 0; Index < Places.size(); ++Index)
-        Places[Index].Index += static_cast<int>(Index);
-    const std::vector<TFlyNode*> Nodes = Subtrees->PutInto(*FTree->GetItems(), Places, false);
-    if (Columns > OldColumns) Q_EMIT columnsChanged();
-    Changed(tr("Paste"), std::make_unique<TContentStep>(Nodes, OldColumns), Nodes);
-    if (CellsLeftOut > 0) {
-        Q_EMIT said(
-            tr("%n cell(s) beyond column %1 were left out", nullptr, CellsLeftOut).arg(MaxPastedColumns));
     }
 }
 
-// Among radio buttons of which one is chosen, pasted ones are not.
-void TOutlineEditor::KeepOneChoice(TSubtrees& Pasted) {
+// Puts nodes that are none of this outline yet at a place, the others behind the first, and makes room for their
+// fields.
+void TOutlineEditor::Insert(const QString& Name, TNodesIn In, TNodePlace Place) {
+    const QScopedValueRollback<bool> Working(FWorking, true);
+    TFlyNodes& New = In.Subtrees->GetNodes();
+    int Columns = 1;
+    for (TFlyNode* Node = New.GetFirstNode(); Node; Node = Node->GetNext()) {
+        Columns = std::max(Columns, std::min(Node->GetCellCount(), MaxPastedColumns));
+    }
+    KeepOneChoice(*In.Subtrees, Place.Parent);
+    const int OldColumns = FTree->GetColCount();
+    if (Columns > OldColumns) FTree->SetColumns(Columns);
+    const TSaveNodesOptions Fields = FieldsInUse(New);
+    if (Fields.Contains(tsnIncludeImageIndex)) FTree->SetShowImages(true);
+    if (Fields.Contains(tsnIncludeStateIndex)) FTree->SetShowLogic(true);
+
+    std::vector<TNodePlace> Places(static_cast<std::size_t>(New.GetCount()), Place);
+    for (std::size_t Index = 0; Index < Places.size(); ++Index)
+        Places[Index].Index += static_cast<int>(Index);
+    const std::vector<TFlyNode*> Nodes = In.Subtrees->PutInto(*FTree->GetItems(), Places, false);
+    if (Columns > OldColumns) Q_EMIT columnsChanged();
+    if (Place.Parent) Place.Parent->Expand(false);
+    Changed(Name, std::make_unique<TContentStep>(Nodes, OldColumns), Nodes);
+    if (In.CellsLeftOut > 0) {
+        Q_EMIT said(
+            tr("%n cell(s) beyond column %1 were left out", nullptr, In.CellsLeftOut).arg(MaxPastedColumns));
+    }
+}
+
+// Among radio buttons of which one is chosen, those that come to them are not.
+void TOutlineEditor::KeepOneChoice(TSubtrees& Pasted, TFlyNode* Parent) {
     bool Chosen = false;
     for (TFlyNode* Node = Pasted.GetNodes().GetFirstNode(); Node; Node = Node->GetNextSibling()) {
         if (Node->GetStateIndex() != TOutlineTree::stChosen) continue;
-        if (!Chosen) Chosen = FTree->HasChoice(PlaceBehindCurrent().Parent);
+        if (!Chosen) Chosen = FTree->HasChoice(Parent);
         if (Chosen) Node->SetStateIndexField(TOutlineTree::stNotChosen);
         Chosen = true;
     }
+}
+
+// --- drags ---------------------------------------------------------------------------------------------------------
+
+void TOutlineEditor::DropNodes(const std::vector<TFlyNode*>& Roots, const TNodePlace& Place, bool Copy) {
+    FTree->HideEditor();
+    auto* const From = dynamic_cast<TOutlineTree*>(Roots.front()->GetTree());
+    if (From == FTree && !Copy) {
+        MoveNodes(Roots, Place);
+        return;
+    }
+    TNodesIn Nodes{std::make_unique<TSubtrees>(), 0};
+    for (TFlyNode* Root : Roots) Nodes.Subtrees->Add(*Root);
+    Insert(Copy ? tr("Copy") : tr("Move"), std::move(Nodes), Place);
+    if (!Copy && From && From->OnNodesTaken) From->OnNodesTaken();
+}
+
+void TOutlineEditor::MoveNodes(const std::vector<TFlyNode*>& Roots, const TNodePlace& Place) {
+    TFlyNodes& Nodes = *FTree->GetItems();
+    // The first node from there on that stays marks the place while others come and go before it.
+    const std::unordered_set<const TFlyNode*> Moving(Roots.begin(), Roots.end());
+    TFlyNode* Next = NodeAt(Place, Nodes);
+    while (Next && Moving.count(Next) > 0) Next = Next->GetNextSibling();
+    auto Move = std::make_unique<TMoveStep>();
+    {
+        std::optional<TUpdateBracket> Bracket;
+        OpenFor(Roots.size(), Nodes, Bracket);
+        for (TFlyNode* Node : Roots) {
+            const TNodePlace From = PlaceOf(*Node);
+            TNodePlace To = Next ? PlaceOf(*Next) : PlaceBehindLast(Place.Parent, Nodes);
+            if (From.Parent == To.Parent && From.Index < To.Index) --To.Index;
+            if (From != To) Move->Move(*Node, To, Nodes);
+        }
+    }
+    if (Place.Parent) Place.Parent->Expand(false);
+    if (Move->IsEmpty()) {
+        Show(Roots);
+    } else {
+        Changed(tr("Move"), std::move(Move), Roots);
+    }
+}
+
+bool TOutlineEditor::DropData(NV_IDataObject& Data, const TNodePlace& Place) {
+    FTree->HideEditor();
+    const std::vector<std::string>& Captions = FTree->FileCaptions();
+    const auto ColumnOf = [&](const char* Caption) {
+        const auto Found = std::find(Captions.begin(), Captions.end(), Caption);
+        return Found == Captions.end() ? 0 : static_cast<int>(Found - Captions.begin());
+    };
+    // Sizes and dates go where the outline has such columns, as a saved folder does.
+    TNodesIn Nodes = NodesOfDrop(Data, {FTree->GetShowImages(), ColumnOf("Size"), ColumnOf("Modified")});
+    if (!Nodes.Subtrees) {
+        Q_EMIT said(tr("What was dropped holds no nodes, no files and no text"));
+        return false;
+    }
+    Insert(tr("Drop"), std::move(Nodes), Place);
+    return true;
 }
 
 // --- undo ----------------------------------------------------------------------------------------------------------

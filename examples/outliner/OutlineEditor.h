@@ -1,11 +1,10 @@
 // What the user does to an outline: adding, deleting, moving, the clipboard, undo.
 #pragma once
 
+#include "NodesTransfer.h"
 #include "StructureUndo.h"
 
 #include <QObject>
-
-class QMimeData;
 
 namespace quill::examples {
 
@@ -16,9 +15,6 @@ class TOutlineEditor : public QObject {
     Q_OBJECT
 
 public:
-    // How the clipboard names nodes text with all fields.
-    static constexpr const char* MimeType = "application/x-quill-nodes";
-
     explicit TOutlineEditor(TOutlineTree* Tree);
 
     // Edits the current cell in place.
@@ -40,6 +36,11 @@ public:
     void Copy();
     // Puts what is on the clipboard behind the current node and selects it.
     void Paste();
+
+    // Nodes of this program or anything else was dropped by a drag.
+    void DropNodes(const std::vector<TFlyNode*>& Roots, const TNodePlace& Place, bool Copy);
+    // False when there is nothing in it that could become nodes.
+    bool DropData(NV_IDataObject& Data, const TNodePlace& Place);
 
     void Undo();
     void Redo();
@@ -66,9 +67,10 @@ private:
     void MoveAlong(int Step);
     void CutOut(const QString& Name);
     void Copy(const std::vector<TFlyNode*>& Roots);
-    std::unique_ptr<TSubtrees> ReadClipboard(const QMimeData& Data, int& CellsLeftOut);
     TNodePlace PlaceBehindCurrent() const;
-    void KeepOneChoice(TSubtrees& Pasted);
+    void MoveNodes(const std::vector<TFlyNode*>& Roots, const TNodePlace& Place);
+    void Insert(const QString& Name, TNodesIn Nodes, TNodePlace Place);
+    void KeepOneChoice(TSubtrees& Pasted, TFlyNode* Parent);
     void Revert();
     void Changed(const QString& Name, std::unique_ptr<TStructureStep> Step,
                  const std::vector<TFlyNode*>& Show);

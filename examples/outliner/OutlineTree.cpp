@@ -1,6 +1,7 @@
 #include "OutlineTree.h"
 
 #include "ClipboardText.h"
+#include "NodesTransfer.h"
 
 #include "../common/Look.h"
 
@@ -15,6 +16,8 @@ namespace quill::examples {
 
 namespace {
 
+constexpr int HoverExpandTime = 700; // milliseconds over a closed branch until it opens
+
 // A fifth of Mark over Ground.
 QColor Blend(const QColor& Ground, const QColor& Mark) {
     const auto Mix = [](int From, int To) { return From + (To - From) / 5; };
@@ -27,6 +30,11 @@ QColor Blend(const QColor& Ground, const QColor& Mark) {
 TOutlineTree::TOutlineTree(QWidget* AParent) : TQuillTree(AParent) {
     SetUpTree(*this);
     SetSelectsRows(false);
+    SetDragType(dtOLE);
+    SetAutoDrop(true);
+    SetDropMarks(true);
+    SetHoverExpandTime(HoverExpandTime);
+    SetDropScroll(true);
     ShowNothing();
 }
 
@@ -147,6 +155,38 @@ void TOutlineTree::SortBy(int DataCol, TSortDirection Direction) {
     OnCompare = nullptr;
     if (Current) Current->SetFocused(true);
     Q_EMIT sorted();
+}
+
+// --- dragging ------------------------------------------------------------------------------------------------------
+
+bool TOutlineTree::DragsFromColumn(TFlyNode*, int DataCol) { return DataCol == GetStructureDataColumn(); }
+
+// All that may be asked for is written down here: other programs are told at once what there is, and the nodes may
+// change before they ask for it.
+std::unique_ptr<TOLEDropSource> TOutlineTree::CreateDropSource() {
+    return std::make_unique<TNodesDropSource>(NodesOut(SelectedRoots(*this)));
+}
+
+std::unique_ptr<TOLEDropTarget> TOutlineTree::CreateDropTarget() {
+    return std::make_unique<TNodesDropTarget>();
+}
+
+TNodePlace TOutlineTree::PlaceOfDrop(TFlyNode* Target, TDropPlace Place) {
+    if (!Target || Place == dpNone) return PlaceBehindLast(nullptr, *GetItems());
+    if (Place == dpOn) return PlaceBehindLast(Target, *GetItems());
+    TNodePlace Result = PlaceOf(*Target);
+    if (Place == dpAfter) ++Result.Index;
+    return Result;
+}
+
+void TOutlineTree::DropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* Target, TDropPlace Place,
+                             bool Copy) {
+    if (OnDropNodes && CanDropNodes(Nodes, Target, Place, Copy))
+        OnDropNodes(Nodes, PlaceOfDrop(Target, Place), Copy);
+}
+
+void TOutlineTree::NodesDragged(TDragResult Result, bool Inside) {
+    if (Result == drDropMove && !Inside && OnNodesTaken) OnNodesTaken();
 }
 
 // --- check marks -------------------------------------------------------------------------------------------------

@@ -1,10 +1,13 @@
 // The tree of the outliner: shows an outline with captions, edits its texts, and ticks what the user clicks.
 #pragma once
 
+#include "Subtrees.h"
+
 #include "../common/OutlineFile.h"
 
 #include "quilltree/QuillTree.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -48,6 +51,13 @@ public:
     // The state index of a new node beside one with this index: nothing of it is done or chosen.
     static int FreshState(int StateIndex);
 
+    // Where nodes go that are dropped there; Target is null for below the last node.
+    TNodePlace PlaceOfDrop(TFlyNode* Target, TDropPlace Place);
+    // Nodes of this program were dropped here, to be moved or copied.
+    std::function<void(const std::vector<TFlyNode*>& Nodes, const TNodePlace& Place, bool Copy)> OnDropNodes;
+    // The selected nodes were moved elsewhere by a drag, and are to go here.
+    std::function<void()> OnNodesTaken;
+
     // This class does nothing of its own with cells, so that files load and save by whole records.
     bool StoresPlainTexts() const override { return true; }
     void DrawFixedFrame(TCanvas& Canvas, const TRect& Rect, int ACol, int ARow, bool Clicked) override;
@@ -58,6 +68,13 @@ public:
     bool ChangeState(TFlyNode* Node, int NewState) override;
     TFlyNode* CreateNode(TTreeCollection* Owner) override;
     void Delete(TFlyNode* Node) override;
+    // By its text; other columns are for ranges of cells.
+    bool DragsFromColumn(TFlyNode* Node, int DataCol) override;
+    std::unique_ptr<TOLEDropSource> CreateDropSource() override;
+    std::unique_ptr<TOLEDropTarget> CreateDropTarget() override;
+    void DropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* Target, TDropPlace Place,
+                   bool Copy) override;
+    void NodesDragged(TDragResult Result, bool Inside) override;
     void MouseDown(TMouseButton Button, TShiftState Shift, int X, int Y) override;
     void MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y) override;
 

@@ -5,6 +5,7 @@
 #include "../common/OutlineFile.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -69,6 +70,8 @@ void TMoveStep::Move(TFlyNode& Node, const TNodePlace& Place, TFlyNodes& Nodes) 
 }
 
 std::vector<TFlyNode*> TMoveStep::Revert(TOutlineTree& Tree) {
+    std::optional<TUpdateBracket> Bracket;
+    OpenFor(FMoved.size(), *Tree.GetItems(), Bracket);
     std::reverse(FMoved.begin(), FMoved.end());
     std::vector<TFlyNode*> Nodes;
     for (TMoved& Moved : FMoved) {

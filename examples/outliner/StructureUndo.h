@@ -46,6 +46,7 @@ class TMoveStep : public TStructureStep {
 public:
     // To be called instead of MoveToPlace.
     void Move(TFlyNode& Node, const TNodePlace& Place, TFlyNodes& Nodes);
+    bool IsEmpty() const { return FMoved.empty(); }
     std::vector<TFlyNode*> Revert(TOutlineTree& Tree) override;
 
 private:

@@ -4,7 +4,6 @@
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
-#include <optional>
 #include <string_view>
 #include <unordered_map>
 
@@ -15,22 +14,12 @@ namespace {
 // From so many changes on, listing all rows anew once is cheaper than patching them with each.
 constexpr std::size_t ManyChanges = 32;
 
-// An update bracket around many changes, nothing around a few.
-void OpenFor(std::size_t Changes, TFlyNodes& Nodes, std::optional<TUpdateBracket>& Bracket) {
-    if (Changes >= ManyChanges) Bracket.emplace(&Nodes);
-}
-
 TTreeCollection& ChildrenOf(TFlyNode* Parent, TFlyNodes& Nodes) {
     return Parent ? static_cast<TTreeCollection&>(*Parent) : Nodes;
 }
 
-TFlyNode* ChildAt(const TNodePlace& Place, TFlyNodes& Nodes) {
-    TTreeCollection& Children = ChildrenOf(Place.Parent, Nodes);
-    return Place.Index < Children.GetCount() ? TFlyNode::AsNode(Children.GetItem(Place.Index)) : nullptr;
-}
-
 TFlyNode* MakeNodeAt(const TNodePlace& Place, TFlyNodes& Nodes) {
-    if (TFlyNode* Next = ChildAt(Place, Nodes)) return Nodes.Insert(Next, {});
+    if (TFlyNode* Next = NodeAt(Place, Nodes)) return Nodes.Insert(Next, {});
     return Place.Parent ? Nodes.AddChild(Place.Parent, {}) : Nodes.Add(nullptr, {});
 }
 
@@ -93,6 +82,19 @@ private:
 
 TNodePlace PlaceOf(const TFlyNode& Node) { return {Node.GetParent(), Node.GetIndex()}; }
 
+TFlyNode* NodeAt(const TNodePlace& Place, TFlyNodes& Nodes) {
+    TTreeCollection& Children = ChildrenOf(Place.Parent, Nodes);
+    return Place.Index < Children.GetCount() ? TFlyNode::AsNode(Children.GetItem(Place.Index)) : nullptr;
+}
+
+TNodePlace PlaceBehindLast(TFlyNode* Parent, TFlyNodes& Nodes) {
+    return {Parent, ChildrenOf(Parent, Nodes).GetCount()};
+}
+
+void OpenFor(std::size_t Changes, TFlyNodes& Nodes, std::optional<TUpdateBracket>& Bracket) {
+    if (Changes >= ManyChanges) Bracket.emplace(&Nodes);
+}
+
 std::vector<TFlyNode*> SelectedRoots(TCustomQuillTree& Tree) {
     std::vector<TFlyNode*> Selected;
     Tree.FillSelectedList(Selected);
@@ -121,7 +123,7 @@ void MoveToPlace(TFlyNode& Node, const TNodePlace& Place, TFlyNodes& Nodes) {
     TFlyNode* const OldParent = Node.GetParent();
     if (Node.GetParent() == Place.Parent) {
         Node.SetIndex(std::min(Place.Index, ChildrenOf(Place.Parent, Nodes).GetCount() - 1));
-    } else if (TFlyNode* Next = ChildAt(Place, Nodes)) {
+    } else if (TFlyNode* Next = NodeAt(Place, Nodes)) {
         Node.MoveTo(Next, naInsert);
     } else {
         Node.MoveTo(Place.Parent, Place.Parent ? naAddChild : naAdd);

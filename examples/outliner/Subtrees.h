@@ -3,6 +3,7 @@
 
 #include "quilltree/HeadlessHost.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,8 +18,14 @@ namespace quill::examples {
 struct TNodePlace {
     TFlyNode* Parent = nullptr;
     int Index = 0;
+    bool operator==(const TNodePlace&) const = default;
 };
 TNodePlace PlaceOf(const TFlyNode& Node);
+// The node that stands there, null for none; the place behind all children of a node (null: of the top level).
+TFlyNode* NodeAt(const TNodePlace& Place, TFlyNodes& Nodes);
+TNodePlace PlaceBehindLast(TFlyNode* Parent, TFlyNodes& Nodes);
+// An update bracket around many changes, nothing around a few: these cost less than listing all rows anew.
+void OpenFor(std::size_t Changes, TFlyNodes& Nodes, std::optional<TUpdateBracket>& Bracket);
 
 // The selected nodes in display order, without those below another selected one.
 std::vector<TFlyNode*> SelectedRoots(TCustomQuillTree& Tree);

@@ -213,7 +213,7 @@ TEST_F(OutlineEditor, PastesWhateverIsOnTheClipboard) {
     ExpectNothing();
     PutBytes("image/png", "no picture");
     ExpectNothing();
-    PutBytes(TOutlineEditor::MimeType, "SaveOptions:127\r\n\xFF,\0");
+    PutBytes(NodesMimeType, "SaveOptions:127\r\n\xFF,\0");
     ExpectNothing();
 }
 
