@@ -45,7 +45,7 @@ QWidget* TWidgetPlugin::createWidget(QWidget* Parent) {
 }
 
 void TWidgetPlugin::initialize(QDesignerFormEditorInterface* Core) {
-    if (FCore) return;
+    if (FCore == Core) return;
     FCore = Core;
     if (name() != QLatin1String("quill::TQuillTree")) return;
     QExtensionManager* const Manager = Core->extensionManager();

@@ -3,7 +3,9 @@
 
 #include <QtUiPlugin/QDesignerCustomWidgetCollectionInterface>
 
+#include <QDesignerFormEditorInterface>
 #include <QIcon>
+#include <QPointer>
 
 namespace quill::designer {
 
@@ -34,14 +36,14 @@ public:
     QIcon icon() const override { return FInfo.Icon(); }
     bool isContainer() const override { return false; }
     QWidget* createWidget(QWidget* Parent) override;
-    bool isInitialized() const override { return FCore != nullptr; }
+    bool isInitialized() const override { return !FCore.isNull(); }
     // Called by Designer only.
     void initialize(QDesignerFormEditorInterface* Core) override;
     QString domXml() const override;
 
 private:
     const TWidgetInfo& FInfo;
-    QDesignerFormEditorInterface* FCore = nullptr;
+    QPointer<QDesignerFormEditorInterface> FCore;
 };
 
 class TPlugin : public QObject, public QDesignerCustomWidgetCollectionInterface {

@@ -741,6 +741,19 @@ class TQuillTree : public TCustomQuillTree {
 public:
     using TCustomQuillTree::TCustomQuillTree;
     const TClassInfo* GetClassInfo() const override;
+
+private:
+    // For the platform's designer and form loader. Nodes: the nodes text; bytes in base 64 where that would lose
+    // something. What cannot be read is reported as a warning of the platform and changes nothing.
+    Q_PROPERTY(QStringList ColWidths READ GetColWidthsProperty WRITE SetColWidthsProperty)
+    Q_PROPERTY(QStringList Captions READ GetCaptionsProperty WRITE SetCaptionsProperty)
+    Q_PROPERTY(QString Nodes READ GetNodesProperty WRITE SetNodesProperty)
+    QStringList GetColWidthsProperty() const;
+    void SetColWidthsProperty(const QStringList& Value);
+    QStringList GetCaptionsProperty() const;
+    void SetCaptionsProperty(const QStringList& Value);
+    QString GetNodesProperty() const;
+    void SetNodesProperty(const QString& Value);
 };
 
 // Makes the controls and the components that they refer to known to forms: TQuillTree, TNVHTMLText, TImageList,

@@ -1,0 +1,105 @@
+// What the tree tells the platform's form designer beyond its published properties.
+#include "host/base/Errors.h"
+#include "host/base/Numbers.h"
+#include "host/base/Streams.h"
+#include "host/base/Texts.h"
+#include "host/forms/FormText.h"
+#include "quilltree/QuillTree.h"
+
+#include <algorithm>
+
+namespace quill {
+
+namespace {
+
+// Before the bytes of the collection's own format.
+constexpr std::string_view BinaryMark = "base64:";
+
+// Whether forms, which are XML, bring the text back as it is.
+bool IsPlain(const std::string& Text) {
+    return std::none_of(Text.begin(), Text.end(),
+                        [](char C) { return static_cast<unsigned char>(C) < ' '; }) &&
+           QString::fromStdString(Text).toStdString() == Text;
+}
+
+bool HasPlainTexts(TFlyNodes& Nodes) {
+    for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) {
+        if (!IsPlain(Node->GetText())) return false;
+        for (int Cell = 0; Cell < Node->GetCellCount(); ++Cell)
+            if (!IsPlain(std::string(Node->GetCellView(Cell)))) return false;
+    }
+    return true;
+}
+
+// Raises what reading raises.
+void ReadNodes(TFlyNodes& Nodes, const std::string& Text) {
+    if (!Text.starts_with(BinaryMark)) {
+        TMemoryStream Stream(Text);
+        Nodes.LoadNodesFromStream(Stream);
+        return;
+    }
+    std::string Bytes;
+    if (!DecodeBase64(std::string_view(Text).substr(BinaryMark.size()), Bytes))
+        throw EReadError(std::string(SFormBase64));
+    TMemoryStream Stream(Bytes);
+    Nodes.LoadFromStream(Stream);
+}
+
+} // namespace
+
+QString TQuillTree::GetNodesProperty() const {
+    TFlyNodes& Nodes = *GetItems();
+    TMemoryStream Stream;
+    if (!HasPlainTexts(Nodes)) {
+        Nodes.SaveToStream(Stream);
+        const std::string& Bytes = Stream.GetMemory();
+        return QString::fromLatin1(QByteArray(BinaryMark.data()) +
+                                   QByteArray::fromStdString(Bytes).toBase64());
+    }
+    TSaveNodesOptions Options{tsnIncludeImageIndex, tsnIncludeSelectedIndex, tsnIncludeStateIndex,
+                              tsnIncludeCells,      tsnIncludeExpands,       tsnIncludeHiddens};
+    if (GetUniqueTags()) Options.Include(tsnIncludeUniqueTags);
+    Nodes.SaveNodesToStream(Stream, Options);
+    return QString::fromStdString(Stream.GetMemory()).remove('\r');
+}
+
+void TQuillTree::SetNodesProperty(const QString& Value) {
+    const std::string Text = Value.toStdString();
+    try {
+        {
+            // Away from the tree first: what cannot be read changes nothing.
+            TFlyNodes Trial;
+            ReadNodes(Trial, Text);
+        }
+        ReadNodes(*GetItems(), Text);
+    } catch (const Exception& Error) {
+        qWarning("Nodes: %s", Error.what());
+    }
+}
+
+QStringList TQuillTree::GetColWidthsProperty() const {
+    QStringList Widths;
+    auto& Self = const_cast<TQuillTree&>(*this); // asking for a width is no change
+    for (int Col = 0; HasColWidths() && Col < GetColCount(); ++Col)
+        Widths += QString::number(Self.TCustomExGrid::GetColWidths(Col));
+    return Widths;
+}
+
+void TQuillTree::SetColWidthsProperty(const QStringList& Value) {
+    for (int Col = 0; Col < std::min(GetColCount(), static_cast<int>(Value.size())); ++Col)
+        SetColWidths(Col, StrToIntDef(Value[Col].toStdString(), GetDefaultColWidth()));
+}
+
+QStringList TQuillTree::GetCaptionsProperty() const {
+    QStringList Captions;
+    for (int Col = 0; Col < GetColCount(); ++Col) Captions += QString::fromStdString(GetCaptions(Col));
+    while (!Captions.isEmpty() && Captions.last().isEmpty()) Captions.removeLast();
+    return Captions;
+}
+
+void TQuillTree::SetCaptionsProperty(const QStringList& Value) {
+    for (int Col = 0; Col < std::max(GetColCount(), static_cast<int>(Value.size())); ++Col)
+        SetCaptions(Col, Col < Value.size() ? Value[Col].toStdString() : std::string());
+}
+
+} // namespace quill
