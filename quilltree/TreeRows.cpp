@@ -86,8 +86,11 @@ void TCustomQuillTree::SetTopItem(TFlyNode* Node) {
 
 void TCustomQuillTree::SetFixedRows(int Value) {
     // In a form the number of rows comes before; it counts the heights that follow, and Loaded fits it to the nodes.
-    if (HasState(csReading) && Value < GetRowCount()) {
+    if (HasState(csReading)) {
+        const int Rows = GetRowCount();
+        if (Value >= Rows && Value != GetFixedRows()) SetRowCount(Value + 1);
         TCustomExGrid::SetFixedRows(Value);
+        SetRowCount(std::max(Rows, Value));
         return;
     }
     const TControlGuard Guard(this);

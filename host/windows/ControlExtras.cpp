@@ -81,8 +81,9 @@ bool TCustomControl::GetParentShowHint() const { return FImpl->ParentShowHint; }
 
 void TCustomControl::SetParentShowHint(bool Value) {
     FImpl->ParentShowHint = Value;
-    const TCustomControl* const Parent = Value ? FindParentControl() : nullptr;
-    if (Parent) ChangeShowHint(Parent->GetShowHint());
+    if (!Value) return;
+    const TCustomControl* const Parent = FindParentControl();
+    ChangeShowHint(Parent && Parent->GetShowHint());
 }
 
 void TCustomControl::TImpl::ApplyHint() {

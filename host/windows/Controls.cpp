@@ -378,8 +378,9 @@ void TCustomControl::ChangeCtl3D(bool Value) {
 
 void TCustomControl::SetParentCtl3D(bool Value) {
     FParentCtl3D = Value;
-    const TCustomControl* const Parent = Value ? FindParentControl() : nullptr;
-    if (Parent) ChangeCtl3D(Parent->GetCtl3D());
+    if (!Value) return;
+    const TCustomControl* const Parent = FindParentControl();
+    ChangeCtl3D(!Parent || Parent->GetCtl3D());
 }
 
 void TCustomControl::SetBorderStyle(TBorderStyle Value) {

@@ -47,8 +47,10 @@ struct TWindow {
         Items->Clear();
         TFlyNode* Parent = nullptr;
         for (int I = 0; I < 40; ++I) {
-            TFlyNode* const Node =
-                Items->AddChild(I % 5 == 0 ? Parent : Items->GetFirstNode(), "Node " + std::to_string(I));
+            TFlyNode* const Node = Items->AddChild(I % 5 == 0   ? nullptr
+                                                   : I % 5 == 1 ? Parent
+                                                                : Items->GetFirstNode(),
+                                                   "Node " + std::to_string(I));
             Node->SetImageIndex(I % 3 - 1);
             Node->SetSelectedIndex(I % 2);
             Node->SetStateIndex(I % 4 - 1);
