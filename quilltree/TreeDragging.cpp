@@ -16,6 +16,8 @@ namespace {
 
 // What is transparent in a drag picture; no theme has it.
 constexpr TColor DragKeyColor = 0xFE01FE;
+// Where the picture hangs beside the mouse when marks have to stay in sight, in pixels.
+constexpr TPoint BesideMouse{14, 10};
 
 bool IsBeyondThreshold(TPoint From, int X, int Y) {
     const int Threshold = Mouse.GetDragThreshold();
@@ -522,6 +524,8 @@ void TCustomQuillTree::PrepareDragImages(TFlyNode* Node, int X, int Y, TCustomIm
     ImageList->SetSize(Width, Height);
     ImageList->AddMasked(*Picture, DragKeyColor);
     FDragHotSpot = {X - Bounds.Left, Y - Bounds.Top};
+    if (FDropMarks)
+        FDragHotSpot = {UseRightToLeftAlignment() ? Width + BesideMouse.X : -BesideMouse.X, -BesideMouse.Y};
     if (!FDropSource) return;
     FDropSource->SetPoint(1, FDragHotSpot.X);
     FDropSource->SetPoint(2, FDragHotSpot.Y);
