@@ -6,6 +6,7 @@
 #include "host/base/Errors.h"
 #include "host/base/Numbers.h"
 #include "host/base/Streams.h"
+#include "quilltree/FaithfulText.h"
 
 #include <QButtonGroup>
 #include <QComboBox>
@@ -400,13 +401,15 @@ void TFlyEditor::SaveTo(const QString& FileName) {
     Attempt([this, &FileName] {
         const THourGlass Wait;
         FTree->HideEditor();
-        TSaveNodesOptions Options{tsnIncludeImageIndex, tsnIncludeSelectedIndex, tsnIncludeStateIndex,
-                                  tsnIncludeCells,      tsnIncludeExpands,       tsnIncludeHiddens};
-        // -1 everywhere is no numbering.
-        if (FTree->GetUniqueTags()) Options.Include(tsnIncludeUniqueTags);
-        TMemoryStream Text;
-        FTree->GetItems()->SaveNodesToStream(Text, Options);
-        Text.SaveToFile(FileName.toStdString());
+        TFlyNodes& Nodes = *FTree->GetItems();
+        // Other programs can read the nodes text; where it would lose something, our own format is saved.
+        TMemoryStream File;
+        if (const auto Text = FaithfulNodesText(Nodes)) {
+            File.WriteBuffer(Text->data(), static_cast<std::int64_t>(Text->size()));
+        } else {
+            Nodes.SaveToStream(File);
+        }
+        File.SaveToFile(FileName.toStdString());
     });
 }
 

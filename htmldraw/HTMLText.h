@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/base/Strings.h"
+#include "host/forms/QtProperties.h"
 #include "host/windows/Controls.h"
 
 namespace quill {
@@ -14,6 +15,27 @@ enum TNVVerticalAlign { vaTop, vaBottom, vaCenter };
 // from right to left.
 class TNVHTMLText : public TCustomControl {
     Q_OBJECT
+
+public:
+    // --- for the platform's designer and form loader -------------------------------------------------------------
+    enum class BorderStyle { bsNone, bsSingle };
+    Q_ENUM(BorderStyle)
+    enum class Alignment { taLeftJustify, taRightJustify, taCenter };
+    Q_ENUM(Alignment)
+    enum class VerticalAlignment { vaTop, vaBottom, vaCenter };
+    Q_ENUM(VerticalAlignment)
+    enum class BiDiMode { bdLeftToRight, bdRightToLeft, bdRightToLeftNoAlign, bdRightToLeftReadingOnly };
+    Q_ENUM(BiDiMode)
+    QUILL_QT_PROPERTY(BorderStyle, BorderStyle)
+    QUILL_QT_PROPERTY(bool, AutoSize)
+    QUILL_QT_PROPERTY(bool, WordWrap)
+    QUILL_QT_PROPERTY(Alignment, Alignment)
+    QUILL_QT_PROPERTY(VerticalAlignment, VerticalAlignment)
+    QUILL_QT_PROPERTY(QString, Lines)
+    QUILL_QT_PROPERTY(int, Margin)
+    QUILL_QT_PROPERTY(BiDiMode, BiDiMode)
+    QUILL_QT_PROPERTY(int, BorderWidth)
+    QUILL_QT_PROPERTY(QColor, Color)
 
 public:
     // 105 x 105 pixels, without a border, in the colour of its parent.

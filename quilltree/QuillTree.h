@@ -9,6 +9,7 @@
 #pragma once
 
 #include "exgrid/ExGrid.h"
+#include "host/forms/QtProperties.h"
 #include "host/graphics/ImageLists.h"
 #include "host/windows/Dragging.h"
 #include "oledragdrop/OLEDragDrop.h"
@@ -742,9 +743,97 @@ public:
     using TCustomQuillTree::TCustomQuillTree;
     const TClassInfo* GetClassInfo() const override;
 
-private:
-    // For the platform's designer and form loader. Nodes: the nodes text; bytes in base 64 where that would lose
-    // something. What cannot be read is reported as a warning of the platform and changes nothing.
+    // --- for the platform's designer and form loader -------------------------------------------------------------
+    enum class ScrollBarsStyle { sbsRegular, sbsEncarta, sbsFlat };
+    Q_ENUM(ScrollBarsStyle)
+    enum class NodeSelectionStyle { tnsCell, tnsTextOnly };
+    Q_ENUM(NodeSelectionStyle)
+    enum class OutlineStyle { olsStandardTree, olsExplorer, olsExcel };
+    Q_ENUM(OutlineStyle)
+    enum class SortType { stNone, stData, stText, stBoth };
+    Q_ENUM(SortType)
+    enum class DragType { dtStandard, dtOLE };
+    Q_ENUM(DragType)
+    enum class DragMode { dmManual, dmAutomatic };
+    Q_ENUM(DragMode)
+    enum class BiDiMode { bdLeftToRight, bdRightToLeft, bdRightToLeftNoAlign, bdRightToLeftReadingOnly };
+    Q_ENUM(BiDiMode)
+    enum class BorderStyle { bsNone, bsSingle };
+    Q_ENUM(BorderStyle)
+    enum class ScrollBars { ssNone, ssHorizontal, ssVertical, ssBoth };
+    Q_ENUM(ScrollBars)
+    enum class GridOption {
+        goFixedVertLine = 1 << 0,
+        goFixedHorzLine = 1 << 1,
+        goVertLine = 1 << 2,
+        goHorzLine = 1 << 3,
+        goRangeSelect = 1 << 4,
+        goDrawFocusSelected = 1 << 5,
+        goRowSizing = 1 << 6,
+        goColSizing = 1 << 7,
+        goRowMoving = 1 << 8,
+        goColMoving = 1 << 9,
+        goEditing = 1 << 10,
+        goTabs = 1 << 11,
+        goRowSelect = 1 << 12,
+        goAlwaysShowEditor = 1 << 13,
+        goThumbTracking = 1 << 14
+    };
+    Q_DECLARE_FLAGS(GridOptions, GridOption)
+    Q_FLAG(GridOptions)
+
+    QUILL_QT_PROPERTY(int, ButtonSize)
+    QUILL_QT_PROPERTY(bool, SmoothExpandCollapse)
+    QUILL_QT_PROPERTY(ScrollBarsStyle, ScrollBarsStyle)
+    QUILL_QT_PROPERTY(QColor, ScrollBarsColor)
+    QUILL_QT_PROPERTY(bool, FitColumnToClientWidth)
+    QUILL_QT_PROPERTY(bool, UniqueTags)
+    QUILL_QT_PROPERTY(NodeSelectionStyle, NodeSelectionStyle)
+    QUILL_QT_PROPERTY(QColor, HotTrackColor)
+    QUILL_QT_PROPERTY(QColor, OutlineColor)
+    QUILL_QT_PROPERTY(OutlineStyle, OutlineStyle)
+    QUILL_QT_PROPERTY(bool, FitToHeight)
+    QUILL_QT_PROPERTY(bool, RightClickSelect)
+    QUILL_QT_PROPERTY(bool, FixedRowAsButton)
+    QUILL_QT_PROPERTY(bool, FixedColAsButton)
+    QUILL_QT_PROPERTY(QColor, LineColor)
+    QUILL_QT_PROPERTY(QColor, FixedLineColor)
+    QUILL_QT_PROPERTY(bool, TransparentMode)
+    QUILL_QT_PROPERTY(int, Indent)
+    QUILL_QT_PROPERTY(bool, HideSelection)
+    QUILL_QT_PROPERTY(bool, Showlines)
+    QUILL_QT_PROPERTY(bool, ShowRoot)
+    QUILL_QT_PROPERTY(bool, ShowButtons)
+    QUILL_QT_PROPERTY(bool, ShowImages)
+    QUILL_QT_PROPERTY(bool, ShowLogic)
+    QUILL_QT_PROPERTY(int, ColCount)
+    QUILL_QT_PROPERTY(int, StructureCol)
+    QUILL_QT_PROPERTY(bool, HotTrack)
+    QUILL_QT_PROPERTY(SortType, SortType)
+    QUILL_QT_PROPERTY(bool, WordWrap)
+    QUILL_QT_PROPERTY(bool, AutoMove)
+    QUILL_QT_PROPERTY(bool, ToolTips)
+    QUILL_QT_PROPERTY(bool, AutoExpand)
+    QUILL_QT_PROPERTY(QColor, TooltipColor)
+    QUILL_QT_PROPERTY(int, ToolTipPause)
+    QUILL_QT_PROPERTY(bool, StatesDrawed)
+    QUILL_QT_PROPERTY(bool, HTMLDrawing)
+    QUILL_QT_PROPERTY(DragType, DragType)
+    QUILL_QT_PROPERTY(DragMode, DragMode)
+    QUILL_QT_PROPERTY(BiDiMode, BiDiMode)
+    QUILL_QT_PROPERTY(BorderStyle, BorderStyle)
+    QUILL_QT_PROPERTY(QColor, Color)
+    QUILL_QT_PROPERTY(int, DefaultColWidth)
+    QUILL_QT_PROPERTY(int, DefaultRowHeight)
+    QUILL_QT_PROPERTY(QColor, FixedColor)
+    QUILL_QT_PROPERTY(int, FixedCols)
+    QUILL_QT_PROPERTY(int, FixedRows)
+    QUILL_QT_PROPERTY(int, GridLineWidth)
+    QUILL_QT_PROPERTY(GridOptions, Options)
+    QUILL_QT_PROPERTY(ScrollBars, ScrollBars)
+
+    // Nodes: the nodes text; bytes in base 64 where that would lose something. What cannot be read is reported as a
+    // warning of the platform and changes nothing.
     Q_PROPERTY(QStringList ColWidths READ GetColWidthsProperty WRITE SetColWidthsProperty)
     Q_PROPERTY(QStringList Captions READ GetCaptionsProperty WRITE SetCaptionsProperty)
     Q_PROPERTY(QString Nodes READ GetNodesProperty WRITE SetNodesProperty)

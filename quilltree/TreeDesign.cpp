@@ -4,6 +4,7 @@
 #include "host/base/Streams.h"
 #include "host/base/Texts.h"
 #include "host/forms/FormText.h"
+#include "quilltree/FaithfulText.h"
 #include "quilltree/QuillTree.h"
 
 #include <algorithm>
@@ -15,20 +16,12 @@ namespace {
 // Before the bytes of the collection's own format.
 constexpr std::string_view BinaryMark = "base64:";
 
-// Whether forms, which are XML, bring the text back as it is.
+// Whether forms, which are XML, bring the text back as it is (but for the carriage returns of its line ends).
 bool IsPlain(const std::string& Text) {
-    return std::none_of(Text.begin(), Text.end(),
-                        [](char C) { return static_cast<unsigned char>(C) < ' '; }) &&
-           QString::fromStdString(Text).toStdString() == Text;
-}
-
-bool HasPlainTexts(TFlyNodes& Nodes) {
-    for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) {
-        if (!IsPlain(Node->GetText())) return false;
-        for (int Cell = 0; Cell < Node->GetCellCount(); ++Cell)
-            if (!IsPlain(std::string(Node->GetCellView(Cell)))) return false;
-    }
-    return true;
+    const auto Fits = [](char C) {
+        return static_cast<unsigned char>(C) >= ' ' || C == '\t' || C == '\r' || C == '\n';
+    };
+    return std::all_of(Text.begin(), Text.end(), Fits) && QString::fromStdString(Text).toStdString() == Text;
 }
 
 // Raises what reading raises.
@@ -49,18 +42,12 @@ void ReadNodes(TFlyNodes& Nodes, const std::string& Text) {
 
 QString TQuillTree::GetNodesProperty() const {
     TFlyNodes& Nodes = *GetItems();
+    if (const auto Text = FaithfulNodesText(Nodes); Text && IsPlain(*Text))
+        return QString::fromStdString(*Text).remove('\r');
     TMemoryStream Stream;
-    if (!HasPlainTexts(Nodes)) {
-        Nodes.SaveToStream(Stream);
-        const std::string& Bytes = Stream.GetMemory();
-        return QString::fromLatin1(QByteArray(BinaryMark.data()) +
-                                   QByteArray::fromStdString(Bytes).toBase64());
-    }
-    TSaveNodesOptions Options{tsnIncludeImageIndex, tsnIncludeSelectedIndex, tsnIncludeStateIndex,
-                              tsnIncludeCells,      tsnIncludeExpands,       tsnIncludeHiddens};
-    if (GetUniqueTags()) Options.Include(tsnIncludeUniqueTags);
-    Nodes.SaveNodesToStream(Stream, Options);
-    return QString::fromStdString(Stream.GetMemory()).remove('\r');
+    Nodes.SaveToStream(Stream);
+    return QString::fromLatin1(QByteArray(BinaryMark.data()) +
+                               QByteArray::fromStdString(Stream.GetMemory()).toBase64());
 }
 
 void TQuillTree::SetNodesProperty(const QString& Value) {

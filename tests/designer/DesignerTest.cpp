@@ -24,6 +24,7 @@
 #include <QUndoStack>
 #include <QVBoxLayout>
 
+#include <map>
 #include <memory>
 
 namespace quill {
@@ -49,6 +50,13 @@ std::unique_ptr<QWidget> Load(QByteArray Form) {
 }
 
 QString Nodes(const QWidget* Tree) { return Tree->property("Nodes").toString(); }
+
+// A value as messages show it.
+std::string Shown(const QMetaProperty& Property, const QVariant& Value) {
+    if (Property.isEnumType()) return std::to_string(Value.toInt());
+    if (Value.typeId() == QMetaType::QStringList) return Value.toStringList().join('|').toStdString();
+    return Value.toString().toStdString();
+}
 
 // Designer's form editor with the tree on a form.
 struct TFormEditor {
@@ -97,30 +105,54 @@ TEST_F(Designer, FormsBringTheTreeBack) {
     QWidget* const Tree = Editor.Tree;
     ASSERT_NE(Tree, nullptr);
     ASSERT_STREQ(Tree->metaObject()->className(), TreeClass);
-    const std::pair<const char*, QVariant> Values[] = {{"ColCount", 3},
-                                                       {"StructureCol", 1},
-                                                       {"ColWidths", QStringList{"120", "80", "60"}},
-                                                       {"Captions", QStringList{"Name", "", "Größe"}},
-                                                       {"Nodes",
-                                                        "SaveOptions:63\n0,1,2,1,0,\"first cell\",Fruit,\"a, "
-                                                        "b\"\n\t-1,0,0,0,0,,Apple\n\t5,0,0,0,1,Hidden\n"}};
-    for (const auto& [Name, Value] : Values) {
-        Editor.Form->cursor()->setWidgetProperty(Tree, Name, Value);
+    const QMetaObject* const Class = Tree->metaObject();
+    const int First = QAbstractScrollArea::staticMetaObject.propertyCount();
+    // Those that depend on others, or have a range of their own; the rest gets what differs from its default.
+    const std::map<QString, QVariant> Values = {
+        {"ButtonSize", 9},
+        {"Indent", 30},
+        {"ColCount", 3},
+        {"StructureCol", 1},
+        {"FixedCols", 1},
+        {"FixedRows", 2},
+        {"FitColumnToClientWidth", false},
+        {"ColWidths", QStringList{"120", "80", "60"}},
+        {"Captions", QStringList{"Name", "", "Größe"}},
+        {"Nodes", "SaveOptions:127\n0,1,2,1,0,0,\"first cell\",Fruit,\"a, "
+                  "b\"\n\t-1,0,0,0,0,1,,Apple,x\n\t5,0,0,0,1,2,x,Hidden,y\n"}};
+    for (int Index = First; Index < Class->propertyCount(); ++Index) {
+        const QMetaProperty Property = Class->property(Index);
+        QVariant Value = Property.read(Tree);
+        if (const auto Found = Values.find(Property.name()); Found != Values.end()) {
+            Value = Found->second;
+        } else if (Property.isEnumType()) {
+            const QMetaEnum Enum = Property.enumerator();
+            Value = Enum.isFlag() ? Enum.keysToValue("goTabs|goEditing|goColMoving")
+                                  : Enum.value(Enum.keyCount() - 1);
+        } else if (Value.typeId() == QMetaType::Bool) {
+            Value = !Value.toBool();
+        } else if (Value.typeId() == QMetaType::Int) {
+            Value = Value.toInt() + 3;
+        } else if (Value.typeId() == QMetaType::QColor) {
+            Value = QColor(10, 200, 99);
+        } else {
+            FAIL() << Property.name();
+        }
+        Editor.Form->cursor()->setWidgetProperty(Tree, Property.name(), Value);
+        EXPECT_EQ(Shown(Property, Property.read(Tree)), Shown(Property, Value)) << Property.name();
     }
-    EXPECT_TRUE(Nodes(Tree).contains("Apple"));
+    EXPECT_TRUE(Nodes(Tree).contains("Apple")) << Nodes(Tree).toStdString();
     std::unique_ptr<QWidget> Again = Load(Editor.Form->contents().toUtf8());
     auto* const Copy = Again->findChild<QWidget*>("Tree");
     ASSERT_NE(Copy, nullptr);
     int Compared = 0;
-    const QMetaObject* const Class = Tree->metaObject();
-    for (int Index = QAbstractScrollArea::staticMetaObject.propertyCount(); Index < Class->propertyCount();
-         ++Index) {
+    for (int Index = First; Index < Class->propertyCount(); ++Index) {
         const QMetaProperty Property = Class->property(Index);
-        if (!Property.isStored() || !Property.isDesignable()) continue;
-        EXPECT_EQ(Property.read(Tree), Property.read(Copy)) << Property.name();
+        EXPECT_EQ(Shown(Property, Property.read(Tree)), Shown(Property, Property.read(Copy)))
+            << Property.name();
         ++Compared;
     }
-    EXPECT_GE(Compared, 3);
+    EXPECT_GE(Compared, 50);
 }
 
 TEST_F(Designer, NodesOfAFormMayBeTypedAndDamageChangesNothing) {
