@@ -3,6 +3,7 @@
 #include "CellsPage.h"
 #include "HintPage.h"
 #include "LabelPage.h"
+#include "NodesPage.h"
 
 #include <QObject>
 
@@ -28,6 +29,9 @@ const TPageInfo Pages[] = {
      QT_TRANSLATE_NOOP("Gallery",
                        "Markup in the cells of a tree; what does not fit is shown under the mouse."),
      Make<TCellsPage>},
+    {"nodes", QT_TRANSLATE_NOOP("Gallery", "Nodes editor"),
+     QT_TRANSLATE_NOOP("Gallery", "The dialog in which the nodes of a tree are edited by hand."),
+     Make<TNodesPage>},
 };
 
 } // namespace

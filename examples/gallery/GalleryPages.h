@@ -12,6 +12,8 @@ class TGalleryPage : public QWidget {
 public:
     // Brings the page into a state that shows its feature without a user. Called while it is shown.
     virtual void Pose() {}
+    // What a screenshot shows then.
+    virtual QWidget* GetPicture() { return window(); }
 };
 
 struct TPageInfo {

@@ -58,7 +58,7 @@ int main(int ArgCount, char** Args) {
     try {
         QApplication::processEvents(); // the layout gives the page its place
         Window.GetPage()->Pose();
-        SaveScreenshot(Window, Arguments.Window.Screenshot);
+        SaveScreenshot(*Window.GetPage()->GetPicture(), Arguments.Window.Screenshot);
         return EXIT_SUCCESS;
     } catch (const Exception& Error) {
         return ReportError(Error.GetMessage());
