@@ -222,10 +222,22 @@ void TCustomExGrid::DefineProperties(TFiler& Filer) {
         [this](TWriter& Writer) { WriteRowHeights(Writer); }, Rows);
 }
 
-void TCustomExGrid::ReadColWidths(TReader& Reader) {
+namespace {
+
+// Exactly Count numbers, read before any is stored: memory grows with what is really there, whatever the count says.
+std::vector<int> ReadExtents(TReader& Reader, int Count) {
+    std::vector<int> Extents;
     Reader.ReadListBegin();
-    for (int I = 0; I < FColCount; ++I) SetColWidths(I, Reader.ReadInteger());
+    for (int I = 0; I < Count; ++I) Extents.push_back(Reader.ReadInteger());
     Reader.ReadListEnd();
+    return Extents;
+}
+
+} // namespace
+
+void TCustomExGrid::ReadColWidths(TReader& Reader) {
+    int Index = 0;
+    for (const int Width : ReadExtents(Reader, FColCount)) SetColWidths(Index++, Width);
 }
 
 void TCustomExGrid::WriteColWidths(TWriter& Writer) {
@@ -235,9 +247,8 @@ void TCustomExGrid::WriteColWidths(TWriter& Writer) {
 }
 
 void TCustomExGrid::ReadRowHeights(TReader& Reader) {
-    Reader.ReadListBegin();
-    for (int I = 0; I < FRowCount; ++I) SetRowHeights(I, Reader.ReadInteger());
-    Reader.ReadListEnd();
+    int Index = 0;
+    for (const int Height : ReadExtents(Reader, FRowCount)) SetRowHeights(Index++, Height);
 }
 
 void TCustomExGrid::WriteRowHeights(TWriter& Writer) {

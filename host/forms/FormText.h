@@ -26,7 +26,7 @@ namespace quill {
 // How deep components may be nested in a form, and how many it may have. Far more than any window; they keep a damaged
 // form from using up the stack or the memory.
 inline constexpr int MaxFormDepth = 100;
-inline constexpr int MaxFormComponents = 100'000;
+inline constexpr int MaxFormComponents = 10'000;
 
 // A fault in a form. The message says where it is; line, component and property stand apart as well.
 class EFormError : public EReadError {

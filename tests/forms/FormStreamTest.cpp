@@ -191,6 +191,8 @@ const TFault Faults[] = {
     {"OnClick = Nobody", "line 3, Tree.OnClick: there is no handler \"Nobody\" for this event"},
     {"ColCount = 2\nColWidths = (\n40)",
      "line 5, Tree.ColWidths: a number is expected, but the end of the list was found"},
+    {"RowCount = 134000000\nRowHeights = (1 2 3)",
+     "line 4, Tree.RowHeights: a number is expected, but the end of the list was found"},
     {"ColWidths = (40\n50)", "line 3, Tree.ColWidths: the list has more values than are wanted"},
     {"ColWidths = (forty)", "line 3, Tree.ColWidths: a number is expected, but \"forty\" was found"},
     {"ColWidths = 40", "line 3, Tree.ColWidths: a list is expected, but \"40\" was found"},
