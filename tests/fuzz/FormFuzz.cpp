@@ -19,6 +19,10 @@ void Use(TQuillTree& Tree) {
     Tree.GetItems()->CheckInvariants();
     fuzz::Check(Tree.GetRowCount() == Tree.GetFixedRows() + Tree.GetItems()->RowList.GetCount(),
                 "the rows are not those of the nodes");
+    // A surface of any size is the program's own wish.
+    if (Tree.GetWidth() > 2000 || Tree.GetHeight() > 2000) return;
+    Tree.HandleNeeded();
+    Tree.GetSurfaceImage();
 }
 
 void RunForm(std::string_view Input) {
