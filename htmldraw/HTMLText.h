@@ -39,7 +39,9 @@ public:
 
 public:
     // 105 x 105 pixels, without a border, in the colour of its parent.
-    explicit TNVHTMLText(TComponent* AOwner = nullptr, QWidget* AParent = nullptr);
+    explicit TNVHTMLText(TComponent* AOwner, QWidget* AParent = nullptr);
+    explicit TNVHTMLText(QWidget* AParent) : TNVHTMLText(static_cast<TComponent*>(nullptr), AParent) {}
+    explicit TNVHTMLText(std::nullptr_t = nullptr) : TNVHTMLText(static_cast<TComponent*>(nullptr)) {}
     ~TNVHTMLText() override;
 
     // Whether the control takes the size of its text. Off in a new control although a form that does not name it
