@@ -74,7 +74,7 @@ std::string CopyAll(const fs::path& From, const fs::path& To, const std::atomic<
     if (std::string Problem = CopyOne(From, To); !Problem.empty()) return Problem;
     std::error_code Error;
     if (!fs::is_directory(fs::symlink_status(From, Error))) return {};
-    std::vector<std::pair<fs::path, fs::perms>> Folders{{To, fs::status(From, Error).permissions()}};
+    std::vector<std::pair<fs::path, fs::perms>> Folders;
     fs::recursive_directory_iterator Entry(From, Error);
     for (; !Error && Entry != fs::recursive_directory_iterator(); Entry.increment(Error)) {
         if (Stop) return "stopped";
@@ -143,7 +143,11 @@ std::string Copy(const TCopyTask& Task, const std::atomic<bool>& Stop) {
     if (!Workshop.GetProblem().empty()) return Workshop.GetProblem();
     if (std::string Problem = CopyAll(Task.From, Workshop.GetPlace(), Stop); !Problem.empty()) return Problem;
     if (Stop) return "stopped";
-    return PutInPlace(Workshop.GetPlace(), Task);
+    std::string Problem = PutInPlace(Workshop.GetPlace(), Task);
+    // Only now: a folder that cannot be written to cannot be put in place either.
+    if (Problem.empty() && IsFolder)
+        fs::permissions(To, fs::status(Task.From, Ignored).permissions(), Ignored);
+    return Problem;
 }
 
 } // namespace quill::examples
