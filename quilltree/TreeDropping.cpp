@@ -104,7 +104,7 @@ TRect TCustomQuillTree::GetDropMark() {
     if (Row.IsEmpty()) return {};
     const int Middle = FDropPlace == dpBefore ? Row.Top : Row.Bottom;
     if (UseRightToLeftAlignment()) {
-        R.Left = Row.Left;
+        R.Left = 0;
     } else {
         R.Right = GetClientWidth();
     }
