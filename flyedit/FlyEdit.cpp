@@ -174,12 +174,25 @@ void TFlyEditor::Apply() {
     FApply->setEnabled(false);
 }
 
-void TFlyEditor::Modified() {
+void TFlyEditor::SetModified() {
     FModified = true;
     FApply->setEnabled(true);
     FCancel->setEnabled(true);
+}
+
+void TFlyEditor::Modified() {
+    SetModified();
+    TellModified();
+}
+
+void TFlyEditor::TellModified() {
     const TModifiedProc Proc = FModifiedProc; // it may destroy the dialog
     if (Proc) Proc();
+}
+
+void TFlyEditor::ModifiedByField() {
+    SetModified();
+    QMetaObject::invokeMethod(this, &TFlyEditor::TellModified, Qt::QueuedConnection);
 }
 
 // --- nodes --------------------------------------------------------------------------------------------------------
@@ -299,7 +312,7 @@ void TFlyEditor::ApplyFields() {
             Node->SetStateIndex(StateIndex);
         }
     }
-    Modified();
+    ModifiedByField();
 }
 
 void TFlyEditor::SetDefaults() {
@@ -319,7 +332,7 @@ void TFlyEditor::ApplyAlign(int Code) {
     FSection->Aligns->Put(Col, IntToStr(Code));
     FTree->SetColAlignMent(Col, static_cast<TAlignment>(Code));
     FTree->Invalidate();
-    Modified();
+    ModifiedByField();
 }
 
 void TFlyEditor::ColumnMoved(int From, int To) {

@@ -106,6 +106,10 @@ private:
 
     void TakeColumnsOf(TCustomQuillTree& Tree);
     void TakeSection();
+    void SetModified();
+    void TellModified();
+    // Tells the caller once the field that changed has finished its own work, which would not survive its end.
+    void ModifiedByField();
     // Shows the selected node in the controls.
     void FillControls();
     void FillAligns();

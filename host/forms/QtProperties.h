@@ -31,7 +31,9 @@ QColor ReadColor(const TPersistent& Object, const QWidget& Widget, const char* N
 void WriteColor(TPersistent& Object, const QWidget& Widget, const char* Name, const QColor& Value);
 
 template <class T>
-concept CFlags = requires(T Value) { Value.toInt(); };
+concept CFlags = requires(T Value) {
+    Value.toInt();
+};
 
 template <class T, class TControl>
 T Read(const TControl& Control, const char* Name) {

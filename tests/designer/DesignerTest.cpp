@@ -108,18 +108,18 @@ TEST_F(Designer, FormsBringTheTreeBack) {
     const QMetaObject* const Class = Tree->metaObject();
     const int First = QAbstractScrollArea::staticMetaObject.propertyCount();
     // Those that depend on others, or have a range of their own; the rest gets what differs from its default.
-    const std::map<QString, QVariant> Values = {
-        {"ButtonSize", 9},
-        {"Indent", 30},
-        {"ColCount", 3},
-        {"StructureCol", 1},
-        {"FixedCols", 1},
-        {"FixedRows", 2},
-        {"FitColumnToClientWidth", false},
-        {"ColWidths", QStringList{"120", "80", "60"}},
-        {"Captions", QStringList{"Name", "", "Größe"}},
-        {"Nodes", "SaveOptions:127\n0,1,2,1,0,0,\"first cell\",Fruit,\"a, "
-                  "b\"\n\t-1,0,0,0,0,1,,Apple,x\n\t5,0,0,0,1,2,x,Hidden,y\n"}};
+    const std::map<QString, QVariant> Values = {{"ButtonSize", 9},
+                                                {"Indent", 30},
+                                                {"ColCount", 3},
+                                                {"StructureCol", 1},
+                                                {"FixedCols", 1},
+                                                {"FixedRows", 2},
+                                                {"FitColumnToClientWidth", false},
+                                                {"ColWidths", QStringList{"120", "80", "60"}},
+                                                {"Captions", QStringList{"Name", "", "Größe"}},
+                                                {"Nodes",
+                                                 "SaveOptions:127\n0,1,2,1,0,0,\"first cell\",Fruit,\"a, "
+                                                 "b\"\n\t-1,0,0,0,0,1,,Apple,x\n\t5,0,0,0,1,2,x,Hidden,y\n"}};
     for (int Index = First; Index < Class->propertyCount(); ++Index) {
         const QMetaProperty Property = Class->property(Index);
         QVariant Value = Property.read(Tree);

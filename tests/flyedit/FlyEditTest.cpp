@@ -175,6 +175,7 @@ TEST_F(FlyEdit, FieldsGoToAllSelectedNodesAndBadNumbersAreZero) {
         EXPECT_EQ(Dump(Edited(), true), "Fruit:0/0/0[Apple:42/0/2 Pear:42/0/2] Nuts:0/0/0") << Bad;
     }
     // Going to another node shows that one and changes nothing.
+    QTest::qWait(0);
     const int Changes = ModifiedCount;
     Editor->GetTree()->setFocus();
     Press({"End"});
@@ -243,6 +244,10 @@ TEST_F(FlyEdit, SurvivesTheEndOfTheNodesAndOfItsParent) {
     InDialog<TFlyEditor>([&](TFlyEditor& Dialog) {
         QTest::mouseClick(Dialog.findChild<QPushButton*>("Delete"), Qt::LeftButton);
     });
+    EXPECT_FALSE(EditNodes(
+        Tree.GetItems(), [&Parent] { Parent.reset(); }, Parent.get()));
+    Parent = std::make_unique<QWidget>();
+    InDialog<TFlyEditor>([&](TFlyEditor&) { Press({"Alt+I", "5"}); });
     EXPECT_FALSE(EditNodes(
         Tree.GetItems(), [&Parent] { Parent.reset(); }, Parent.get()));
     EXPECT_EQ(Dump(*Tree.GetItems()), "Fruit[Apple Pear] Nuts");
