@@ -1,7 +1,6 @@
 // The keyboard.
 #include "exgrid/ExGrid.h"
 
-#include <QDialog>
 
 #include <algorithm>
 #include <cstdint>
@@ -144,7 +143,7 @@ void TCustomExGrid::KeyPress(char32_t& Key) {
     if (!Guard || HasOption(goAlwaysShowEditor) || !HasOption(goEditing)) return;
     if (Key != Return && Key != Escape) return;
     // With no editor to close, Esc is the dialog's.
-    if (Key == Escape && !IsEditorShown() && qobject_cast<QDialog*>(window())) return;
+    if (Key == Escape && !IsEditorShown() && IsInDialog()) return;
     Key = 0;
     if (FEditorMode) {
         HideEditor();

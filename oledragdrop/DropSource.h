@@ -101,7 +101,6 @@ public:
 
     void Notification(TComponent* AComponent, TOperation Operation) override;
 
-protected:
     // Serves a format. The base asks the wrapper; for what that does not hold it calls OnSetData and fails. A
     // descendant serves formats of its own (which it has added with AddFormatEtc) here.
     virtual HResult DoGetData(const TNVFormatEtc& FormatEtc, TNVStgMedium& Medium);
@@ -110,6 +109,8 @@ protected:
     // The effect of the cut or copy that is being done, for a descendant that serves CF_PREFERREDDROPEFFECT.
     std::uint32_t GetClipboardEffect() const { return FClipboardEffect; }
     bool InternalCutCopyToClipboard(std::uint32_t Effect);
+
+protected:
     bool GetInterface(const TGUID& Id, void*& Obj) override {
         return FindInterface<NV_IDropSource, NV_IDataObject>(this, Id, Obj);
     }

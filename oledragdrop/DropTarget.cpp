@@ -246,7 +246,27 @@ HResult TOLEDropTarget::DragOver(std::uint32_t KeyState, TPoint ScreenPoint, std
     return S_OK;
 }
 
+namespace {
+
+// Tells the end of a drag, also when a handler throws.
+class TEndScope {
+public:
+    explicit TEndScope(TOLEDropTarget* ATarget) : FTarget(ATarget), FGuard(ATarget) {}
+    ~TEndScope() {
+        if (!FGuard.IsGone()) FireEvent(FTarget->OnOleDragEnded, FTarget);
+    }
+    TEndScope(const TEndScope&) = delete;
+    TEndScope& operator=(const TEndScope&) = delete;
+
+private:
+    TOLEDropTarget* FTarget;
+    TComponentGuard FGuard;
+};
+
+} // namespace
+
 HResult TOLEDropTarget::DragLeave() {
+    const TEndScope End(this);
     const TComponentGuard Self(this);
     LeaveImage();
     FDataObject.Reset();
@@ -257,6 +277,7 @@ HResult TOLEDropTarget::DragLeave() {
 
 HResult TOLEDropTarget::Drop(NV_IDataObject*, std::uint32_t KeyState, TPoint ScreenPoint,
                              std::uint32_t& Effect) {
+    const TEndScope End(this);
     const TComponentGuard Self(this);
     // The data object that entered is the one that is dropped; without one the drag was refused.
     const TInterfaceRef<NV_IDataObject> Data = FDataObject;

@@ -74,6 +74,8 @@ public:
     TDropTargetEvent OnOleDragDrop;
     TNotifyEvent OnOleDragLeave;
     TDropEffectEvent OnGetDropEffect;
+    // The drag has left, or its drop is done or was refused: whatever was shown for it can go.
+    TNotifyEvent OnOleDragEnded;
 
     // --- what the platform calls ------------------------------------------------------------------------------
     HResult QueryInterface(const TGUID& Id, void*& Obj) override {
@@ -90,13 +92,14 @@ public:
 
     void Notification(TComponent* AComponent, TOperation Operation) override;
 
-protected:
     // Call the events. Effect may be changed.
     virtual void DoEnter(NV_IDataObject* Data, TShiftState ShiftState, TPoint Point, std::uint32_t& Effect);
     virtual void DoDragOver(NV_IDataObject* Data, TShiftState ShiftState, TPoint Point,
                             std::uint32_t& Effect);
     virtual void DoDrop(NV_IDataObject* Data, TShiftState ShiftState, TPoint Point, std::uint32_t& Effect);
     virtual void DoLeave();
+
+protected:
     bool GetInterface(const TGUID& Id, void*& Obj) override {
         return FindInterface<NV_IDropTarget>(this, Id, Obj);
     }

@@ -227,6 +227,8 @@ void TCustomQuillTree::ForgetNode(TFlyNode* Node) {
     if (FDropTargetNode == Node) FDropTargetNode = nullptr;
     if (FToolTipNode == Node) ForgetToolTip();
     if (FAimedNode == Node) FAimedNode = nullptr;
+    if (FDraggedNode == Node) FDraggedNode = nullptr;
+    if (!FDraggedNodes.empty()) std::erase(FDraggedNodes, Node);
     if (FEditNode == Node) {
         FEditNode = nullptr;
         FollowEdit();

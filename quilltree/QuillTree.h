@@ -178,7 +178,8 @@ public:
     TCustomImageList* GetDragImages() override;
     // Puts a picture of the selected rows in view into ImageList; (X, Y) is where the mouse took Node, client pixels.
     void PrepareDragImages(TFlyNode* Node, int X, int Y, TCustomImageList* ImageList);
-    // Drags with the mouse button that is held; returns after the drop.
+    // Drags the node at that point, and the others that are selected, with the mouse button that is held; returns after
+    // the drop.
     void DoOleDrag(int X, int Y);
     // Whether a press on that data column of a node may become a drag; the base says so for all of them.
     virtual bool DragsFromColumn(TFlyNode* Node, int DataCol);
@@ -562,7 +563,11 @@ private:
     TRect GetDropMark();
     void InvalidateDropMark();
     void DrawDropMark();
-    bool TakesDrag(TCustomQuillTree* From, bool Copy);
+    bool TakesDrag(TCustomQuillTree* From, TFlyNode* Target, bool Copy);
+    bool CopiesDrag(TShiftState Shift) const;
+    bool AimAt(TPoint Pt);
+    void ReAim();
+    void CopyFields(TFlyNode* To, TFlyNode* From);
     void DrawLinesOfSlot(TCanvas& Canvas, TFlyNode* Node, const TRect& Cell, int Level, bool IsTopRow);
     void OutlineLine(TCanvas& Canvas, TPoint From, TPoint To);
     void DrawExpandBox(TCanvas& Canvas, const TRect& Frame, bool Plus);
@@ -664,6 +669,11 @@ private:
     bool FAutoDrop = false;
     bool FDroppedInside = false;
     class TNodeDrag;
+    class TOleDragScope;
+    std::vector<TFlyNode*> FDraggedNodes; // of the drag that is going on
+    TFlyNode* FDraggedNode = nullptr;     // whose row the grid was about to move
+    TRect FMarkPainted;                   // the drop mark on the surface
+    bool FEndingDrag = false;
     std::unique_ptr<TDragObject> FNodeDrag; // during a drag inside the program
     TPoint FDragHotSpot;                    // of the picture
     int FDraggedRow = -1;                   // that the grid was about to move

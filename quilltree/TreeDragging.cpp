@@ -45,6 +45,7 @@ void TCustomQuillTree::CreateWindowHandle(const TCreateParams& Params) {
 void TCustomQuillTree::UpdateDropTarget() {
     if (FDragType != dtOLE) {
         if (!FOleDropTarget) return;
+        EndDropTarget();
         FOleDropTarget->Unregister();
         FOleDropTarget.reset();
         return;
@@ -57,17 +58,17 @@ void TCustomQuillTree::UpdateDropTarget() {
         FOleDropTarget->OnOleDragDrop = [this](TObject* Sender, NV_IDataObject* Data, TShiftState Shift,
                                                TPoint Pt,
                                                int& Effect) { OLEDragDrop(Sender, Data, Shift, Pt, Effect); };
-        FOleDropTarget->OnOleDragLeave = [this](TObject*) { EndDropTarget(); };
+        FOleDropTarget->OnOleDragEnded = [this](TObject*) { EndDropTarget(); };
     }
     if (HandleAllocated() && !HasState(csDesigning)) FOleDropTarget->Register(this);
 }
 
 std::unique_ptr<TOLEDropTarget> TCustomQuillTree::CreateDropTarget() {
-    return std::make_unique<TOLEDropTarget>();
+    return std::make_unique<TOLEDropTarget>(this);
 }
 
 std::unique_ptr<TOLEDropSource> TCustomQuillTree::CreateDropSource() {
-    return std::make_unique<TOLEDropSource>();
+    return std::make_unique<TOLEDropSource>(this);
 }
 
 void TCustomQuillTree::InvalidateDropRow(int Row) {
@@ -114,9 +115,9 @@ void TCustomQuillTree::EndDropTarget() {
     EndAim();
 }
 
-// Whether AutoDrop does something with the nodes of a drag from that tree.
-bool TCustomQuillTree::TakesDrag(TCustomQuillTree* From, bool Copy) {
-    return FAutoDrop && From && CanDropNodes(From->GetDraggedNodes(), GetDropTarget(), FDropPlace, Copy);
+// Whether AutoDrop does something with the nodes of a drag from that tree. Asked with every move of the mouse.
+bool TCustomQuillTree::TakesDrag(TCustomQuillTree* From, TFlyNode* Target, bool Copy) {
+    return FAutoDrop && From && CanDropNodes(From->FDraggedNodes, Target, FDropPlace, Copy);
 }
 
 // --- the picture of a drag inside the program ---------------------------------------------------------------------
@@ -124,29 +125,33 @@ bool TCustomQuillTree::TakesDrag(TCustomQuillTree* From, bool Copy) {
 class TCustomQuillTree::TNodeDrag : public TDragControlObject {
 public:
     explicit TNodeDrag(TCustomQuillTree* ATree) : TDragControlObject(ATree), FTree(ATree), FGuard(ATree) {}
+    ~TNodeDrag() override { EndImage(); }
     void Moved() override {
-        if (!FGuard || !FTree->GetDragImages()) return;
-        const TPoint Pos = FTree->ScreenToClient(GetDragPos());
-        TNVDragImageList& Images = *FTree->FDragImages;
-        if (!Images.GetDragging()) {
-            Images.BeginDrag(FTree, Pos.X, Pos.Y, FTree->FDragHotSpot.X, FTree->FDragHotSpot.Y);
-        } else {
-            Images.DragMove(Pos.X, Pos.Y);
+        TCustomImageList* const Images = FGuard ? FTree->GetDragImages() : nullptr;
+        if (!Images) return;
+        TPoint Pos = FTree->ScreenToClient(GetDragPos());
+        TOLEDropTarget::ClientPtToWindowPt(FTree, Pos);
+        if (FShown) {
+            ImageList_DragMove(Pos.X, Pos.Y);
+        } else if (ImageList_BeginDrag(*Images, 0, FTree->FDragHotSpot.X, FTree->FDragHotSpot.Y)) {
+            FShown = ImageList_DragEnter(FTree, Pos.X, Pos.Y);
         }
     }
     void HideDragImage() override {
-        if (FGuard && FTree->FDragImages->GetDragging()) FTree->FDragImages->HideDragImage();
+        if (FShown) ImageList_DragShowNolock(false);
     }
     void ShowDragImage() override {
-        if (FGuard && FTree->FDragImages->GetDragging()) FTree->FDragImages->ShowDragImage();
+        if (FShown) ImageList_DragShowNolock(true);
     }
-    void Finished(TCustomControl*, int, int, bool) override {
-        if (FGuard) FTree->FDragImages->EndDrag();
-    }
+    void Finished(TCustomControl*, int, int, bool) override { EndImage(); }
 
 private:
+    void EndImage() {
+        if (std::exchange(FShown, false)) ImageList_EndDrag();
+    }
     TCustomQuillTree* FTree;
     TControlGuard FGuard;
+    bool FShown = false;
 };
 
 // --- the start of a drag ------------------------------------------------------------------------------------------
@@ -188,9 +193,9 @@ void TCustomQuillTree::DetectDrag(int X, int Y) {
     const TGridState State = GetGridState();
     if (FDragType == dtStandard) {
         if (!FDragPending || IsDragSource()) return;
-        FDragging = true;
         // The grid would move the row by itself; the drag takes over.
         FDraggedRow = IsDragging() ? GetDragIndex() : -1;
+        FDraggedNode = FDraggedRow >= 0 ? GetNodeAtRow(FDraggedRow) : nullptr;
         LeaveMode();
         FDragPending = false;
         const TControlGuard Guard(this);
@@ -203,21 +208,15 @@ void TCustomQuillTree::DetectDrag(int X, int Y) {
     const TPoint From = *FDragPoint;
     FDragPoint.reset();
     LeaveMode();
-    FDropSource = CreateDropSource();
-    FDropSource->OnFeedback = OnOLEGiveFeedback;
-    FDropSource->OnCompleteDrag = OnOLECompleteDrag;
-    FDropSource->OnStartDrag = OnOLEStartDrag;
-    FDropSource->OnSetData = OnOLESetData;
-    const TControlGuard Guard(this);
     DoOleDrag(From.X, From.Y);
-    if (Guard) FDropSource.reset();
 }
 
 void TCustomQuillTree::DoStartDrag(TDragObject*& DragObject) {
-    FDragging = true;
     const TControlGuard Guard(this);
     TCustomExGrid::DoStartDrag(DragObject);
     if (!Guard) return;
+    FDragging = true;
+    FDraggedNodes = GetDraggedNodes();
     FDropTargetNode = nullptr;
     if (DragObject) return; // the program's own
     FNodeDrag = std::make_unique<TNodeDrag>(this);
@@ -240,14 +239,14 @@ bool IsCtrlHeld() { return (GetKeysHeld() & MK_CONTROL) != 0; }
 void TCustomQuillTree::DragOver(TObject* Source, int X, int Y, TDragState State, bool& Accept) {
     Accept = true;
     const TControlGuard Guard(this);
+    auto* const From = dynamic_cast<TCustomQuillTree*>(Source);
     if (State == dsDragMove) {
-        AimDrop(GetNodeAt(X, Y), {X, Y});
-        auto* const From = dynamic_cast<TCustomQuillTree*>(Source);
-        if (Guard && FAutoDrop && From) {
-            TFlyNode* const Node = GetNodeAt(X, Y);
-            Accept = From->GetDraggedNodes().empty() ||
-                     CanDropNodes(From->GetDraggedNodes(), Node, FDropPlace, IsCtrlHeld());
-        }
+        TFlyNode* const Node = GetNodeAt(X, Y);
+        if (!Guard) return;
+        AimDrop(Node, {X, Y});
+        // A drop beside the nodes goes to the end, not to the node that was shown last.
+        if (FAutoDrop && !Node) SetDropTarget(nullptr);
+        if (FAutoDrop && From && !From->FDraggedNodes.empty()) Accept = TakesDrag(From, Node, IsCtrlHeld());
     }
     if (Guard) FireEvent(OnDragOver, this, Source, X, Y, State, Accept);
 }
@@ -257,43 +256,50 @@ void TCustomQuillTree::DragDrop(TObject* Source, int X, int Y) {
     auto* const From = dynamic_cast<TCustomQuillTree*>(Source);
     const TControlGuard FromGuard(From ? From : this);
     const TNodeWatch Target(GetNodeAt(X, Y));
+    if (!Guard || !FromGuard) return;
     const bool HadTarget = Target;
     const TDropPlace Place = FDropPlace;
+    const bool Copy = IsCtrlHeld();
     TCustomExGrid::DragDrop(Source, X, Y);
     if (!Guard || !FromGuard || !From || !FAutoDrop || (HadTarget && !Target)) return;
-    DropNodes(From->GetDraggedNodes(), Target, Place, IsCtrlHeld());
+    // The row that was pressed means nothing any more.
+    From->FDraggedRow = -1;
+    DropNodes(From->GetDraggedNodes(), Target, Place, Copy);
 }
 
 void TCustomQuillTree::CMDrag(TCMDrag& Message) {
     const TControlGuard Guard(this);
+    TDragObject* const Object = Message.DragRec->Object;
+    const TPoint Pos = ScreenToClient(Message.DragRec->Pos);
+    const bool FromTree = dynamic_cast<TCustomQuillTree*>(Message.DragRec->Source) != nullptr;
+    const bool WasActive = GetActiveDrag() == Object;
+    const TNodeWatch Target(Message.DragMessage == dmDragDrop ? GetDropTarget() : nullptr);
     TCustomExGrid::CMDrag(Message);
     if (!Guard) return;
     switch (Message.DragMessage) {
     case dmDragEnter:
         break;
-    case dmDragMove: {
-        const TPoint Pos = ScreenToClient(Message.DragRec->Pos);
-        DoDragOver(Message.DragRec->Object, Pos.X, Pos.Y, Message.Result != 0);
+    case dmDragMove:
+        // A handler may have ended the drag.
+        if (!WasActive || GetActiveDrag() == Object) DoDragOver(Object, Pos.X, Pos.Y, Message.Result != 0);
         break;
-    }
     case dmDragLeave:
     case dmDragCancel:
         EndDropTarget();
         break;
-    case dmDragDrop: {
-        TFlyNode* const Target = GetDropTarget();
+    case dmDragDrop:
         EndDropTarget();
-        FDropTargetNode = Target;
+        if (FromTree) FDropTargetNode = Target; // until the source's drag has ended
         break;
-    }
     }
 }
 
 void TCustomQuillTree::DoDragOver(TDragObject* Source, int X, int Y, bool) {
-    TFlyNode* Node = GetNodeAt(X, Y);
-    if (!Node || (Node == GetDropTarget() && Node != FDropTargetNode)) return;
-    FDropTargetNode = nullptr;
     const TControlGuard Guard(this);
+    TFlyNode* Node = GetNodeAt(X, Y);
+    if (!Guard || !Node || (Node == GetDropTarget() && Node != FDropTargetNode)) return;
+    const bool WasActive = GetActiveDrag() == Source;
+    FDropTargetNode = nullptr;
     if (Source) Source->HideDragImage();
     Node->SetDropTarget(true);
     if (!Guard) return;
@@ -301,7 +307,7 @@ void TCustomQuillTree::DoDragOver(TDragObject* Source, int X, int Y, bool) {
     // In that state the timer of the grid scrolls at the edges.
     if (!HasTimer(ScrollTimerID)) SetTimer(ScrollTimerID, ScrollTimerInterval);
     Update();
-    if (Guard && Source) Source->ShowDragImage();
+    if (Guard && Source && (!WasActive || GetActiveDrag() == Source)) Source->ShowDragImage();
 }
 
 // --- the end ------------------------------------------------------------------------------------------------------
@@ -311,19 +317,31 @@ void TCustomQuillTree::DoEndDrag(TObject* Target, int X, int Y) {
     auto* const Tree = dynamic_cast<TCustomQuillTree*>(Target);
     const TControlGuard TreeGuard(Tree ? Tree : this);
     const TNodeWatch Node(Tree == this ? FDropTargetNode : nullptr);
-    TCustomExGrid::DoEndDrag(Target, X, Y);
-    if (!Guard) return;
-    // The press that began it ends here, for the grid, too.
-    const TPoint Pos = ScreenToClient(Mouse.GetCursorPos());
-    const TShiftState Shift = KeysToShiftState(GetKeysHeld() & (MK_SHIFT | MK_CONTROL));
-    Perform(WM_LBUTTONUP, Shift.Bits(), MakePointParam(Pos.X, Pos.Y));
-    if (!Guard) return;
-    if (Tree && TreeGuard) Tree->SetGridState(gsNormal);
-    int From = std::exchange(FDraggedRow, -1);
+    const TNodeWatch Dragged(FDraggedNode);
+    const bool DragsRow = std::exchange(FDraggedRow, -1) >= 0;
+    // A handler may begin the next drag.
+    const std::unique_ptr<TDragObject> Ended = std::move(FNodeDrag);
+    FDraggedNode = nullptr;
     FDragging = false;
+    FDraggedNodes.clear();
+    TCustomExGrid::DoEndDrag(Target, X, Y);
+    if (Tree && TreeGuard) {
+        Tree->SetGridState(gsNormal);
+        Tree->FDropTargetNode = nullptr;
+    }
+    if (!Guard || IsDragSource()) return;
+    FDragImages->Clear();
+    const TPoint Pos = ScreenToClient(Mouse.GetCursorPos());
+    {
+        // The press that began it ends here, for the grid, too.
+        const TFlagScope Ending(this, FEndingDrag);
+        const TShiftState Shift = KeysToShiftState(GetKeysHeld() & (MK_SHIFT | MK_CONTROL));
+        Perform(WM_LBUTTONUP, Shift.Bits(), MakePointParam(Pos.X, Pos.Y));
+    }
+    if (!Guard) return;
     FDropTargetNode = nullptr;
-    FNodeDrag.reset();
-    if (From < 0) return;
+    if (!DragsRow || !Dragged) return;
+    int From = Dragged->GetRow();
     int To = Node ? Node->GetRow() : From;
     if (!EndRowDrag(From, To, Pos) || !Guard) return;
     if (From != To && From >= GetFixedRows() && From < GetRowCount() && To >= GetFixedRows())
@@ -334,7 +352,7 @@ void TCustomQuillTree::DoEndDrag(TObject* Target, int X, int Y) {
 void TCustomQuillTree::WMLButtonUp(TWMMouse& Message) {
     FDragPending = false;
     FDragPoint.reset();
-    if (FDragging) {
+    if (FEndingDrag) {
         LeaveMode();
         return;
     }
@@ -356,7 +374,7 @@ void TCustomQuillTree::RowMoved(int FromIndex, int ToIndex) {
     TCustomExGrid::RowMoved(FromIndex, ToIndex);
 }
 
-// Rows above Target go behind it, rows below it before it. Where that is was decided before the first one moves.
+// Rows above Target go behind it, rows below it before it. Where that is was decided before the first one moves: several nodes keep their order.
 void TCustomQuillTree::MoveSelectedTo(TFlyNode* Target) {
     std::vector<TFlyNode*> Nodes;
     FillSelectedList(Nodes);
@@ -415,27 +433,53 @@ std::string TCustomQuillTree::GetDragText() {
     return Text;
 }
 
+// The end of a drag to other programs, also when a handler throws.
+class TCustomQuillTree::TOleDragScope {
+public:
+    explicit TOleDragScope(TCustomQuillTree* ATree) : FTree(ATree), FGuard(ATree) {}
+    ~TOleDragScope() {
+        if (FDraggingTree == FTree) FDraggingTree = nullptr;
+        if (!FGuard) return;
+        FTree->FDropSource.reset();
+        FTree->FDraggedNodes.clear();
+        FTree->EndDropTarget();
+    }
+    TOleDragScope(const TOleDragScope&) = delete;
+    TOleDragScope& operator=(const TOleDragScope&) = delete;
+
+private:
+    TCustomQuillTree* FTree;
+    TControlGuard FGuard;
+};
+
 void TCustomQuillTree::DoOleDrag(int X, int Y) {
     TFlyNode* Node = GetNodeAt(X, Y);
-    if (!Node || !FDropSource) return;
+    if (!Node || FDraggingTree || FDropSource) return;
     const TControlGuard Guard(this);
     const TNodeWatch Watch(Node);
-    const std::string Text = GetDragText();
-    if (!Guard || !Watch || !FDropSource) return;
-    FDropSource->GetDataWrapper()->SetString(Text);
-    PrepareDragImages(Node, X, Y, FDragImages.get());
-    if (!Guard || !FDropSource) return;
-    FDropSource->SetImages(FDragImages.get());
-    FDropSource->SetShowImage(true);
-    if (FAutoDrop) FDropSource->SetDragTypes({dtCopy, dtMove});
-    FDroppedInside = false;
-    FDraggingTree = this;
-    const TDragResult Result = FDropSource->Execute(this);
-    FDraggingTree = nullptr;
-    if (!Guard) return;
-    FDropSource.reset();
-    EndDropTarget();
-    NodesDragged(Result, FDroppedInside);
+    TDragResult Result = drUnknown;
+    {
+        const TOleDragScope Scope(this);
+        FDropSource = CreateDropSource();
+        FDropSource->OnFeedback = OnOLEGiveFeedback;
+        FDropSource->OnCompleteDrag = OnOLECompleteDrag;
+        FDropSource->OnStartDrag = OnOLEStartDrag;
+        FDropSource->OnSetData = OnOLESetData;
+        const std::string Text = GetDragText();
+        if (!Guard || !Watch || !FDropSource) return;
+        FDropSource->GetDataWrapper()->SetString(Text);
+        PrepareDragImages(Node, X, Y, FDragImages.get());
+        if (!Guard || !FDropSource) return;
+        FDropSource->SetImages(FDragImages.get());
+        FDropSource->SetShowImage(true);
+        if (FAutoDrop) FDropSource->SetDragTypes({dtCopy, dtMove});
+        FDroppedInside = false;
+        FDraggedNodes = GetDraggedNodes();
+        FDraggingTree = this;
+        Result = FDropSource->Execute(this);
+        if (!Guard) return;
+    }
+    if (Guard) NodesDragged(Result, FDroppedInside);
 }
 
 void TCustomQuillTree::NodesDragged(TDragResult, bool) {}
@@ -443,8 +487,27 @@ void TCustomQuillTree::NodesDragged(TDragResult, bool) {}
 // The node under the mouse is shown as the target; what a drop there would do is the program's to say.
 void TCustomQuillTree::OLEDragOver(TObject*, NV_IDataObject* Data, TShiftState Shift, TPoint Pt,
                                    int& Effect) {
-    TFlyNode* Node = GetNodeAt(Pt.X, Pt.Y);
     const TControlGuard Guard(this);
+    if (!AimAt(Pt)) return;
+    if (FAutoDrop && FDraggingTree) {
+        const bool Copy = CopiesDrag(Shift);
+        const bool Takes = TakesDrag(FDraggingTree, FAimedNode, Copy);
+        Effect = static_cast<int>(!Takes ? DROPEFFECT_NONE : Copy ? DROPEFFECT_COPY : DROPEFFECT_MOVE);
+    }
+    if (Guard) FireEvent(OnOLEDragOver, this, Data, Shift, Pt, Effect);
+}
+
+// A tree that does not move its nodes offers copies only.
+bool TCustomQuillTree::CopiesDrag(TShiftState Shift) const {
+    return Shift.Contains(ssCtrl) || !FDraggingTree->GetAutoDrop();
+}
+
+// Shows the node under that point as the target of a drag from any program, and where a drop would go. False when the
+// tree is gone.
+bool TCustomQuillTree::AimAt(TPoint Pt) {
+    const TControlGuard Guard(this);
+    TFlyNode* Node = GetNodeAt(Pt.X, Pt.Y);
+    if (!Guard) return false;
     if (Node != GetDropTarget() || Node == FDropTargetNode) {
         FDropTargetNode = nullptr;
         if (FDropSource) FDragImages->HideDragImage();
@@ -453,36 +516,37 @@ void TCustomQuillTree::OLEDragOver(TObject*, NV_IDataObject* Data, TShiftState S
         } else {
             SetDropTarget(nullptr);
         }
-        if (!Guard) return;
+        if (!Guard) return false;
         Update();
-        if (!Guard) return;
+        if (!Guard) return false;
         if (FDropSource) FDragImages->ShowDragImage();
+        Node = GetNodeAt(Pt.X, Pt.Y);
+        if (!Guard) return false;
     }
     AimDrop(Node, Pt);
-    if (FAutoDrop && FDraggingTree) {
-        const bool Copy = Shift.Contains(ssCtrl);
-        Effect =
-            TakesDrag(FDraggingTree, Copy) ? static_cast<int>(Copy ? DROPEFFECT_COPY : DROPEFFECT_MOVE) : 0;
-    }
-    if (Guard) FireEvent(OnOLEDragOver, this, Data, Shift, Pt, Effect);
+    return true;
 }
 
 void TCustomQuillTree::OLEDragDrop(TObject*, NV_IDataObject* Data, TShiftState Shift, TPoint Pt,
                                    int& Effect) {
     const TControlGuard Guard(this);
-    const TNodeWatch Target(GetNodeAt(Pt.X, Pt.Y));
+    // The view may have scrolled since the last move.
+    if (!AimAt(Pt)) return;
+    const TNodeWatch Target(FAimedNode);
     const bool HadTarget = Target;
-    const bool Copy = Shift.Contains(ssCtrl);
     TCustomQuillTree* const From = FAutoDrop ? FDraggingTree : nullptr;
+    const bool Copy = From && CopiesDrag(Shift);
     if (From) Effect = static_cast<int>(Copy ? DROPEFFECT_COPY : DROPEFFECT_MOVE);
     const TDropPlace Place = FDropPlace;
     FireEvent(OnOLEDragDrop, this, Data, Shift, Pt, Effect);
     if (!Guard) return;
-    EndDropTarget();
     // The source may have gone in the handler.
-    if (!From || FDraggingTree != From || Effect == 0 || (HadTarget && !Target)) return;
-    From->FDroppedInside = true;
-    DropNodes(From->GetDraggedNodes(), Target, Place, Copy);
+    if (From && FDraggingTree == From && Effect != 0 && (!HadTarget || Target)) {
+        From->FDroppedInside = true;
+        DropNodes(From->GetDraggedNodes(), Target, Place, Copy);
+        if (!Guard) return;
+    }
+    EndDropTarget();
 }
 
 // The selected rows that are in view, as they look, framed; what is between them is transparent.

@@ -50,9 +50,9 @@ void TCustomQuillTree::AimDrop(TFlyNode* Node, TPoint Pt) {
         }
     }
     if (!Node) Place = dpNone;
-    if (Node != FAimedNode) {
+    if (Node != FAimedNode || Place != FDropPlace) {
         KillTimer(HoverTimerID);
-        if (FHoverExpandTime > 0 && Node && Node->GetChildren() && !Node->GetExpanded())
+        if (FHoverExpandTime > 0 && Node && Place == dpOn && Node->GetChildren() && !Node->GetExpanded())
             SetTimer(HoverTimerID, FHoverExpandTime);
     }
     if (Node != FAimedNode || Place != FDropPlace) {
@@ -60,6 +60,8 @@ void TCustomQuillTree::AimDrop(TFlyNode* Node, TPoint Pt) {
         FAimedNode = Node;
         FDropPlace = Place;
         InvalidateDropMark();
+        // It may have been painted as the target of the place before.
+        if (FDropMarks && Node) InvalidateDropRow(Node->GetRow());
     }
     // In a moving state the timer of the grid scrolls at the edges.
     if (FDropScroll && !HasTimer(ScrollTimerID)) SetTimer(ScrollTimerID, ScrollTimerInterval);
@@ -90,8 +92,14 @@ void TCustomQuillTree::WMTimer(TWMTimer& Message) {
     if (!Node) return;
     Node->Expand(false);
     if (!Guard) return;
-    // What lies under the mouse now is found with its next move.
-    Update();
+    ReAim();
+}
+
+// Other nodes may lie under the mouse now, though it rests.
+void TCustomQuillTree::ReAim() {
+    if (!FDropPoint) return;
+    const TPoint Pt = *FDropPoint;
+    AimAt(Pt);
 }
 
 // --- the mark -----------------------------------------------------------------------------------------------------
@@ -114,17 +122,20 @@ TRect TCustomQuillTree::GetDropMark() {
 void TCustomQuillTree::InvalidateDropMark() {
     if (!HandleAllocated()) return;
     if (FAimedNode && FDropPlace == dpOn && FDropMarks) InvalidateDropRow(FAimedNode->GetRow());
-    TRect R = GetDropMark();
+    InvalidatePixels(FMarkPainted);
+    const TRect R = GetDropMark();
     if (R.IsEmpty()) return;
-    InvalidateDropRow(FAimedNode->GetRow());
-    R = {R.Left - DropMarkReach, R.Top - DropMarkReach, R.Right + DropMarkReach, R.Bottom + DropMarkReach};
-    InvalidatePixels(R);
+    InvalidatePixels(
+        {R.Left - DropMarkReach, R.Top - DropMarkReach, R.Right + DropMarkReach, R.Bottom + DropMarkReach});
 }
 
 // A line with a knob where the node would begin, painted last, over the cells.
 void TCustomQuillTree::DrawDropMark() {
     const TRect R = GetDropMark();
+    FMarkPainted = {};
     if (R.IsEmpty()) return;
+    FMarkPainted = {R.Left - DropMarkReach, R.Top - DropMarkReach, R.Right + DropMarkReach,
+                    R.Bottom + DropMarkReach};
     TCanvas& Canvas = *GetCanvas();
     Canvas.GetBrush()->SetColor(clHighlight);
     Canvas.FillRect(R);
@@ -148,10 +159,26 @@ std::vector<TFlyNode*> TCustomQuillTree::GetDraggedNodes() {
 bool TCustomQuillTree::CanDropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* Target, TDropPlace,
                                     bool Copy) {
     if (Nodes.empty()) return false;
-    if (Copy || !Target) return true;
-    return std::none_of(Nodes.begin(), Nodes.end(), [Target](const TFlyNode* Node) {
-        return Target == Node || Target->HasAsParent(Node);
-    });
+    if (Copy) return true;
+    for (const TFlyNode* Up = Target; Up; Up = Up->GetParent()) {
+        if (std::find(Nodes.begin(), Nodes.end(), Up) != Nodes.end()) return false;
+    }
+    return true;
+}
+
+// Assigning a node makes it the drop target; that is no reason to show it as one.
+void TCustomQuillTree::CopyFields(TFlyNode* To, TFlyNode* From) {
+    const TGridState State = GetGridState();
+    const int Row = TCustomExGrid::GetDropTargetRow();
+    TFlyNode* const Remembered = FDropTargetNode;
+    const TControlGuard Guard(this);
+    const TNodeWatch Watch(Remembered);
+    To->Assign(From);
+    if (!Guard) return;
+    InvalidateDropRow(TCustomExGrid::GetDropTargetRow());
+    SetGridState(State);
+    SetDropTargetRow(Row);
+    FDropTargetNode = Watch;
 }
 
 void TCustomQuillTree::DropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* Target, TDropPlace Place,
@@ -175,17 +202,22 @@ void TCustomQuillTree::DropNodes(const std::vector<TFlyNode*>& Nodes, TFlyNode* 
     std::vector<TFlyNode*> Dropped;
     for (TFlyNode* Node : Nodes) {
         if (Gone.IsGone(Node) || (Before && !Where)) continue;
-        if (Copy || Node->GetTree() != this) {
+        if (!Copy && (Before || Node->GetTree() == this || FItems->GetFirstNode())) {
+            // Another tree's node needs a place in this one.
+            const bool Foreign = !Before && Node->GetTree() != this;
+            Node->MoveTo(Foreign ? FItems->GetFirstNode() : Before, Mode);
+            Dropped.push_back(Node);
+        } else {
             TFlyNode* const New = FItems->Add(nullptr, Node->GetText());
-            New->Assign(Node);
+            CopyFields(New, Node);
             if (!Guard) return;
             if (Before && Where && !Gone.IsGone(New)) New->MoveTo(Before, Mode);
             if (!Guard) return;
-            if (!Copy && !Gone.IsGone(Node)) Node->Delete();
+            if (!Copy && !Gone.IsGone(Node)) {
+                Node->SetData(nullptr); // the copy has it
+                Node->Delete();
+            }
             Dropped.push_back(New);
-        } else {
-            Node->MoveTo(Before, Mode);
-            Dropped.push_back(Node);
         }
         if (!Guard) return;
     }

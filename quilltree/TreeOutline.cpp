@@ -55,6 +55,7 @@ int TCustomQuillTree::OutlinePhase() const {
 }
 
 bool TCustomQuillTree::CanScrollPixels(int DX, int DY) {
+    if (!FMarkPainted.IsEmpty()) return false; // the drop mark would move along
     const bool Moves = DY != 0 || FStructureCol >= GetFixedCols();
     if (!Moves || !(FShowlines || FShowButtons || FShowLogic)) return true;
     const int Phase = OutlinePhase();

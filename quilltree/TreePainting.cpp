@@ -118,7 +118,8 @@ void TCustomQuillTree::DrawBackground(TCanvas& Canvas, const TRect& Rect, int, i
 void TCustomQuillTree::GetColor(TFlyNode* Node, int ACol, int, TExGridDrawState State, TColor& BrushColor,
                                 TColor& FontColor, bool& Changed) {
     if (State.Contains(gdNoUseSelColor)) return;
-    const bool Aimed = Node && Node->GetDropTarget() && (!FDropMarks || FDropPlace == dpOn);
+    const bool Aimed = Node && Node->GetDropTarget() && (ACol == FStructureCol || IsRowSelect()) &&
+                       (!FDropMarks || FDropPlace == dpOn);
     const bool Marked = Node && (Node->GetSelected() || Aimed);
     if (!Marked && !State.Contains(gdClicked)) return;
     if (!SelectionSpans(ACol)) return;

@@ -30,6 +30,7 @@ void TCustomQuillTree::FixupRows() {
     if (!Guard) return;
     FollowEdit();
     InvalidateGrid();
+    ReAim();
 }
 
 TFlyNode* TCustomQuillTree::GetNodeAtRow(int Row) {

@@ -108,6 +108,7 @@ void TCustomQuillTree::TopLeftChanged() {
     const TControlGuard Guard(this);
     HideToolTip();
     if (Guard) TCustomExGrid::TopLeftChanged();
+    if (Guard) ReAim();
 }
 
 bool TCustomQuillTree::DoMouseWheelDown(TShiftState Shift, TPoint MousePos) {

@@ -403,6 +403,8 @@ bool TCustomControl::focusNextPrevChild(bool Next) {
 
 bool TCustomControl::Focused() const { return hasFocus(); }
 
+bool TCustomControl::IsInDialog() const { return qobject_cast<const QDialog*>(window()) != nullptr; }
+
 bool TCustomControl::ContainsFocus() const {
     const QWidget* Focus = QApplication::focusWidget();
     return Focus && (Focus == this || isAncestorOf(Focus));

@@ -296,6 +296,8 @@ public:
     bool ContainsFocus() const;
     // DoEnter has run when this returns.
     void SetFocus();
+    // Whether the control's window is a dialog, which has keys of its own.
+    bool IsInDialog() const;
     bool CanFocus() const { return isEnabled() && isVisible(); }
 
     // --- scroll bars ------------------------------------------------------------------------------------------

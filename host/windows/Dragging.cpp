@@ -46,8 +46,14 @@ public:
     TCustomControl* GetSource() const { return FSourceGuard ? FSource : nullptr; }
 
     void ObjectGone() {
+        TCustomControl* const Target = FMoving ? FObject->FTarget : nullptr;
+        const TDragRec Record{FObject->FDragPos, GetSource(), nullptr, Target};
         FObject = nullptr;
         static_cast<void>(FOwned.release());
+        if (Target && !FFinished) {
+            TDragRec Told = Record;
+            Target->Perform(CM_DRAG, dmDragCancel, reinterpret_cast<std::intptr_t>(&Told));
+        }
         Finish(false);
     }
     // A destroyed target or source is no party any more.

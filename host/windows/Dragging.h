@@ -24,7 +24,7 @@ public:
     TCustomControl* GetDragTarget() const { return FTarget; }  // under the mouse, null for none
     TPoint GetDragTargetPos() const { return FDragTargetPos; } // in the target's client coordinates
 
-    // The picture that follows the mouse, in place of the source's own; null for none.
+    // The pictures of the drag, null for none. An object shows them itself, as that of a tree does.
     virtual TCustomImageList* GetDragImages() { return nullptr; }
     virtual TCursor GetDragCursor(bool Accepted, int X, int Y);
     // The picture is taken away from the screen, to paint below it, and put back.

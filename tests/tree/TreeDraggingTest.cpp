@@ -321,6 +321,36 @@ TEST(TreeDragging, DropsMoveAndCopyNodesWhenAsked) {
     }
 }
 
+TEST(TreeDragging, MarksReachAcrossTheRowAndThePictureKeepsClearOfThem) {
+    for (const bool RightToLeft : {false, true}) {
+        TDragTree Tree;
+        Tree.SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight);
+        Tree.SetDragType(dtOLE);
+        Tree.SetDropMarks(true);
+        TDesktop Desk(Tree);
+        const TRect Row = Tree.DisplayRect(Tree.Find("C"), true);
+        const QPoint Pos(Row.Left + 6, Row.Top + 1);
+        Desk.Send<QDragEnterEvent>(Pos);
+        Desk.Send<QDragMoveEvent>(Pos);
+        EXPECT_EQ(Tree.GetDropPlace(), dpBefore);
+        const double Scale = Tree.GetScale();
+        const int Far = RightToLeft ? 3 : Tree.GetClientWidth() - 4;
+        const QColor Color = Tree.GetSurfaceImage().pixelColor(static_cast<int>(Far * Scale),
+                                                               static_cast<int>(Row.Top * Scale));
+        EXPECT_EQ(Color.rgb(), Tree.palette().color(QPalette::Highlight).rgb()) << "in row " << Row.Top;
+        Desk.Leave();
+
+        int HotSpot = 0;
+        Tree.OnOLEStartDrag = [&](NV_IDataObject* Object, int&) {
+            HotSpot = dynamic_cast<TOLEDropSource&>(*Object).GetPoint(1);
+        };
+        Tree.Press("A");
+        Tree.MoveTo("C");
+        Tree.Release();
+        EXPECT_TRUE(RightToLeft ? HotSpot > Tree.GetDragImages()->GetWidth() : HotSpot < 0) << HotSpot;
+    }
+}
+
 TEST(TreeDragging, HoldingOverABranchOpensItAndAnEdgeScrolls) {
     TDragTree Tree;
     Tree.Find("B")->Collapse(false);
@@ -341,6 +371,113 @@ TEST(TreeDragging, HoldingOverABranchOpensItAndAnEdgeScrolls) {
     const int Top = Tree.GetTopRow();
     QTest::qWait(3 * TCustomExGrid::ScrollTimerInterval);
     EXPECT_EQ(Tree.GetTopRow(), Top);
+}
+
+// "normal" when nothing of a drag is left behind.
+std::string Remains(TDragTree& Tree) {
+    if (GetActiveDrag()) return "drag";
+    if (Tree.GetGridState() != gsNormal) return "state";
+    if (Tree.GetDropTarget()) return "target " + Tree.Name(Tree.GetDropTarget());
+    return Tree.TCustomExGrid::GetDropTargetRow() == -1 && Tree.GetDropPlace() == dpNone ? "normal" : "row";
+}
+
+TEST(TreeDragging, EndedFromAMoveItLeavesNothingBehind) {
+    TDragTree Tree;
+    Tree.OnDragOver = [&](TObject*, TObject*, int, int, TDragState State, bool&) {
+        if (State == dsDragMove) Tree.EndDrag(false);
+    };
+    Tree.Drag("A", "C");
+    EXPECT_EQ(Remains(Tree), "normal");
+    EXPECT_EQ(Tree.GetDragImages(), nullptr);
+}
+
+TEST(TreeDragging, AHandlerThatThrowsLeavesTheTreeUsable) {
+    TDragTree Tree;
+    int Clicks = 0;
+    Tree.OnClick = [&](TObject*) { ++Clicks; };
+    const auto Handler = [](auto&&...) { throw Exception("no"); };
+    for (const bool Ole : {false, true}) {
+        Tree.SetDragType(Ole ? dtOLE : dtStandard);
+        Tree.OnStartDrag = Handler;
+        Tree.OnOLEStartDrag = Handler;
+        EXPECT_THROW(Tree.BeginDrag(true), Exception);
+        Tree.Press("A");
+        if (Ole) {
+            EXPECT_THROW(Tree.DoOleDrag(Tree.On("A").x(), Tree.On("A").y()), Exception);
+        }
+        Tree.Release();
+        EXPECT_EQ(Remains(Tree), "normal");
+        Clicks = 0;
+        Tree.Press("C");
+        Tree.Release();
+        EXPECT_EQ(Clicks, 1);
+    }
+    std::string Offered;
+    Tree.OnOLEStartDrag = [&](NV_IDataObject*, int&) { Offered += "again"; };
+    Tree.Press("A");
+    Tree.MoveTo("C");
+    Tree.Release();
+    EXPECT_EQ(Offered, "again");
+}
+
+TEST(TreeDragging, ARefusedDropLeavesNothingBehind) {
+    TDragTree Tree;
+    Tree.SetDragType(dtOLE);
+    TDesktop Desk(Tree);
+    Desk.Data.setText(""); // promised, and not there
+    Desk.Send<QDragEnterEvent>(Tree.On("C"));
+    Desk.Send<QDragMoveEvent>(Tree.On("C"));
+    Desk.Send<QDropEvent>(Tree.On("C"));
+    EXPECT_EQ(Remains(Tree), "normal");
+    Tree.OnOLEDragOver = [&](auto&&...) { Tree.SetDragType(dtStandard); };
+    Desk.Send<QDragEnterEvent>(Tree.On("C"));
+    Desk.Send<QDragMoveEvent>(Tree.On("C"));
+    EXPECT_EQ(Remains(Tree), "normal");
+}
+
+TEST(TreeDragging, AutoDropMovesOnceAlsoToAnotherTree) {
+    TDragTree Tree;
+    Tree.SetAutoDrop(true);
+    Tree.SetAutoMove(true);
+    Tree.OnDragOver = nullptr;
+    Tree.Drag("D", "A");
+    EXPECT_EQ(Tree.Find("D")->GetParent(), Tree.Find("A")) << "into it, and no row is moved besides";
+    TDragTree Other;
+    Other.SetAutoDrop(true);
+    int Value = 0;
+    Tree.Find("C")->SetData(&Value);
+    for (const bool Copy : {true, false}) {
+        Other.DropNodes({Tree.Find("C")}, Other.Find("B"), dpAfter, Copy);
+        EXPECT_EQ(Remains(Other), "normal");
+    }
+    EXPECT_EQ(Tree.Find("C"), nullptr);
+    int Owners = 0;
+    for (TFlyNode* N = Other.GetItems()->GetFirstNode(); N; N = N->GetNext())
+        Owners += N->Getdata() == &Value;
+    EXPECT_EQ(Owners, 2);
+    Tree.Check();
+    Other.Check();
+}
+
+TEST(TreeDragging, WhatIsUnderARestingMouseIsTheTarget) {
+    TDragTree Tree;
+    for (int i = 0; i < 60; ++i) Tree.GetItems()->Add(nullptr, "n" + std::to_string(i));
+    Tree.SetDragType(dtOLE);
+    Tree.SetDropMarks(true);
+    TDesktop Desk(Tree);
+    const QPoint Pos = Tree.On("C");
+    Desk.Send<QDragEnterEvent>(Pos);
+    Desk.Send<QDragMoveEvent>(Pos);
+    Tree.SetTopRow(10);
+    EXPECT_EQ(Tree.GetDropTarget(), Tree.GetNodeAt(Pos.x(), Pos.y()));
+    Tree.Find("n3")->Delete();
+    EXPECT_EQ(Tree.GetDropTarget(), Tree.GetNodeAt(Pos.x(), Pos.y()));
+    Desk.Leave();
+    EXPECT_EQ(Remains(Tree), "normal");
+    Tree.Update();
+    const QImage Left = Tree.GetSurfaceImage();
+    Tree.Invalidate();
+    EXPECT_EQ(Left, Tree.GetSurfaceImage()) << "no mark stays on the surface";
 }
 
 TEST(TreeDragging, HandlersMayDoAnything) {
