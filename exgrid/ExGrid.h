@@ -542,8 +542,8 @@ private:
     int FDropTargetRow = -1;
     int FInplaceCol = -1;
     int FInplaceRow = -1;
-    unsigned FEditSession = 0;    // counts how often the editor was given a cell or lost it
-    unsigned FStoringSession = 0; // whose text is being stored, 0 for none
+    unsigned FEditSession = 0;           // counts how often the editor was given a cell or lost it
+    unsigned FStoringSession = 0;        // whose text is being stored, 0 for none
     TGridCoord FAskedCell = NoGridCoord; // for which the application was asked whether it may be edited
     bool FFixedRowAsButton = true;
     bool FFixedColAsButton = true;

@@ -1,7 +1,6 @@
 // The keyboard.
 #include "exgrid/ExGrid.h"
 
-
 #include <algorithm>
 #include <cstdint>
 

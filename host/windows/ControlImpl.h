@@ -4,8 +4,8 @@
 #include "host/windows/Controls.h"
 #include "host/windows/ScrollBars.h"
 
-#include <QImage>
 #include <QEvent>
+#include <QImage>
 #include <QPointer>
 
 #include <array>

@@ -84,7 +84,7 @@ using TMouseWheelUpDownEvent =
 
 class TCustomControl;
 class TCustomImageList;
-class TPopupMenu; // host/windows/Menus.h
+class TPopupMenu;  // host/windows/Menus.h
 class TDragObject; // host/windows/Dragging.h
 
 // Dragging inside the program. DragObject may be set to an object of the program's own, which stays the program's.
