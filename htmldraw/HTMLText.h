@@ -40,6 +40,7 @@ public:
 public:
     // 105 x 105 pixels, without a border, in the colour of its parent.
     explicit TNVHTMLText(TComponent* AOwner, QWidget* AParent = nullptr);
+    explicit TNVHTMLText(TCustomControl* AOwner) : TNVHTMLText(static_cast<TComponent*>(AOwner)) {}
     explicit TNVHTMLText(QWidget* AParent) : TNVHTMLText(static_cast<TComponent*>(nullptr), AParent) {}
     explicit TNVHTMLText(std::nullptr_t = nullptr) : TNVHTMLText(static_cast<TComponent*>(nullptr)) {}
     ~TNVHTMLText() override;

@@ -351,36 +351,6 @@ TEST(TreeDragging, MarksReachAcrossTheRowAndThePictureKeepsClearOfThem) {
     }
 }
 
-TEST(TreeDragging, MarksReachAcrossTheRowAndThePictureKeepsClearOfThem) {
-    for (const bool RightToLeft : {false, true}) {
-        TDragTree Tree;
-        Tree.SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight);
-        Tree.SetDragType(dtOLE);
-        Tree.SetDropMarks(true);
-        TDesktop Desk(Tree);
-        const TRect Row = Tree.DisplayRect(Tree.Find("C"), true);
-        const QPoint Pos(Row.Left + 6, Row.Top + 1);
-        Desk.Send<QDragEnterEvent>(Pos);
-        Desk.Send<QDragMoveEvent>(Pos);
-        EXPECT_EQ(Tree.GetDropPlace(), dpBefore);
-        const double Scale = Tree.GetScale();
-        const int Far = RightToLeft ? 3 : Tree.GetClientWidth() - 4;
-        const QColor Color = Tree.GetSurfaceImage().pixelColor(static_cast<int>(Far * Scale),
-                                                               static_cast<int>(Row.Top * Scale));
-        EXPECT_EQ(Color.rgb(), Tree.palette().color(QPalette::Highlight).rgb()) << "in row " << Row.Top;
-        Desk.Leave();
-
-        int HotSpot = 0;
-        Tree.OnOLEStartDrag = [&](NV_IDataObject* Object, int&) {
-            HotSpot = dynamic_cast<TOLEDropSource&>(*Object).GetPoint(1);
-        };
-        Tree.Press("A");
-        Tree.MoveTo("C");
-        Tree.Release();
-        EXPECT_TRUE(RightToLeft ? HotSpot > Tree.GetDragImages()->GetWidth() : HotSpot < 0) << HotSpot;
-    }
-}
-
 TEST(TreeDragging, HoldingOverABranchOpensItAndAnEdgeScrolls) {
     TDragTree Tree;
     Tree.Find("B")->Collapse(false);
