@@ -86,6 +86,8 @@ protected:
     void Press(const QStringList& Keys) {
         for (const QString& Key : Keys) {
             const auto Code = QKeySequence(Key)[0];
+            // A dialog that has just opened is active a moment later.
+            ASSERT_TRUE(QTest::qWaitFor([] { return QApplication::focusWidget() != nullptr; }));
             QWidget* const Focus = QApplication::focusWidget();
             const auto Modifiers = Code.keyboardModifiers();
             if (Key.size() == 1) {
