@@ -676,7 +676,6 @@ private:
     bool FEndingDrag = false;
     std::unique_ptr<TDragObject> FNodeDrag; // during a drag inside the program
     TPoint FDragHotSpot;                    // of the picture
-    int FDraggedRow = -1;                   // that the grid was about to move
     std::string FSearchText;
     std::uint32_t FSearchTick = 0;
     int FTrackedRow = -1;
@@ -742,7 +741,6 @@ private:
     TNVDragType FDragType = dtStandard;
     bool FAutoMove = false;
     bool FDragPending = false; // a press that may become a drag inside the program
-    bool FDragging = false;
 };
 
 // The tree with its properties published for forms and designers.

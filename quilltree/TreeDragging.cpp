@@ -194,8 +194,7 @@ void TCustomQuillTree::DetectDrag(int X, int Y) {
     if (FDragType == dtStandard) {
         if (!FDragPending || IsDragSource()) return;
         // The grid would move the row by itself; the drag takes over.
-        FDraggedRow = IsDragging() ? GetDragIndex() : -1;
-        FDraggedNode = FDraggedRow >= 0 ? GetNodeAtRow(FDraggedRow) : nullptr;
+        FDraggedNode = IsDragging() ? GetNodeAtRow(GetDragIndex()) : nullptr;
         LeaveMode();
         FDragPending = false;
         const TControlGuard Guard(this);
@@ -215,7 +214,6 @@ void TCustomQuillTree::DoStartDrag(TDragObject*& DragObject) {
     const TControlGuard Guard(this);
     TCustomExGrid::DoStartDrag(DragObject);
     if (!Guard) return;
-    FDragging = true;
     FDraggedNodes = GetDraggedNodes();
     FDropTargetNode = nullptr;
     if (DragObject) return; // the program's own
@@ -263,7 +261,7 @@ void TCustomQuillTree::DragDrop(TObject* Source, int X, int Y) {
     TCustomExGrid::DragDrop(Source, X, Y);
     if (!Guard || !FromGuard || !From || !FAutoDrop || (HadTarget && !Target)) return;
     // The row that was pressed means nothing any more.
-    From->FDraggedRow = -1;
+    From->FDraggedNode = nullptr;
     DropNodes(From->GetDraggedNodes(), Target, Place, Copy);
 }
 
@@ -318,11 +316,9 @@ void TCustomQuillTree::DoEndDrag(TObject* Target, int X, int Y) {
     const TControlGuard TreeGuard(Tree ? Tree : this);
     const TNodeWatch Node(Tree == this ? FDropTargetNode : nullptr);
     const TNodeWatch Dragged(FDraggedNode);
-    const bool DragsRow = std::exchange(FDraggedRow, -1) >= 0;
     // A handler may begin the next drag.
     const std::unique_ptr<TDragObject> Ended = std::move(FNodeDrag);
     FDraggedNode = nullptr;
-    FDragging = false;
     FDraggedNodes.clear();
     TCustomExGrid::DoEndDrag(Target, X, Y);
     if (Tree && TreeGuard) {
@@ -340,7 +336,7 @@ void TCustomQuillTree::DoEndDrag(TObject* Target, int X, int Y) {
     }
     if (!Guard) return;
     FDropTargetNode = nullptr;
-    if (!DragsRow || !Dragged) return;
+    if (!Dragged) return;
     int From = Dragged->GetRow();
     int To = Node ? Node->GetRow() : From;
     if (!EndRowDrag(From, To, Pos) || !Guard) return;
