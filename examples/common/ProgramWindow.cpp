@@ -72,12 +72,14 @@ QToolBar* TProgramWindow::MakeToolBar() {
 
 void TProgramWindow::FitColumnsWhenShown() {
     FFitPending = !isVisible();
-    if (!FFitPending) FitColumns(*FTree, FSamples);
+    if (!FFitPending) FitColumns();
 }
+
+void TProgramWindow::FitColumns() { examples::FitColumns(*FTree, FSamples); }
 
 void TProgramWindow::showEvent(QShowEvent* Event) {
     QMainWindow::showEvent(Event);
-    if (FFitPending) FitColumns(*FTree, FSamples);
+    if (FFitPending) FitColumns();
     FFitPending = false;
 }
 

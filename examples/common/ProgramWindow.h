@@ -41,6 +41,8 @@ protected:
     QToolBar* MakeToolBar();
     // Columns can be fitted only when the layout has given the tree its place.
     void FitColumnsWhenShown();
+    // Gives the columns their widths.
+    virtual void FitColumns();
     // Whether Work went through; tells the user when it raised Exception.
     bool Attempt(const QString& Title, const std::function<void()>& Work);
     void ShowAbout(const QString& Name, const QString& Text);

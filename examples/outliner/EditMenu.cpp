@@ -58,6 +58,8 @@ void TEditMenu::AddNodes(QMenu* Menu) {
     Child->setShortcuts({tr("Ctrl+Shift+Return"), tr("Ctrl+Shift+Enter")});
     QAction* Edit = Menu->addAction(tr("&Edit Cell"), FEditor, &TOutlineEditor::EditCell);
     Edit->setShortcut(tr("F2"));
+    QAction* All = Menu->addAction(tr("Edit N&odes..."), FEditor, &TOutlineEditor::EditNodes);
+    All->setObjectName("editNodes");
     for (QAction* Action : {FUndo, FRedo, Delete, Edit}) {
         Action->setShortcutContext(Qt::WidgetShortcut);
         FTree->addAction(Action);

@@ -1,9 +1,12 @@
 #include "OutlineEditor.h"
 
 #include "ClipboardText.h"
+#include "OpenBranches.h"
 #include "OutlineTree.h"
 
 #include "../common/OutlineFile.h"
+
+#include "flyedit/FlyEdit.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -115,6 +118,21 @@ void TOutlineEditor::CutOut(const QString& Name) {
     Changed(Name, std::move(Step), Next);
 }
 
+// The dialog gives all nodes back as new ones, with all branches closed.
+void TOutlineEditor::EditNodes() {
+    FTree->HideEditor();
+    const QScopedValueRollback<bool> Working(FWorking, true);
+    TFlyNodes& Nodes = *FTree->GetItems();
+    auto Step = std::make_unique<TReplaceStep>(*FTree);
+    const TOpenBranches Open(Nodes);
+    quill::EditNodes(&Nodes, {}, FTree->window());
+    if (!Step->IsNeeded(*FTree)) return;
+    Open.Restore(Nodes);
+    MakeRoomFor(Nodes);
+    TFlyNode* const First = Nodes.GetFirstNode();
+    Changed(tr("Edit Nodes"), std::move(Step), First ? std::vector{First} : std::vector<TFlyNode*>());
+}
+
 // --- moving --------------------------------------------------------------------------------------------------------
 
 std::vector<TFlyNode*> TOutlineEditor::SelectedBlock() {
@@ -202,28 +220,31 @@ void TOutlineEditor::Paste() {
 void TOutlineEditor::Insert(const QString& Name, TNodesIn In, TNodePlace Place) {
     const QScopedValueRollback<bool> Working(FWorking, true);
     TFlyNodes& New = In.Subtrees->GetNodes();
-    int Columns = 1;
-    for (TFlyNode* Node = New.GetFirstNode(); Node; Node = Node->GetNext()) {
-        Columns = std::max(Columns, std::min(Node->GetCellCount(), MaxPastedColumns));
-    }
     KeepOneChoice(*In.Subtrees, Place.Parent);
     const int OldColumns = FTree->GetColCount();
-    if (Columns > OldColumns) FTree->SetColumns(Columns);
-    const TSaveNodesOptions Fields = FieldsInUse(New);
-    if (Fields.Contains(tsnIncludeImageIndex)) FTree->SetShowImages(true);
-    if (Fields.Contains(tsnIncludeStateIndex)) FTree->SetShowLogic(true);
-
+    MakeRoomFor(New);
     std::vector<TNodePlace> Places(static_cast<std::size_t>(New.GetCount()), Place);
     for (std::size_t Index = 0; Index < Places.size(); ++Index)
         Places[Index].Index += static_cast<int>(Index);
     const std::vector<TFlyNode*> Nodes = In.Subtrees->PutInto(*FTree->GetItems(), Places, false);
-    if (Columns > OldColumns) Q_EMIT columnsChanged();
+    if (FTree->GetColCount() > OldColumns) Q_EMIT columnsChanged();
     if (Place.Parent) Place.Parent->Expand(false);
     Changed(Name, std::make_unique<TContentStep>(Nodes, OldColumns), Nodes);
     if (In.CellsLeftOut > 0) {
         Q_EMIT said(
             tr("%n cell(s) beyond column %1 were left out", nullptr, In.CellsLeftOut).arg(MaxPastedColumns));
     }
+}
+
+void TOutlineEditor::MakeRoomFor(TFlyNodes& Nodes) {
+    int Columns = FTree->GetColCount();
+    for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) {
+        Columns = std::max(Columns, std::min(Node->GetCellCount(), MaxPastedColumns));
+    }
+    FTree->SetColumns(Columns);
+    const TSaveNodesOptions Fields = FieldsInUse(Nodes);
+    if (Fields.Contains(tsnIncludeImageIndex)) FTree->SetShowImages(true);
+    if (Fields.Contains(tsnIncludeStateIndex)) FTree->SetShowLogic(true);
 }
 
 // Among radio buttons of which one is chosen, those that come to them are not.

@@ -24,6 +24,8 @@ public:
     void AddChild();
     // The selected nodes with all that is below them.
     void DeleteSelected();
+    // All nodes in the nodes editor.
+    void EditNodes();
 
     // The selected nodes, which must be siblings side by side: past their neighbour, below the sibling before them,
     // or behind their parent.
@@ -70,6 +72,8 @@ private:
     TNodePlace PlaceBehindCurrent() const;
     void MoveNodes(const std::vector<TFlyNode*>& Roots, const TNodePlace& Place);
     void Insert(const QString& Name, TNodesIn Nodes, TNodePlace Place);
+    // Columns, pictures and marks that these nodes need are shown.
+    void MakeRoomFor(TFlyNodes& Nodes);
     void KeepOneChoice(TSubtrees& Pasted, TFlyNode* Parent);
     void Revert();
     void Changed(const QString& Name, std::unique_ptr<TStructureStep> Step,

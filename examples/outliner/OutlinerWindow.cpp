@@ -3,6 +3,7 @@
 #include "EditMenu.h"
 #include "OutlineEditor.h"
 #include "OutlineTree.h"
+#include "OutlineView.h"
 
 #include "../common/ToolIcons.h"
 #include "../common/TreeStatus.h"
@@ -59,6 +60,8 @@ TOutlinerWindow::TOutlinerWindow() : FTree(new TOutlineTree(this)), FEditor(new 
     DocumentChanged();
     FTree->setFocus();
 }
+
+TOutlinerWindow::~TOutlinerWindow() = default;
 
 // --- menus -------------------------------------------------------------------------------------------------------
 
@@ -198,9 +201,36 @@ bool TOutlinerWindow::MayClose() {
     return Answer == QMessageBox::Discard || (Answer == QMessageBox::Save && Save());
 }
 
-void TOutlinerWindow::closeEvent(QCloseEvent* Event) { Event->setAccepted(MayClose()); }
+void TOutlinerWindow::closeEvent(QCloseEvent* Event) {
+    Event->setAccepted(MayClose());
+    if (Event->isAccepted()) StoreView();
+}
 
 // --- view and state ----------------------------------------------------------------------------------------------
+
+void TOutlinerWindow::KeepView(const std::string& FileName) {
+    FView = std::make_unique<TOutlineView>();
+    FViewFileName = FileName;
+    FView->Take(*FTree);
+    const std::string Fault = FView->Load(FileName);
+    if (!Fault.empty()) {
+        statusBar()->showMessage(tr("The view is not as it was: %1").arg(QString::fromStdString(Fault)),
+                                 MessageTime);
+    }
+    FView->GiveLook(*FTree);
+    FitColumnsWhenShown();
+}
+
+void TOutlinerWindow::StoreView() {
+    if (!FView) return;
+    FView->Take(*FTree);
+    Attempt(tr("Keep the View"), [this] { FView->Save(FViewFileName); });
+}
+
+// As the user left them, if these are the columns that were there.
+void TOutlinerWindow::FitColumns() {
+    if (!FView || !FView->GiveColumns(*FTree)) TProgramWindow::FitColumns();
+}
 
 // What the user looks at stays at the top: each expansion on the way scrolls.
 void TOutlinerWindow::ExpandAll() {

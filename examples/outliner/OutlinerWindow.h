@@ -4,6 +4,7 @@
 #include "../common/OutlineFile.h"
 #include "../common/ProgramWindow.h"
 
+#include <memory>
 #include <string>
 
 class QDockWidget;
@@ -16,6 +17,7 @@ namespace quill::examples {
 
 class TOutlineEditor;
 class TOutlineTree;
+class TOutlineView;
 class TTreeStatus;
 
 class TOutlinerWindow : public TProgramWindow {
@@ -23,6 +25,7 @@ class TOutlinerWindow : public TProgramWindow {
 
 public:
     TOutlinerWindow();
+    ~TOutlinerWindow() override;
 
     TOutlineTree* GetTree() const { return FTree; }
     // Shows a file. Raises EOutlineError and leaves the open outline as it is when the file is not good.
@@ -31,6 +34,9 @@ public:
     void SaveFile(const std::string& FileName) override;
     // Shows an outline without nodes.
     void NewOutline();
+
+    // Gives the tree the view that a file has, and writes it there when the window closes.
+    void KeepView(const std::string& FileName);
 
     void ExpandAll();
     void CollapseAll();
@@ -55,6 +61,8 @@ private:
     bool MayClose();
     void About();
 
+    void FitColumns() override;
+    void StoreView();
     void ViewChanged();
     void SetModified(bool Value);
     void DocumentChanged();
@@ -65,6 +73,8 @@ private:
     TOutlineEditor* FEditor;
     TNVHTMLText* FPreview = nullptr;
     TTreeStatus* FStatus;
+    std::unique_ptr<TOutlineView> FView; // null unless it is kept
+    std::string FViewFileName;
     std::string FFileName; // empty for an outline that has none yet
     TSaveNodesOptions FOptions = DefaultOptions();
     // Nodes are open or closed otherwise than in the file. Said in the status bar, but nothing to ask about.

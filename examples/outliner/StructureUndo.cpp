@@ -1,5 +1,6 @@
 #include "StructureUndo.h"
 
+#include "OpenBranches.h"
 #include "OutlineTree.h"
 
 #include "../common/OutlineFile.h"
@@ -108,6 +109,35 @@ std::vector<TFlyNode*> TOrderStep::Revert(TOutlineTree& Tree) {
     Tree.SetSortDirection(static_cast<TSortDirection>(FSortDirection));
     *this = std::move(Now);
     return Current ? std::vector{Current} : std::vector<TFlyNode*>();
+}
+
+// --- replacement ---------------------------------------------------------------------------------------------------
+
+namespace {
+
+std::string AllNodes(TOutlineTree& Tree) {
+    const TSaveNodesOptions Fields = DefaultOptions() + TSaveNodesOptions{tsnIncludeUniqueTags};
+    return OutlineText(*Tree.GetItems(), Fields - TSaveNodesOptions{tsnIncludeExpands});
+}
+
+} // namespace
+
+TReplaceStep::TReplaceStep(TOutlineTree& Tree) : FNodesText(AllNodes(Tree)), FColumns(Tree.GetColCount()) {}
+
+bool TReplaceStep::IsNeeded(TOutlineTree& Tree) const { return FNodesText != AllNodes(Tree); }
+
+std::vector<TFlyNode*> TReplaceStep::Revert(TOutlineTree& Tree) {
+    const TReplaceStep Now(Tree);
+    TFlyNodes& Nodes = *Tree.GetItems();
+    const TOpenBranches Open(Nodes);
+    TOutline Other;
+    Other.Bytes = std::make_unique<TMemoryStream>(FNodesText);
+    LoadOutline(Other, Nodes);
+    Open.Restore(Nodes);
+    Tree.SetColumns(FColumns);
+    *this = Now;
+    TFlyNode* const First = Nodes.GetFirstNode();
+    return First ? std::vector{First} : std::vector<TFlyNode*>();
 }
 
 // --- the last step -------------------------------------------------------------------------------------------------

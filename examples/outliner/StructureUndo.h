@@ -70,6 +70,20 @@ private:
     int FSortDirection;
 };
 
+// All nodes are those from before a change or those from after it.
+class TReplaceStep : public TStructureStep {
+public:
+    // To be made before the change.
+    explicit TReplaceStep(TOutlineTree& Tree);
+    // Whether the nodes are others now.
+    bool IsNeeded(TOutlineTree& Tree) const;
+    std::vector<TFlyNode*> Revert(TOutlineTree& Tree) override;
+
+private:
+    std::string FNodesText; // of the other state
+    int FColumns;
+};
+
 // Keeps the last step. There is one level: each new change takes the place of the one before.
 class TStructureUndo {
 public:

@@ -1,6 +1,7 @@
 // An outliner: opens, shows and saves outlines in the nodes text format.
 #include "OutlinerWindow.h"
 #include "OutlineTree.h"
+#include "OutlineView.h"
 #include "RoundTrip.h"
 
 #include "../common/Look.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 
 #include <map>
+#include <optional>
 
 using namespace quill;
 using namespace quill::examples;
@@ -24,7 +26,7 @@ struct TArguments {
     TProgramOptions Common;
     std::string File;
     std::vector<std::string> RoundTrip;
-    TOutlineStyle Style = olsStandardTree;
+    std::optional<TOutlineStyle> Style; // as the last time
     bool ExpandAll = false;
     bool Markup = false;
 };
@@ -37,7 +39,7 @@ TArguments ReadArguments() {
         {"file", "Open FILE.", "FILE"},
         {"expand-all", "Open all nodes first."},
         {"markup", "Show texts as markup."},
-        {"outline-style", "Draw the outline as NAME: standard, explorer or solid.", "NAME", "standard"},
+        {"outline-style", "Draw the outline as NAME: standard, explorer or solid.", "NAME"},
         {"roundtrip",
          "Load and save the FILES with all options that keep their fields, compare the bytes, and end."},
     });
@@ -58,6 +60,7 @@ TArguments ReadArguments() {
         Arguments.File = Files.first().toStdString();
     }
 
+    if (!Parser.isSet("outline-style")) return Arguments;
     const std::map<QString, TOutlineStyle> Styles{
         {"standard", olsStandardTree}, {"explorer", olsExplorer}, {"solid", olsExcel}};
     const auto Style = Styles.find(Parser.value("outline-style"));
@@ -81,8 +84,10 @@ int main(int ArgCount, char** Args) {
     if (!Arguments.RoundTrip.empty()) return RoundTrip(Arguments.RoundTrip) ? EXIT_SUCCESS : EXIT_FAILURE;
 
     TOutlinerWindow Window;
-    Window.GetTree()->SetOutlineStyle(Arguments.Style);
-    Window.GetTree()->SetHTMLDrawing(Arguments.Markup);
+    // Work without a user gives the same result for everybody.
+    if (!Arguments.Common.IsBatch()) Window.KeepView(ViewFileName());
+    if (Arguments.Style) Window.GetTree()->SetOutlineStyle(*Arguments.Style);
+    if (Arguments.Markup) Window.GetTree()->SetHTMLDrawing(true);
     return Window.Run(Arguments.Common, QObject::tr("Open an Outline"), [&] {
         if (!Arguments.File.empty()) Window.OpenFile(Arguments.File);
         if (Arguments.ExpandAll) Window.ExpandAll();

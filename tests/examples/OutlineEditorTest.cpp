@@ -7,6 +7,7 @@
 #include "tests/examples/OutlineDump.h"
 #include "tests/support/QtTest.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -14,6 +15,7 @@
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTest>
+#include <QTimer>
 
 using namespace quill;
 using namespace quill::examples;
@@ -215,6 +217,52 @@ TEST_F(OutlineEditor, PastesWhateverIsOnTheClipboard) {
     ExpectNothing();
     PutBytes(NodesMimeType, "SaveOptions:127\r\n\xFF,\0");
     ExpectNothing();
+}
+
+TEST_F(OutlineEditor, EditsAllNodesInTheNodesEditor) {
+    Tree->FullExpand();
+    Node("Read")->Collapse(false);
+    Node("Work")->Collapse(false);
+    Node("Read")->SetExpandedField(true); // open in a closed branch
+    const std::string Before = Saved();
+    // Works with the dialog as a user does, and closes it.
+    const auto Edit = [&](const std::vector<const char*>& Buttons) {
+        QTimer Poll;
+        QObject::connect(&Poll, &QTimer::timeout, [&] {
+            const QWidget* const Dialog = QApplication::activeModalWidget();
+            if (!Dialog) return;
+            Poll.stop();
+            for (const char* Name : Buttons) Dialog->findChild<QAbstractButton*>(Name)->click();
+        });
+        Poll.start(1);
+        Window.findChild<QAction*>("editNodes")->trigger();
+        Window.activateWindow();
+        QApplication::processEvents();
+    };
+    Edit({"OK"});
+    EXPECT_FALSE(Window.isWindowModified());
+    Edit({"AddChild", "Cancel"});
+    EXPECT_EQ(Saved(), Before);
+    EXPECT_EQ(UndoText(), "Undo");
+
+    Edit({"AddChild", "AddCell", "Apply", "OK"});
+    EXPECT_TRUE(Window.isWindowModified());
+    EXPECT_EQ(Dump(), "Work*|mine[Write|long, Read|a, b[Hidden, Shown], New Node], Play[Below]");
+    EXPECT_FALSE(Node("Work")->GetExpanded());
+    EXPECT_TRUE(Node("Read")->GetExpanded());
+    EXPECT_EQ(Tree->GetRowCount(), 4);
+    EXPECT_EQ(Tree->GetNodeCount(), 8);
+    EXPECT_EQ(UndoText(), "Undo Edit Nodes");
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Saved(), Before);
+    EXPECT_EQ(Tree->GetNodeCount(), 7);
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(Tree->GetNodeCount(), 8);
+
+    Edit({"Clear", "OK"});
+    EXPECT_EQ(Dump(), "");
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Tree->GetNodeCount(), 8);
 }
 
 TEST_F(OutlineEditor, KeepsOneChoiceOfAGroupThatIsPastedInto) {

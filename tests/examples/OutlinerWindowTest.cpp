@@ -187,6 +187,57 @@ TEST_F(OutlinerWindow, OpensWithTheColumnsInTheirPlacesAfterTheyWereMoved) {
     }
 }
 
+TEST_F(OutlinerWindow, ComesBackAsTheUserLeftIt) {
+    Folder.Put("cells.nodes", "SaveOptions:8\r\nA,1,x\r\nB,2,y\r\n");
+    Folder.Put("cells.columns", "Name,Count,Kind\r\n");
+    const std::string View = Folder.File("settings/view.form");
+    const auto Widths = [](TOutlinerWindow& Of) {
+        TOutlineTree& Tree = *Of.GetTree();
+        std::string Text;
+        for (int Col = 0; Col + 1 < Tree.GetColCount(); ++Col)
+            Text += Tree.GetEditText(Col, 0) + " " + std::to_string(Tree.GetColWidths(Col)) + ", ";
+        return Text + (Tree.HasOption(goRowSelect) ? "rows, " : "cells, ") +
+               std::to_string(Tree.GetOutlineStyle());
+    };
+    {
+        TOutlinerWindow First;
+        First.KeepView(View);
+        First.resize(700, 300);
+        First.OpenFile(Folder.File("cells.nodes"));
+        First.show();
+        TOutlineTree& Tree = *First.GetTree();
+        Tree.MoveColumn(0, 1);
+        Tree.SetColWidths(0, 111);
+        Tree.SetColWidths(1, 222);
+        Tree.SetSelectsRows(true);
+        Tree.SetOutlineStyle(olsExcel);
+        First.close();
+    }
+    const std::string Expected = "Count 111, Name 222, rows, 2";
+    TOutlinerWindow Second;
+    Second.KeepView(View);
+    Second.resize(700, 300);
+    Second.show();
+    Second.OpenFile(Folder.File("cells.nodes"));
+    EXPECT_EQ(Widths(Second), Expected);
+    // Other columns get widths of their own.
+    Second.OpenFile(Folder.File("tasks.nodes"));
+    EXPECT_EQ(Second.GetTree()->GetEditText(0, 0), "Text");
+
+    // What is wrong in the file is passed over and told; what is no form changes nothing.
+    std::string Text = Folder.Content("settings/view.form");
+    EXPECT_EQ(Text.find("Data"), std::string::npos);
+    Text.replace(Text.find("olsExcel"), 8, "olsSpiral");
+    for (const std::string& File : {Text, Text.substr(0, Text.size() / 2)}) {
+        Folder.Put("broken.form", File);
+        TOutlinerWindow Third;
+        Third.KeepView(Folder.File("broken.form"));
+        EXPECT_EQ(Third.GetTree()->GetOutlineStyle(), olsStandardTree);
+        EXPECT_EQ(Third.GetTree()->HasOption(goRowSelect), File == Text);
+        EXPECT_NE(Third.statusBar()->currentMessage().indexOf("Form, line"), -1);
+    }
+}
+
 TEST_F(OutlinerWindow, ShowsTheTextsOfARowOnOneLine) {
     Folder.Put("lines.nodes", "SaveOptions:8\r\nFirst\r\nH,H,H\r\n");
     Window.OpenFile(Folder.File("lines.nodes"));
