@@ -64,12 +64,21 @@ public:
         return Result + " " + Edit.GetText() + " " + std::to_string(Edit.GetSelStart()) + "-" +
                std::to_string(Edit.GetSelStart() + Edit.GetSelLength());
     }
-    // By the window, as the user does it.
+    // "Down 'abc' Ctrl+Z": keys by their names and text, by the window as the user does it.
+    void Keys(const QString& Script) {
+        for (const QString& Word : Script.split(' ')) {
+            const QKeyCombination Combination = QKeySequence(Word)[0];
+            if (Word.startsWith('\''))
+                Type(Word.mid(1, Word.size() - 2).toUtf8());
+            else
+                Key(Combination.key(), Combination.keyboardModifiers());
+        }
+    }
     void Key(Qt::Key Key, Qt::KeyboardModifiers Modifiers = {}) {
         QTest::keyClick(windowHandle(), Key, Modifiers);
     }
-    void Type(const char* Text) {
-        for (; *Text; ++Text) QTest::keyClick(windowHandle(), *Text);
+    void Type(const QByteArray& Text) {
+        for (const char Letter : Text) QTest::keyClick(windowHandle(), Letter);
     }
     // Backspace opens the editor; the other key comes before it has got the character.
     void TypeAhead(Qt::Key Next, const char* Text) {

@@ -9,16 +9,8 @@ namespace {
 TEST(GridGeometry, CellsHaveTheirRectangles) {
     TTestGrid Grid(400, 300, 10, 100);
     Grid.SetFixedCols(1);
-    struct TCase {
-        const char* What;
-        TGridOptions Without;
-        TGridCoord Origin;
-        TGridRect Cells;
-        const char* Rect;
-    };
     const TGridRect Cell{2, 3, 2, 3};
-    const TCase Cases[] = {
-        {"cells with lines between them", {}, {1, 1}, Cell, "152,75,227,99"},
+    const std::tuple<const char*, TGridOptions, TGridCoord, TGridRect, const char*> Cases[] = {
         {"columns without lines abut", {goVertLine, goFixedVertLine}, {1, 1}, Cell, "150,75,225,99"},
         {"one line option of an axis is enough", {goVertLine}, {1, 1}, Cell, "152,75,227,99"},
         {"rows without lines abut", {goHorzLine, goFixedHorzLine}, {1, 1}, Cell, "152,72,227,96"},
@@ -27,12 +19,10 @@ TEST(GridGeometry, CellsHaveTheirRectangles) {
         {"the empty selection", {}, {1, 1}, {-1, -1, -1, -1}, "0,0,0,0"},
     };
     const TGridOptions Options = Grid.GetOptions();
-    for (const TCase& Case : Cases) {
-        SCOPED_TRACE(Case.What);
-        Grid.SetOptions(Options - Case.Without);
-        Grid.MoveTopLeft(Case.Origin.X, Case.Origin.Y);
-        EXPECT_EQ(Show(Grid.BoxRect(Case.Cells.Left, Case.Cells.Top, Case.Cells.Right, Case.Cells.Bottom)),
-                  Case.Rect);
+    for (const auto& [What, Without, Origin, Cells, Rect] : Cases) {
+        Grid.SetOptions(Options - Without);
+        Grid.MoveTopLeft(Origin.X, Origin.Y);
+        EXPECT_EQ(Show(Grid.BoxRect(Cells.Left, Cells.Top, Cells.Right, Cells.Bottom)), Rect) << What;
     }
 }
 

@@ -28,8 +28,22 @@ void Paint(TTestGrid& Grid) {
     Grid.Invalidate();
     Grid.Update();
 }
-void PressMouse(TTestGrid& Grid) {
-    Grid.Perform(WM_LBUTTONDOWN, TShiftState(ssLeft).Bits(), MakePointParam(170, 60));
+void PressMouse(TTestGrid& Grid) { Grid.Down(170, 60); }
+void OpenEditor(TTestGrid& Grid) {
+    Grid.SetOptions(Grid.GetOptions() + goEditing);
+    for (int I = 0; I < 2; ++I) PressMouse(Grid);
+}
+// With the mouse in the fixed row, by a border or by a cell.
+TAct Drag(int From) {
+    return [=](TTestGrid& Grid) {
+        const TControlGuard Guard(&Grid);
+        Grid.Down(From, 10);
+        for (const int To : {260, 290}) {
+            if (Guard) Grid.Move(To, 10);
+        }
+        if (Guard) Grid.Up(290, 10);
+        EXPECT_TRUE(!Guard || Grid.GetGridState() == gsNormal);
+    };
 }
 TAct PressKey(std::uint16_t Key, TShiftState Shift = {}) {
     return [=](TTestGrid& Grid) { Grid.Press(Key, Shift); };
@@ -50,13 +64,8 @@ const TScene Scenes[] = {
      },
      Paint},
     {"OnDrawCell, mirrored and while scrolling",
-     After(
-         [](TTestGrid& Grid) {
-             Grid.SetBiDiMode(bdRightToLeft);
-             Grid.Update();
-             Grid.Invalidate();
-         },
-         On(&TTestGrid::OnDrawCell)),
+     After([](TTestGrid& Grid) { Grid.SetBiDiMode(bdRightToLeft), Grid.Update(), Grid.Invalidate(); },
+           On(&TTestGrid::OnDrawCell)),
      [](TTestGrid& Grid) {
          const TControlGuard Guard(&Grid);
          Grid.Press(VK_NEXT);
@@ -71,28 +80,22 @@ const TScene Scenes[] = {
     {"OnTopLeftChanged by wheel", On(&TTestGrid::OnTopLeftChanged),
      [](TTestGrid& Grid) { Grid.DoMouseWheelDown({}, {}); }},
     {"OnTopLeftChanged from the timer", After(PressMouse, On(&TTestGrid::OnTopLeftChanged)),
-     [](TTestGrid& Grid) {
-         const TControlGuard Guard(&Grid);
-         Grid.MousePos = {170, 900};
-         for (int I = 0; I < 8 && Guard; ++I) Grid.Perform(WM_TIMER, TCustomExGrid::ScrollTimerID, 0);
-     }},
+     [](TTestGrid& Grid) { Grid.Tick(170, 900, 8); }},
     {"OnAppendRow", After([](TTestGrid& Grid) { Grid.Focus(1, 19); }, On(&TTestGrid::OnAppendRow)),
      PressKey(VK_DOWN)},
     {"OnMouseDown", On(&TTestGrid::OnMouseDown), PressMouse},
     {"OnMouseMove in a drag", After(PressMouse, On(&TTestGrid::OnMouseMove)),
-     [](TTestGrid& Grid) { Grid.Perform(WM_MOUSEMOVE, TShiftState(ssLeft).Bits(), MakePointParam(90, 90)); }},
-    {"OnMouseUp with an editor to open",
-     After(
-         [](TTestGrid& Grid) {
-             Grid.SetOptions(Grid.GetOptions() + goEditing);
-             PressMouse(Grid);
-             PressMouse(Grid);
-         },
-         On(&TTestGrid::OnMouseUp)),
-     [](TTestGrid& Grid) { Grid.Perform(WM_LBUTTONUP, 0, MakePointParam(170, 60)); }},
+     [](TTestGrid& Grid) { Grid.Move(90, 90); }},
+    {"OnMouseUp with an editor to open", After(OpenEditor, On(&TTestGrid::OnMouseUp)),
+     [](TTestGrid& Grid) { Grid.Up(170, 60); }},
     {"OnKeyDown", On(&TTestGrid::OnKeyDown), PressKey(VK_TAB)},
     {"OnColumnWidthChanging", On(&TTestGrid::OnColumnWidthChanging),
      [](TTestGrid& Grid) { Grid.SetColWidths(4, 10); }},
+    {"OnColumnWidthChanging in a drag", On(&TTestGrid::OnColumnWidthChanging), Drag(227)},
+    {"OnColumnWidthChanged in a drag", On(&TTestGrid::OnColumnWidthChanged), Drag(227)},
+    {"OnColumnMoved in a drag", On(&TTestGrid::OnColumnMoved), Drag(170)},
+    {"CheckColumnDrag", [](TTestGrid& Grid, TStrike Strike) { Grid.OnCheck = [=](int&) { Strike(); }; },
+     Drag(170)},
     {"OnRowHeightChanged", On(&TTestGrid::OnRowHeightChanged),
      [](TTestGrid& Grid) { Grid.SetRowHeights(4, 10); }},
     {"OnColumnMoved in a deletion", On(&TTestGrid::OnColumnMoved),
@@ -104,12 +107,9 @@ const struct {
     std::function<void(TTestGrid*)> Do;
 } Deeds[] = {
     {"destroys the grid", [](TTestGrid* Grid) { delete Grid; }},
-    {"shrinks it",
-     [](TTestGrid* Grid) {
-         Grid->SetRowCount(2);
-         Grid->SetColCount(1);
-     }},
+    {"shrinks it", [](TTestGrid* Grid) { Grid->SetRowCount(2), Grid->SetColCount(1); }},
     {"empties it", [](TTestGrid* Grid) { Grid->SetRowCount(0); }},
+    {"cancels drags", [](TTestGrid* Grid) { Grid->CancelDrag(); }},
     {"grows it",
      [](TTestGrid* Grid) {
          Grid->SetRowCount(Grid->GetRowCount() + 7);
@@ -132,6 +132,7 @@ TEST(GridHostile, HandlersMayDestroyAndChangeTheGrid) {
             SCOPED_TRACE(std::string(Scene.What) + " " + Deed.What);
             auto* Grid = new TTestGrid(304, 124, 5, 20);
             Grid->SetScrollBars(ssBoth);
+            Grid->SetOptions(Grid->GetOptions() + TGridOptions{goColSizing, goColMoving});
             Grid->Update();
             int Count = 0;
             const TControlGuard Guard(Grid);

@@ -47,12 +47,16 @@ TEST(GridPainting, RegionsAreDrawnInOrderWithAFillerCellPerRow) {
                             "1,2 76,50,151,74\n2,2 152,50,227,74\n");
     // Columns that end before the right edge are followed by column ColCount.
     Grid.SetClientSize(300, 60);
+    Grid.HasFocus = true;
+    Grid.MoveColRow(2, 2, false, false);
     EXPECT_EQ(Grid.Cells(), "0,0x 0,0,75,24\n"
                             "1,0x 76,0,151,24\n2,0x 152,0,227,24\n3,0x 228,0,528,24\n"
                             "0,1x 0,25,75,49\n0,2x 0,50,75,74\n"
-                            "1,1s 76,25,151,49\n2,1 152,25,227,49\n3,1 228,25,528,49\n"
-                            "1,2 76,50,151,74\n2,2 152,50,227,74\n3,2 228,50,528,74\n");
+                            "1,1s 76,25,151,49\n2,1s 152,25,227,49\n3,1 228,25,528,49\n"
+                            "1,2s 76,50,151,74\n2,2sf 152,50,227,74\n3,2 228,50,528,74\n");
     // Scrolled, without fixed columns and with a hidden one: no call for it and no room, not even for its line.
+    Grid.HasFocus = false;
+    Grid.ClearSelection();
     Grid.SetFixedCols(0);
     Grid.SetColCount(4);
     Grid.SetColWidths(2, 0);
@@ -62,19 +66,6 @@ TEST(GridPainting, RegionsAreDrawnInOrderWithAFillerCellPerRow) {
     // A row can be ended.
     Grid.StopAfter = 1;
     EXPECT_EQ(Grid.Cells(), "1,0x 0,0,75,24\n1,2 0,25,75,49\n");
-}
-
-TEST(GridPainting, StatesFollowSelectionAndFocus) {
-    TNamingGrid Grid(228, 75, 3, 3);
-    Grid.HasFocus = true;
-    Grid.FocusCell(0, 1, true, {}, swNone);
-    Grid.FocusCell(1, 2, false, ssShift, swNone);
-    EXPECT_EQ(Grid.Cells(), "0,0x 0,0,75,24\n1,0x 76,0,151,24\n2,0x 152,0,227,24\n"
-                            "0,1s 0,25,75,49\n1,1s 76,25,151,49\n2,1 152,25,227,49\n"
-                            "0,2s 0,50,75,74\n1,2sf 76,50,151,74\n2,2 152,50,227,74\n");
-    Grid.HasFocus = false;
-    Grid.ClearSelection();
-    EXPECT_EQ(Grid.Cells().find_first_of("sf"), std::string::npos);
 }
 
 TEST(GridPainting, CellsOutsideTheClipAreOfferedWithTheLastState) {
@@ -95,31 +86,36 @@ TEST(GridPainting, CellsOutsideTheClipAreOfferedWithTheLastState) {
 TEST(GridPainting, LinesHaveTheirColours) {
     TNamingGrid Grid(151, 50, 2, 2);
     Grid.SetFixedCols(1);
-    const auto Lines = [&](TGridOptions Options, int Width, bool Buttons) {
-        Grid.SetOptions(Options);
+    const TGridOptions All{goFixedVertLine, goFixedHorzLine, goVertLine, goHorzLine};
+    // Horizontal and vertical line of a fixed cell, then of a scrollable one. Thick lines take both colours from the
+    // horizontal one.
+    const std::tuple<TGridOptions, int, bool, const char*> Cases[] = {
+        {{}, 1, true, "clBlack clBlack clSilver clSilver "},
+        {{}, 1, false, "clSilver clSilver clSilver clSilver "},
+        {goVertLine, 1, true, "clBlack clBlack clSilver clWindow "},
+        {goFixedHorzLine, 1, true, "clWindow clBlack clSilver clSilver "},
+        {goHorzLine, 1, false, "clWindow clSilver clWindow clSilver "},
+        {goVertLine, 3, true, "clBlack clBlack clSilver clSilver "},
+        {goHorzLine, 3, true, "clBlack clBlack clWindow clWindow "},
+    };
+    for (const auto& [Without, Width, Buttons, Expected] : Cases) {
+        Grid.SetOptions(All - Without);
         Grid.SetGridLineWidth(Width);
         Grid.SetFixedColAsButton(Buttons);
         Grid.SetFixedRowAsButton(Buttons);
-        // Only the two cells of the second row: a fixed and a scrollable one.
         std::istringstream Log(Grid.Log("Line"));
-        std::vector<std::string> All;
-        for (std::string Line; std::getline(Log, Line);) All.push_back(Line.substr(Line.rfind(')') + 2));
-        std::string Result;
-        for (std::size_t I = All.size() - 4; I < All.size(); ++I) Result += All[I] + "; ";
-        return Result;
-    };
-    const TGridOptions All{goFixedVertLine, goFixedHorzLine, goVertLine, goHorzLine};
-    // Horizontal and vertical line of the fixed cell, then of the scrollable one.
-    EXPECT_EQ(Lines(All, 1, true), "clBlack; clBlack; clSilver; clSilver; ");
-    EXPECT_EQ(Lines(All, 1, false), "clSilver; clSilver; clSilver; clSilver; ");
-    EXPECT_EQ(Lines(All - goVertLine, 1, true), "clBlack; clBlack; clSilver; clWindow; ");
-    EXPECT_EQ(Lines(All - goFixedHorzLine, 1, true), "clWindow; clBlack; clSilver; clSilver; ");
-    EXPECT_EQ(Lines(All - goHorzLine, 1, false), "clWindow; clSilver; clWindow; clSilver; ");
-    // Thick lines take both colours from the horizontal one.
-    EXPECT_EQ(Lines(All - goVertLine, 3, true),
-              "clBlack width 3; clBlack width 3; clSilver width 3; clSilver width 3; ");
-    EXPECT_EQ(Lines(All - goHorzLine, 3, true),
-              "clBlack width 3; clBlack width 3; clWindow width 3; clWindow width 3; ");
+        std::string Colours[8]; // those of the second row come last
+        for (std::string Line; std::getline(Log, Line);) {
+            std::shift_left(Colours, Colours + 8, 1);
+            Colours[7] = Line.substr(Line.rfind(')') + 2);
+        }
+        std::string Seen;
+        for (int I = 4; I < 8; ++I) {
+            Seen += Colours[I].substr(0, Colours[I].find(' ')) + " ";
+            EXPECT_EQ(Colours[I].ends_with(" width 3"), Width == 3) << Colours[I];
+        }
+        EXPECT_EQ(Seen, Expected) << Without.Bits() << " " << Width << Buttons;
+    }
 }
 
 TEST(GridPainting, TheFocusFrameSurroundsASelectionOfRows) {
@@ -150,13 +146,12 @@ TEST(GridPainting, TheAreaBelowTheRowsIsFilledAndAnEmptyGridHasOnlyThat) {
     } Grid(300, 200, 3, 3);
     Grid.Fills.clear();
     Grid.Cells();
-    EXPECT_EQ(Grid.Fills, "0,75,300,200;");
+    EXPECT_EQ(std::exchange(Grid.Fills, {}), "0,75,300,200;");
     Grid.SetRowCount(1);
     Grid.Update();
     Grid.Fills.clear();
     EXPECT_EQ(Grid.Cells(), "0,0xs 0,0,75,24\n1,0x 76,0,151,24\n2,0x 152,0,227,24\n3,0x 228,0,528,24\n");
-    EXPECT_EQ(Grid.Fills, "0,25,300,200;");
-    Grid.Fills.clear();
+    EXPECT_EQ(std::exchange(Grid.Fills, {}), "0,25,300,200;");
     TRecordingCanvas Canvas(300, 200);
     Grid.DrawOn(Canvas, false);
     EXPECT_EQ(Grid.Fills + Canvas.GetLog(), "");
@@ -166,9 +161,7 @@ TEST(GridPainting, HandlersDrawUnmirrored) {
     TTestGrid Grid(228, 50, 3, 2);
     Grid.SetBiDiMode(bdRightToLeft);
     std::string Cells;
-    Grid.OnDrawCell = [&](TObject* Sender, TCanvas& Canvas, int Col, int Row, TRect R,
-                          TExGridDrawState State) {
-        EXPECT_EQ(Sender, &Grid);
+    Grid.OnDrawCell = [&](TObject*, TCanvas& Canvas, int Col, int Row, TRect R, TExGridDrawState State) {
         EXPECT_EQ(Canvas.GetCanvasOrientation(), coLeftToRight);
         Cells += Show(TGridCoord{Col, Row}) + Show(State) + " " + Show(R) + "\n";
     };
@@ -215,10 +208,8 @@ TEST(GridPainting, DragPicturesAreBlendedWhereThatIsPossible) {
     Picture.GetBrush()->SetColor(clBlack);
     Picture.FillRect({0, 0, 20, 20});
     Grid.DrawDragImg(10, 10, 20, 20, Picture, true);
-    const TColor Blended = Grid.GetCanvas()->GetPixel(15, 15) & 0xFF;
-    EXPECT_NEAR(static_cast<double>(Blended), 255.0 * (255 - 160) / 255, 2);
-    const TAlphaBlendFunc Old = AlphaBlend;
-    AlphaBlend = nullptr;
+    EXPECT_NEAR(Grid.GetCanvas()->GetPixel(15, 15) & 0xFF, 255 - 160, 2);
+    const TAlphaBlendFunc Old = std::exchange(AlphaBlend, nullptr);
     Grid.DrawDragImg(40, 10, 20, 20, Picture, true);
     AlphaBlend = Old;
     EXPECT_EQ(Grid.GetCanvas()->GetPixel(45, 15), clBlack);
@@ -262,23 +253,18 @@ TEST(GridPainting, RequestsToPaintCoverTheirCells) {
 
 TEST(GridPainting, OnlyCellsThatChangeTheirSelectionAreRequested) {
     TTestGrid Grid(400, 300, 5, 10);
-    struct TCase {
-        TGridRect Old;
-        TGridRect New;
-        const char* Invalid;
-    };
-    const TCase Cases[] = {
+    const std::tuple<TGridRect, TGridRect, const char*> Cases[] = {
         {{1, 2, 2, 3}, {1, 2, 2, 5}, "76,100,228,150"}, // two rows more
         {{1, 2, 2, 3}, {0, 2, 2, 3}, "0,50,76,100"},       {{1, 2, 2, 3}, {1, 2, 2, 3}, "none"},
         {{-1, -1, -1, -1}, {1, 2, 2, 3}, "76,50,228,100"}, {{0, 1, 0, 1}, {2, 3, 2, 3}, "0,25,228,100"},
     };
-    for (const TCase& Case : Cases) {
-        Grid.MoveColRow(Case.New.Left, Case.New.Top, true, false);
-        Grid.MoveAnchor({Case.New.Left, Case.New.Top});
-        Grid.MoveColRow(Case.New.Right, Case.New.Bottom, false, false);
+    for (const auto& [Old, New, Invalid] : Cases) {
+        Grid.MoveColRow(New.Left, New.Top, true, false);
+        Grid.MoveAnchor({New.Left, New.Top});
+        Grid.MoveColRow(New.Right, New.Bottom, false, false);
         Grid.Update();
-        Grid.SelectionMoved(Case.Old);
-        EXPECT_EQ(Grid.Invalid(), Case.Invalid) << Show(Case.Old) << " to " << Show(Case.New);
+        Grid.SelectionMoved(Old);
+        EXPECT_EQ(Grid.Invalid(), Invalid) << Show(Old) << " to " << Show(New);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 
 namespace quill::testing {
@@ -71,6 +72,13 @@ public:
         ACanvas.DrawEdge(Rect, Clicked ? BDR_SUNKENINNER : BDR_RAISEDINNER, BF_RECT);
     }
 
+    std::function<void(int&)> OnCheck; // asked for each destination of a dragged column
+    bool CheckColumnDrag(int& Origin, int& Destination, const TPoint& Pos) override {
+        if (!OnCheck) return TCustomExGrid::CheckColumnDrag(Origin, Destination, Pos);
+        const auto Copy = OnCheck; // which may destroy the grid
+        Copy(Destination);
+        return true;
+    }
     TPoint MousePos;
     TPoint GetMouseClientPos() const override { return MousePos; }
 
@@ -80,6 +88,21 @@ public:
                Show(TGridCoord{GetLeftCol(), GetTopRow()});
     }
     void Press(std::uint16_t Key, TShiftState Shift = {}) { KeyDown(Key, Shift); }
+    void Escape() { Perform(WM_KEYDOWN, VK_ESCAPE, 0); }
+    // Mouse messages as the window system sends them.
+    void Send(unsigned Msg, int X, int Y, TShiftState Shift = ssLeft) {
+        Perform(Msg, Shift.Bits(), MakePointParam(X, Y));
+    }
+    void Down(int X, int Y, TShiftState Shift = {}) { Send(WM_LBUTTONDOWN, X, Y, Shift + ssLeft); }
+    void Move(int X, int Y, TShiftState Shift = ssLeft) { Send(WM_MOUSEMOVE, X, Y, Shift); }
+    void Up(int X, int Y, TShiftState Shift = {}) { Send(WM_LBUTTONUP, X, Y, Shift); }
+    void Drag(int X, int Y, int ToX, int ToY) { Down(X, Y), Move(ToX, ToY), Up(ToX, ToY); }
+    // The timer that scrolls, with the mouse there.
+    void Tick(int X, int Y, int Count = 1) {
+        MousePos = {X, Y};
+        for (const TControlGuard Guard(this); Guard && Count > 0; --Count)
+            Perform(WM_TIMER, ScrollTimerID, 0);
+    }
     void SetSize(int AWidth, int AHeight) { SetBounds(0, 0, std::max(1, AWidth), std::max(1, AHeight)); }
     void Focus(int Col, int Row) { FocusCell(Col, Row, true, {}, swNone); }
     // The bounds of what waits to be painted.
