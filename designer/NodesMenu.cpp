@@ -34,10 +34,11 @@ void TNodesMenu::EditNodesOfTree() {
     for (std::size_t Index = 0; Index < Changed.size(); ++Index)
         Before[Index] = FTree->property(Changed[Index]);
     const QPointer<TNodesMenu> Self(this);
+    const QPointer<QWidget> Window(FTree->window());
     try {
-        EditNodes(FTree->GetItems(), {}, FTree->window());
+        EditNodes(FTree->GetItems(), {}, Window);
     } catch (const Exception& Error) {
-        QMessageBox::warning(FTree->window(), tr("Nodes"), QString::fromStdString(Error.GetMessage()));
+        QMessageBox::warning(Window, tr("Nodes"), QString::fromStdString(Error.GetMessage()));
     }
     if (!Self || !FTree) return;
     std::array<QVariant, Changed.size()> After;
