@@ -17,7 +17,9 @@ bool IsNumeric(const QString& Text) {
 
 void TNumberEdit::keyPressEvent(QKeyEvent* Event) {
     const QString Text = Event->text();
-    const bool Shortcut = Event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    // With Alt alone a key that is no accelerator would be typed all the same.
+    const Qt::KeyboardModifiers Modifiers = Event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+    const bool Shortcut = Modifiers == Qt::ControlModifier || Modifiers == Qt::MetaModifier;
     const bool Types = !Shortcut && !Text.isEmpty() && Text.front().isPrint();
     if (Types || Event->key() == Qt::Key_Backspace) Q_EMIT keyTyped();
     if (Types && !IsNumeric(Text)) {
