@@ -1,6 +1,10 @@
 #include "flyedit/EditorTree.h"
 
+#include "flyedit/HourGlass.h"
 #include "host/windows/Keys.h"
+
+#include <QContextMenuEvent>
+#include <QWidget>
 
 #include <algorithm>
 #include <string>
@@ -53,6 +57,18 @@ void TEditorTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {
     }
 }
 
+void TEditorTree::contextMenuEvent(QContextMenuEvent* Event) {
+    Event->accept();
+    QPoint Place = Event->globalPos();
+    if (Event->reason() == QContextMenuEvent::Keyboard && GetSelection()) {
+        // Below what it is called for, not in the middle of the tree.
+        const TRect Cell = CellRect(GetCol(), GetRow());
+        const QPoint Below(layoutDirection() == Qt::RightToLeft ? Cell.Right : Cell.Left, Cell.Bottom);
+        if (viewport()->rect().contains(Below)) Place = viewport()->mapToGlobal(Below);
+    }
+    Q_EMIT menuRequested(Place);
+}
+
 void TEditorTree::FocusCell(int ACol, int ARow, bool MoveAnchor, TShiftState Shift, TSelectionWay Way) {
     const TControlGuard Guard(this);
     TQuillTree::FocusCell(ACol, ARow, MoveAnchor, Shift, Way);
@@ -96,6 +112,7 @@ void TEditorTree::ColumnMoved(int FromIndex, int ToIndex) {
 }
 
 void TEditorTree::MoveCells(int From, int To) {
+    const THourGlass Wait;
     std::vector<std::string_view> Cells;
     std::vector<std::string> Texts;
     for (TFlyNode* Node = GetItems()->FirstExisting(); Node; Node = Node->GetNextExisting()) {

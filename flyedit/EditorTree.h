@@ -36,6 +36,11 @@ Q_SIGNALS:
     void addPressed();
     void addChildPressed();
     void deletePressed();
+    // Where on the screen the menu is to open.
+    void menuRequested(QPoint Place);
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* Event) override;
 
 private:
     void MoveCells(int From, int To);

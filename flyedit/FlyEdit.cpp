@@ -103,7 +103,7 @@ void TFlyEditor::Edit(TFlyNodes* Nodes, TModifiedProc ModifiedProc,
     if (FSection) TakeSection();
     FAligns->setVisible(FSection.has_value());
     FStructureCol = FTree->GetStructureCol();
-    if (TFlyNode* const First = FTree->GetItems()->GetFirstNode()) FTree->SetSelection(First);
+    SelectFirstRow();
     FReady = true;
     FModified = false;
     FillControls();
@@ -157,10 +157,12 @@ void TFlyEditor::Store() {
     if (Self && FNodes) CopyDefaults(*FTree->GetItems(), *FNodes);
 }
 
-void TFlyEditor::accept() {
+void TFlyEditor::done(int Result) {
+    if (Result == Accepted) FTree->HideEditor(); // stores what was typed
     const QPointer<TFlyEditor> Self(this);
-    FTree->HideEditor(); // stores what was typed
-    if (Self) QDialog::accept();
+    const bool Open = isVisible();
+    while (Self && FUntold > 0) TellUntold();
+    if (Self && isVisible() == Open) QDialog::done(Result);
 }
 
 void TFlyEditor::Apply() {
@@ -190,9 +192,16 @@ void TFlyEditor::TellModified() {
     if (Proc) Proc();
 }
 
-void TFlyEditor::ModifiedByField() {
+void TFlyEditor::ModifiedSoon() {
     SetModified();
-    QMetaObject::invokeMethod(this, &TFlyEditor::TellModified, Qt::QueuedConnection);
+    ++FUntold;
+    QMetaObject::invokeMethod(this, &TFlyEditor::TellUntold, Qt::QueuedConnection);
+}
+
+void TFlyEditor::TellUntold() {
+    if (FUntold == 0) return;
+    --FUntold;
+    TellModified();
 }
 
 // --- nodes --------------------------------------------------------------------------------------------------------
@@ -202,6 +211,10 @@ TFlyNode* TFlyEditor::GetSelectedNode() const { return FTree->GetSelection(); }
 void TFlyEditor::SelectNode(TFlyNode* Node) {
     if (Node) FTree->SetSelection(Node);
     FillControls();
+}
+
+void TFlyEditor::SelectFirstRow() {
+    if (TFlyNode* const First = FTree->GetNodeAtRow(FTree->GetFixedRows())) FTree->SetSelection(First);
 }
 
 void TFlyEditor::AddNode() {
@@ -223,7 +236,8 @@ void TFlyEditor::DeleteNode() {
     TFlyNode* const Node = GetSelectedNode();
     if (!Node) return;
     // So that keys go on at this place: the node that comes next, or else before.
-    const TNodeWatch Next(Node->GetNextSibling() ? Node->GetNextSibling() : FTree->GetPrevVisible(Node));
+    TFlyNode* Sibling = Node->GetNextVisibleSibling();
+    const TNodeWatch Next(Sibling ? Sibling : FTree->GetPrevVisible(Node));
     Node->Delete();
     SelectNode(Next);
     Modified();
@@ -273,7 +287,7 @@ void TFlyEditor::Enumerate(bool ImageIndexes, bool SelectedIndexes) {
         }
     }
     FillControls();
-    Modified();
+    ModifiedSoon(); // comes from the menu
 }
 
 // --- the fields of a node -----------------------------------------------------------------------------------------
@@ -309,10 +323,11 @@ void TFlyEditor::ApplyFields() {
         for (TFlyNode* Node : Nodes) {
             Node->SetImageIndex(ImageIndex);
             Node->SetSelectedIndex(SelectedIndex);
-            Node->SetStateIndex(StateIndex);
+            // A state that is not in the list stays.
+            if (StateIndex >= 0) Node->SetStateIndex(StateIndex);
         }
     }
-    ModifiedByField();
+    ModifiedSoon();
 }
 
 void TFlyEditor::SetDefaults() {
@@ -332,7 +347,7 @@ void TFlyEditor::ApplyAlign(int Code) {
     FSection->Aligns->Put(Col, IntToStr(Code));
     FTree->SetColAlignMent(Col, static_cast<TAlignment>(Code));
     FTree->Invalidate();
-    ModifiedByField();
+    ModifiedSoon();
 }
 
 void TFlyEditor::ColumnMoved(int From, int To) {
@@ -357,12 +372,20 @@ void TFlyEditor::ColumnSized(int Col, int Width) {
 
 // --- files --------------------------------------------------------------------------------------------------------
 
+void TFlyEditor::Tell(const QString& Message) {
+    // On the heap, as the editor may go while it is open, and takes it along.
+    auto* const Box = new QMessageBox(QMessageBox::Warning, windowTitle(), Message, QMessageBox::Ok, this);
+    Box->setTextFormat(Qt::PlainText);
+    Box->setAttribute(Qt::WA_DeleteOnClose);
+    Box->exec();
+}
+
 bool TFlyEditor::Attempt(const std::function<void()>& Work) {
     try {
         Work();
         return true;
     } catch (const Exception& Error) {
-        QMessageBox::warning(this, windowTitle(), QString::fromStdString(Error.GetMessage()));
+        Tell(QString::fromStdString(Error.GetMessage()));
         return false;
     }
 }
@@ -404,8 +427,7 @@ void TFlyEditor::LoadFrom(const QString& FileName) {
         FTree->GetItems()->LoadFromFile(Name);
     });
     if (!Self) return;
-    if (TFlyNode* const First = FTree->GetItems()->GetFirstNode(); First && Loaded)
-        FTree->SetSelection(First);
+    if (Loaded) SelectFirstRow();
     FillControls();
     if (Loaded) Modified();
 }

@@ -7,6 +7,7 @@
 
 #include <QDialog>
 #include <QPointer>
+#include <QSize>
 
 #include <functional>
 #include <optional>
@@ -86,9 +87,10 @@ public:
     void LoadFrom(const QString& FileName);
     void SaveTo(const QString& FileName);
 
-    void accept() override;
+    void done(int Result) override;
 
 protected:
+    bool event(QEvent* Event) override;
     void changeEvent(QEvent* Event) override;
     void showEvent(QShowEvent* Event) override;
 
@@ -98,18 +100,21 @@ private:
     QLayout* MakeNodeFields();
     QGroupBox* MakeAligns();
     QLayout* MakeEditButtons();
-    QLayout* MakeDialogButtons();
+    QLayout* MakeSideButtons();
     void MakeTreeMenu();
     QPushButton* MakeButton(const QString& Caption, void (TFlyEditor::*Handler)());
     void SetTabOrder();
     void ScaleToFont();
+    void FitToContents();
 
     void TakeColumnsOf(TCustomQuillTree& Tree);
     void TakeSection();
     void SetModified();
     void TellModified();
-    // Tells the caller once the field that changed has finished its own work, which would not survive its end.
-    void ModifiedByField();
+    // Tells the caller once the field, editor or menu at work has finished, which would not survive the end of the
+    // dialog; at the latest when the dialog closes.
+    void ModifiedSoon();
+    void TellUntold();
     // Shows the selected node in the controls.
     void FillControls();
     void FillAligns();
@@ -119,10 +124,12 @@ private:
     void ColumnSized(int Col, int Width);
     void AskLoad();
     void AskSave();
+    void Tell(const QString& Message);
     // Runs Work and tells the user about an exception; False then.
     bool Attempt(const std::function<void()>& Work);
     TFlyNode* GetSelectedNode() const;
     void SelectNode(TFlyNode* Node);
+    void SelectFirstRow();
 
     TEditorTree* FTree = nullptr;
     QLineEdit* FImageText = nullptr;
@@ -142,6 +149,8 @@ private:
     bool FFilling = false; // controls change because a node is shown in them
     bool FReady = false;
     bool FModified = false;
+    int FUntold = 0; // changes that the caller has yet to be told of
+    QSize FLeastSize;
 };
 
 } // namespace quill

@@ -34,9 +34,14 @@ const char* const AlignNames[] = {"Left", "Right", "Center"};
 
 // Sizes are meant for a font of so many pixels and grow with it.
 constexpr int NominalFontSize = 12;
-constexpr int ColumnWidth = 485;
-constexpr int MinTreeHeight = 319;
+constexpr QSize ClientSize{576, 319};
+constexpr QSize LeastTreeSize{300, 150};
+constexpr int ColumnWidth = 485; // at first; then the column is as wide as the tree
 constexpr int RowPadding = 6;
+constexpr int Margin = 8;
+constexpr int Spacing = 6;
+constexpr int LineSpacing = 4;    // between controls one above the other
+constexpr int ButtonPadding = 16; // beside a caption, both sides together
 
 } // namespace
 
@@ -44,28 +49,17 @@ TFlyEditor::TFlyEditor(QWidget* Parent) : QDialog(Parent) {
     setObjectName("FlyEditor");
     setWindowTitle("FlyNodes Editor");
     MakeTree();
-    auto* Side = new QVBoxLayout;
-    Side->addLayout(MakeDialogButtons());
-    Side->addStretch();
-    Side->addLayout(MakeNodeFields());
     FAligns = MakeAligns();
-    Side->addWidget(FAligns);
-    Side->addStretch();
-    auto* SetDefaultsButton = MakeButton("Set as Default Values", &TFlyEditor::SetDefaults);
-    SetDefaultsButton->setToolTip("Current values will be used as default values");
-    Side->addWidget(SetDefaultsButton);
-    Side->addSpacing(Side->spacing() + 4);
-    Side->addWidget(MakeButton("Load Nodes", &TFlyEditor::AskLoad));
-    Side->addWidget(MakeButton("Save Nodes", &TFlyEditor::AskSave));
-
-    auto* Middle = new QHBoxLayout;
-    Middle->addWidget(FTree, 1);
-    Middle->addLayout(Side);
-    auto* Form = new QVBoxLayout(this);
-    Form->addLayout(Middle, 1);
-    Form->addLayout(MakeEditButtons());
-    // Fixed, at the size that its contents need.
-    Form->setSizeConstraint(QLayout::SetFixedSize);
+    auto* Grid = new QGridLayout(this);
+    Grid->setContentsMargins(Margin, Spacing, Margin, Spacing);
+    Grid->setHorizontalSpacing(Spacing);
+    Grid->setVerticalSpacing(Spacing);
+    Grid->addWidget(FTree, 0, 0);
+    Grid->addLayout(MakeNodeFields(), 1, 0);
+    Grid->addLayout(MakeSideButtons(), 0, 1, 2, 1);
+    Grid->addLayout(MakeEditButtons(), 2, 0, 1, 2);
+    Grid->setColumnStretch(0, 1);
+    Grid->setRowStretch(0, 1);
     SetTabOrder();
     ScaleToFont();
 }
@@ -87,7 +81,7 @@ void TFlyEditor::MakeTree() {
     connect(FTree, &TEditorTree::nodesModified, this, [this] {
         if (FFilling || !FReady) return;
         FillControls();
-        Modified();
+        ModifiedSoon(); // some came from an editor that lost the focus
     });
     connect(FTree, &TEditorTree::columnMoved, this, &TFlyEditor::ColumnMoved);
     connect(FTree, &TEditorTree::columnSized, this, &TFlyEditor::ColumnSized);
@@ -107,9 +101,7 @@ void TFlyEditor::MakeTreeMenu() {
     Add("Enumerate ImageIndexes", true, false);
     Add("Enumerate &SelectedIndexes", false, true);
     Add("Enumerate &Both", true, true);
-    FTree->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(FTree, &QWidget::customContextMenuRequested, Menu,
-            [this, Menu](QPoint Pos) { Menu->popup(FTree->viewport()->mapToGlobal(Pos)); });
+    connect(FTree, &TEditorTree::menuRequested, Menu, [Menu](QPoint Place) { Menu->popup(Place); });
 }
 
 QLayout* TFlyEditor::MakeNodeFields() {
@@ -129,20 +121,26 @@ QLayout* TFlyEditor::MakeNodeFields() {
     FUniqueTag = new QLabel(this);
     FUniqueTag->setObjectName("UniqueTag");
     FUniqueTag->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    FUniqueTag->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // no number moves the others
 
+    // Two by two, under the tree.
     auto* Fields = new QGridLayout;
-    int Row = 0;
-    const auto AddField = [this, Fields, &Row](const QString& Caption, QWidget* Field) {
+    Fields->setHorizontalSpacing(Spacing);
+    Fields->setVerticalSpacing(LineSpacing);
+    int Place = 0;
+    const auto AddField = [this, Fields, &Place](const QString& Caption, QWidget* Field) {
         auto* Label = new QLabel(Caption, this);
         Label->setBuddy(Field);
-        Fields->addWidget(Label, Row, 0);
-        Fields->addWidget(Field, Row++, 1);
+        Fields->addWidget(Label, Place / 2, Place % 2 * 2);
+        Fields->addWidget(Field, Place / 2, Place % 2 * 2 + 1);
+        ++Place;
     };
     AddField("&ImageIndex:", FImageText);
     AddField("&StateIndex:", FStateText);
     AddField("S&electedIndex:", FSelectedText);
-    Fields->addWidget(new QLabel("UniqueTag:", this), Row, 0);
-    Fields->addWidget(FUniqueTag, Row, 1);
+    AddField("UniqueTag:", FUniqueTag);
+    Fields->setColumnStretch(1, 2);
+    Fields->setColumnStretch(3, 3);
 
     for (TNumberEdit* Edit : {ImageText, SelectedText}) {
         connect(Edit, &TNumberEdit::keyTyped, this, [this] { FApply->setEnabled(true); });
@@ -156,6 +154,8 @@ QGroupBox* TFlyEditor::MakeAligns() {
     auto* Box = new QGroupBox("Alignment", this);
     Box->setObjectName("Aligns");
     auto* Column = new QVBoxLayout(Box);
+    Column->setContentsMargins(Spacing, 0, Spacing, LineSpacing);
+    Column->setSpacing(0);
     FAlignButtons = new QButtonGroup(Box);
     for (int Code = 0; Code < static_cast<int>(std::size(AlignNames)); ++Code) {
         auto* Button = new QRadioButton(AlignNames[Code], Box);
@@ -170,15 +170,28 @@ QGroupBox* TFlyEditor::MakeAligns() {
     return Box;
 }
 
-QLayout* TFlyEditor::MakeDialogButtons() {
-    auto* Buttons = new QVBoxLayout;
-    FOk = MakeButton("OK", &TFlyEditor::accept);
-    FCancel = MakeButton("Cancel", &TFlyEditor::reject);
-    FApply = MakeButton("Apply", &TFlyEditor::Apply);
+QLayout* TFlyEditor::MakeSideButtons() {
+    auto* Side = new QVBoxLayout;
+    Side->setSpacing(LineSpacing);
+    const auto Add = [this, Side](const QString& Caption, void (TFlyEditor::*Handler)()) {
+        QPushButton* const Button = MakeButton(Caption, Handler);
+        Side->addWidget(Button);
+        return Button;
+    };
+    FOk = Add("OK", &TFlyEditor::accept);
+    FCancel = Add("Cancel", &TFlyEditor::reject);
+    Side->addStretch(1);
+    Add("Set as Default Values", &TFlyEditor::SetDefaults)
+        ->setToolTip("Current values will be used as default values");
+    FApply = Add("Apply", &TFlyEditor::Apply);
+    Side->addStretch(1);
+    Side->addWidget(FAligns);
+    Side->addStretch(1);
+    Add("Load Nodes", &TFlyEditor::AskLoad);
+    Add("Save Nodes", &TFlyEditor::AskSave);
     FOk->setDefault(true);
     FApply->setEnabled(false);
-    for (QPushButton* Button : {FOk, FCancel, FApply}) Buttons->addWidget(Button);
-    return Buttons;
+    return Side;
 }
 
 QLayout* TFlyEditor::MakeEditButtons() {
@@ -204,10 +217,10 @@ void TFlyEditor::SetTabOrder() {
         setTabOrder(Last, Widget);
         Last = Widget;
     };
-    for (const char* Name :
-         {"ImageText",  "StateText", "SelectedText", "Left",  "Right",  "Center",   "SetasDefaultValues",
-          "Add",        "AddChild",  "Delete",       "Clear", "MoveUp", "MoveDown", "AddCell",
-          "ClearCells", "LoadNodes", "SaveNodes",    "OK",    "Cancel", "Apply"}) {
+    const QString Names =
+        "ImageText StateText SelectedText Add AddChild Delete Clear MoveUp MoveDown AddCell "
+        "ClearCells OK Cancel SetasDefaultValues Apply Left Right Center LoadNodes SaveNodes";
+    for (const QString& Name : Names.split(' ')) {
         Next(Name);
     }
 }
@@ -219,17 +232,34 @@ void TFlyEditor::ScaleToFont() {
     const auto Scaled = [FontSize](int Length) { return Length * FontSize / NominalFontSize; };
     FTree->SetDefaultRowHeight(fontMetrics().height() + RowPadding);
     if (!FReady) FTree->SetColWidths(0, Scaled(ColumnWidth));
-    FTree->setMinimumSize(Scaled(ColumnWidth) + 2 * FTree->frameWidth(), Scaled(MinTreeHeight));
+    FTree->setMinimumSize(Scaled(LeastTreeSize.width()), Scaled(LeastTreeSize.height()));
+    // Styles make short captions wide buttons, which would not fit beside each other.
+    for (QPushButton* Button : findChildren<QPushButton*>()) {
+        const int Text = Button->fontMetrics().size(Qt::TextShowMnemonic, Button->text()).width();
+        Button->setMinimumWidth(Text + Scaled(ButtonPadding));
+    }
+    FLeastSize = {Scaled(ClientSize.width()), Scaled(ClientSize.height())};
+    FitToContents();
+}
+
+void TFlyEditor::FitToContents() { setFixedSize(FLeastSize.expandedTo(layout()->totalMinimumSize())); }
+
+bool TFlyEditor::event(QEvent* Event) {
+    const bool Result = QDialog::event(Event);
+    if (Event->type() == QEvent::LayoutRequest) FitToContents();
+    return Result;
 }
 
 void TFlyEditor::changeEvent(QEvent* Event) {
     QDialog::changeEvent(Event);
-    if (FTree && (Event->type() == QEvent::FontChange || Event->type() == QEvent::StyleChange)) ScaleToFont();
+    if (layout() && (Event->type() == QEvent::FontChange || Event->type() == QEvent::StyleChange))
+        ScaleToFont();
 }
 
 void TFlyEditor::showEvent(QShowEvent* Event) {
     QDialog::showEvent(Event);
     if (Event->spontaneous()) return;
+    FitToContents();
     const QRect Place = screen()->availableGeometry();
     move(Place.center() - rect().center());
 }
