@@ -4,6 +4,7 @@
 #include "GridTestSupport.h"
 
 #include "exgrid/InplaceEdit.h"
+#include "tests/support/Keys.h"
 #include "tests/support/QtTest.h"
 
 #include <QApplication>
@@ -64,22 +65,11 @@ public:
         return Result + " " + Edit.GetText() + " " + std::to_string(Edit.GetSelStart()) + "-" +
                std::to_string(Edit.GetSelStart() + Edit.GetSelLength());
     }
-    // "Down 'abc' Ctrl+Z": keys by their names and text, by the window as the user does it.
-    void Keys(const QString& Script) {
-        for (const QString& Word : Script.split(' ')) {
-            const QKeyCombination Combination = QKeySequence(Word)[0];
-            if (Word.startsWith('\''))
-                Type(Word.mid(1, Word.size() - 2).toUtf8());
-            else
-                Key(Combination.key(), Combination.keyboardModifiers());
-        }
-    }
+    void Keys(const QString& Script) { PressKeys(*this, Script); }
     void Key(Qt::Key Key, Qt::KeyboardModifiers Modifiers = {}) {
         QTest::keyClick(windowHandle(), Key, Modifiers);
     }
-    void Type(const QByteArray& Text) {
-        for (const char Letter : Text) QTest::keyClick(windowHandle(), Letter);
-    }
+    void Type(const QString& Text) { Keys("'" + Text + "'"); }
     // Backspace opens the editor; the other key comes before it has got the character.
     void TypeAhead(Qt::Key Next, const char* Text) {
         QKeyEvent Back(QEvent::KeyPress, Qt::Key_Backspace, Qt::NoModifier, "\b");

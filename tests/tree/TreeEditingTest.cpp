@@ -3,6 +3,7 @@
 
 #include "exgrid/InplaceEdit.h"
 #include "tests/support/Handlers.h"
+#include "tests/support/Keys.h"
 #include "tests/support/QtTest.h"
 
 #include <QApplication>
@@ -32,15 +33,11 @@ public:
         activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(this));
         SetFocus();
-        FocusCell(1, 1, true, {}, swNone); // B
+        Focus(1, 1); // B
         Log.clear();
     }
-    void Type(const char* Text) {
-        for (; *Text; ++Text) QTest::keyClick(windowHandle(), *Text);
-    }
-    void Key(Qt::Key Key, Qt::KeyboardModifiers Modifiers = {}) {
-        QTest::keyClick(windowHandle(), Key, Modifiers);
-    }
+    void Keys(const char* Script) { testing::PressKeys(*this, Script); }
+    void Focus(int Col, int Row) { FocusCell(Col, Row, true, {}, swNone); }
     std::string Typed() { return IsEditorShown() ? GetInplaceEditor()->GetText() : "closed"; }
     // Every text: "A|1|2 B||".
     std::string Texts() {
@@ -58,19 +55,15 @@ public:
 
 TEST(TreeEditing, StoresTextsInTheNodeAndItsCells) {
     TEditTree Tree;
-    Tree.Type("Bee");
-    Tree.Key(Qt::Key_Return);
-    Tree.FocusCell(2, 1, true, {}, swNone);
-    Tree.Type("x y");
-    Tree.Key(Qt::Key_Down);
+    Tree.Keys("'Bee' Return");
+    Tree.Focus(2, 1);
+    Tree.Keys("'x' Space 'y' Down");
     EXPECT_EQ(Tree.Texts(), "A|| Bee||x y b|| C||");
     EXPECT_EQ(Tree.Take(), "B>Bee Bee>x y ");
     Tree.OnEdited = [](TObject*, TFlyNode*, std::string& S) { S = S.empty() ? S : "<" + S + ">"; };
-    Tree.Type("r");
-    Tree.Key(Qt::Key_Escape);
-    Tree.FocusCell(1, 3, true, {}, swNone);
-    Tree.Key(Qt::Key_Backspace);
-    Tree.Key(Qt::Key_Escape);
+    Tree.Keys("'r' Esc");
+    Tree.Focus(1, 3);
+    Tree.Keys("Backspace Esc");
     EXPECT_EQ(Tree.Texts(), "A|| Bee||x y b||<r> ||");
     Tree.OnEdited = nullptr;
     Tree.OnGetEditText = [](TObject*, int, int, std::string& S) { S = "shown"; };
@@ -80,26 +73,25 @@ TEST(TreeEditing, StoresTextsInTheNodeAndItsCells) {
 
 TEST(TreeEditing, LiesOverTheText) {
     TEditTree Tree;
-    const auto Place = [&](int Col, int Row) {
-        Tree.FocusCell(Col, Row, true, {}, swNone);
+    const auto Lies = [&](const TRect& R) {
         Tree.SetEditorMode(true);
-        return Tree.GetInplaceEditor();
+        return Tree.GetInplaceEditor()->PosEqual(R);
     };
-    EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)));
-    EXPECT_TRUE(Place(0, 2)->PosEqual(Tree.CellRect(0, 2)));
+    const auto Text = [&] { return Tree.DisplayRect(Tree.Find("b"), true); };
+    Tree.Focus(0, 2);
+    EXPECT_TRUE(Lies(Tree.CellRect(0, 2)));
+    Tree.Focus(1, 2);
+    EXPECT_TRUE(Lies(Text()));
     Tree.SetColWidths(1, 50);
-    EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)))
-        << "next to the outline, if narrow";
+    EXPECT_TRUE(Lies(Text())) << "next to the outline, if narrow";
     Tree.SetIndent(22);
     Tree.Update();
-    EXPECT_TRUE(Tree.GetInplaceEditor()->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)))
-        << "follows the layout";
-    Tree.SetIndent(20);
+    EXPECT_TRUE(Tree.GetInplaceEditor()->PosEqual(Text())) << "follows the layout";
     Tree.SetColWidths(1, 20); // nothing is left beside the outline
-    EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.CellRect(1, 2)));
+    EXPECT_TRUE(Lies(Tree.CellRect(1, 2)));
     Tree.SetBiDiMode(bdRightToLeft);
     Tree.SetColWidths(1, 200);
-    EXPECT_TRUE(Place(1, 2)->PosEqual(Tree.DisplayRect(Tree.Find("b"), true)));
+    EXPECT_TRUE(Lies(Text()));
 }
 
 TEST(TreeEditing, NodesStartAndEndIt) {
@@ -107,13 +99,13 @@ TEST(TreeEditing, NodesStartAndEndIt) {
     TFlyNode* Node = Tree.Find("b");
     Tree.Find("B")->Collapse(false);
     EXPECT_TRUE(Node->EditText()) << "comes into view first";
-    Tree.Type("x");
+    Tree.Keys("'x'");
     Tree.Find("A")->EndEdit(true);
     EXPECT_EQ(Tree.Typed(), "x") << "another node's business";
     Node->EndEdit(true);
     EXPECT_EQ(Tree.Typed() + Node->GetText(), "closedb");
     EXPECT_TRUE(Node->EditText());
-    Tree.Type("y");
+    Tree.Keys("'y'");
     Node->EndEdit(false);
     EXPECT_EQ(Tree.Typed() + Node->GetText(), "closedy");
     // The first scrollable column can be edited, and is not ended from here.
@@ -126,7 +118,7 @@ TEST(TreeEditing, NodesStartAndEndIt) {
     Tree.SetFixedCols(0);
     Tree.OnEditing = [](TObject*, TFlyNode* N, bool& Allow) { Allow = N->GetText() != "A"; };
     EXPECT_FALSE(Tree.Find("A")->EditText());
-    Tree.Type("q");
+    Tree.Keys("'q'");
     EXPECT_EQ(Tree.Texts().find('q'), std::string::npos) << "what is typed at a closed cell goes nowhere";
     EXPECT_TRUE(Tree.Find("C")->EditText());
 }
@@ -134,8 +126,8 @@ TEST(TreeEditing, NodesStartAndEndIt) {
 TEST(TreeEditing, AnEditorThatIsAlwaysShownComesBackAfterRowsMoved) {
     TEditTree Tree;
     Tree.SetOptions(Tree.GetOptions() + goAlwaysShowEditor);
-    Tree.FocusCell(1, 3, true, {}, swNone); // C
-    Tree.Type("n");
+    Tree.Focus(1, 3); // C
+    Tree.Keys("'n'");
     Tree.Find("B")->Collapse(false);
     QCoreApplication::processEvents();
     EXPECT_EQ(Tree.Texts() + " " + Tree.Typed(), "A|| B|| b|| n|| n") << "stored, and open where it was";
@@ -150,14 +142,14 @@ TEST(TreeEditing, ARefusedCellIsPaintedAndCanBeTriedAgain) {
     TEditTree Tree;
     bool May = false;
     Tree.OnEditing = [&](TObject*, TFlyNode*, bool& Allow) { Allow = May; };
-    Tree.Key(Qt::Key_F2);
+    Tree.Keys("F2");
     ASSERT_TRUE(Tree.GetEditorMode());
     Tree.Update();
     Tree.SetNodeData(Tree.Find("B"), 1, "new");
     Tree.InvalidateCell(1, 1);
     EXPECT_TRUE(Tree.HasInvalidRegion());
     May = true;
-    Tree.Key(Qt::Key_F2);
+    Tree.Keys("F2");
     EXPECT_EQ(Tree.Typed(), "B");
 }
 
@@ -171,83 +163,69 @@ TEST(TreeEditing, ComposedSignsAreText) {
 }
 
 TEST(TreeEditing, TextGoesToTheNodeThatItWasTypedFor) {
-    struct TCase {
-        const char* What;
-        std::function<void(TEditTree&)> Do;
-        const char* Typed; // afterwards, the editor still open or not
-        const char* Texts; // after Esc
+    const auto Backwards = [](TObject*, TFlyNode* A, TFlyNode* B, int& R) {
+        R = B->GetText().compare(A->GetText());
     };
-    const TCase Cases[] = {
+    const auto Bracket = [](TEditTree& T) {
+        const TUpdateBracket Update(T.GetItems());
+        T.GetItems()->Insert(T.Find("A"), "0");
+        T.Find("A")->Delete();
+        T.GetItems()->Insert(T.Find("B"), "1");
+    };
+    // What is typed afterwards, the editor still open or not, and the texts after Esc.
+    const std::tuple<const char*, std::function<void(TEditTree&)>, const char*, const char*> Cases[] = {
         {"inserted above", [](TEditTree& T) { T.GetItems()->Insert(T.Find("A"), "0"); }, "n",
          "0|| A|| n|| b|| C||"},
         {"deleted above", [](TEditTree& T) { T.Find("A")->Delete(); }, "n", "n|| b|| C||"},
         {"moved to the end", [](TEditTree& T) { T.Find("B")->MoveTo(nullptr, naAdd); }, "n",
          "A|| C|| n|| b||"},
-        {"sorted",
-         [](TEditTree& T) {
-             T.OnCompare = [](TObject*, TFlyNode* A, TFlyNode* B, int& R) {
-                 R = B->GetText().compare(A->GetText());
-             };
-             T.SetSortType(stData);
-         },
-         "n", "C|| n|| b|| A||"},
+        {"sorted", [&](TEditTree& T) { T.OnCompare = Backwards, T.SetSortType(stData); }, "n",
+         "C|| n|| b|| A||"},
         {"columns moved", [](TEditTree& T) { T.MoveColumn(1, 0); }, "n", "A|| n|| b|| C||"},
         {"deleted", [](TEditTree& T) { T.Find("B")->Delete(); }, "closed", "A|| C||"},
         {"cleared", [](TEditTree& T) { T.GetItems()->Clear(); }, "closed", ""},
         {"hidden", [](TEditTree& T) { T.Find("B")->SetHidden(true); }, "closed", "A|| n|| b|| C||"},
-        {"expanded elsewhere", [](TEditTree& T) { T.Find("B")->Collapse(false); }, "closed",
-         "A|| n|| b|| C||"},
+        {"collapsed", [](TEditTree& T) { T.Find("B")->Collapse(false); }, "closed", "A|| n|| b|| C||"},
         {"other structure column", [](TEditTree& T) { T.SetStructureCol(2); }, "n", "A||A n||n b||b C||C"},
-        {"a bracket",
-         [](TEditTree& T) {
-             const TUpdateBracket Bracket(T.GetItems());
-             T.GetItems()->Insert(T.Find("A"), "0");
-             T.Find("A")->Delete();
-             T.GetItems()->Insert(T.Find("B"), "1");
-         },
-         "n", "0|| 1|| n|| b|| C||"},
+        {"a bracket", Bracket, "n", "0|| 1|| n|| b|| C||"},
     };
-    for (const TCase& Case : Cases) {
+    for (const auto& [What, Do, Typed, Texts] : Cases) {
         TEditTree Tree;
-        Tree.Type("n");
-        Case.Do(Tree);
+        Tree.Keys("'n'");
+        Do(Tree);
         QCoreApplication::processEvents();
-        EXPECT_EQ(Tree.Typed(), Case.Typed) << Case.What;
+        EXPECT_EQ(Tree.Typed(), Typed) << What;
         if (Tree.IsEditorShown()) {
             const TFlyNode* const Edited = Tree.GetNodeAtRow(Tree.GetRow());
-            EXPECT_TRUE(Edited && Edited->GetText() == "B") << Case.What << ": the current cell goes along";
-            EXPECT_EQ(Tree.GetCol(), Tree.GetStructureCol()) << Case.What;
-            Tree.Key(Qt::Key_Escape);
+            EXPECT_TRUE(Edited && Edited->GetText() == "B") << What << ": the current cell goes along";
+            EXPECT_EQ(Tree.GetCol(), Tree.GetStructureCol()) << What;
+            Tree.Keys("Esc");
         }
-        EXPECT_EQ(Tree.Texts(), Case.Texts) << Case.What;
+        EXPECT_EQ(Tree.Texts(), Texts) << What;
         Tree.Check();
     }
 }
 
 TEST(TreeEditing, HandlersMayDoAnything) {
     using TTree = std::unique_ptr<TEditTree>;
-    const std::vector<std::function<void(TTree&)>> Deeds{
+    const auto IfThere = [](TTree& T, const char* Name, void (*Do)(TFlyNode&)) {
+        if (TFlyNode* N = T->Find(Name)) Do(*N);
+    };
+    const std::function<void(TTree&)> Deeds[] = {
         [](TTree& T) { T.reset(); },
         [](TTree& T) { T->GetItems()->Clear(); },
-        [](TTree& T) {
-            if (TFlyNode* N = T->Find("B")) N->Delete();
-        },
-        [](TTree& T) {
-            if (TFlyNode* N = T->Find("C")) N->EditText();
-        },
+        [&](TTree& T) { IfThere(T, "B", [](TFlyNode& N) { N.Delete(); }); },
+        [&](TTree& T) { IfThere(T, "C", [](TFlyNode& N) { N.EditText(); }); },
         [](TTree& T) { T->SetColCount(1); },
-        [](TTree& T) {
-            T->GetItems()->AlphaSort();
-            T->SetStructureCol(0);
-        },
+        [](TTree& T) { T->GetItems()->AlphaSort(), T->SetStructureCol(0); },
         [](TTree& T) { T->SetEditorMode(false); },
     };
-    for (std::size_t i = 0; i < Deeds.size(); ++i) {
+    for (const auto& Deed : Deeds) {
         for (int Place = 0; Place < 5; ++Place) {
             auto Tree = std::make_unique<TEditTree>();
             int Left = 1;
             const TAnyHandler Handler{[&] {
-                if (Left-- > 0 && Tree) Deeds[i](Tree);
+                if (Left-- > 0 && Tree) Deed(Tree);
             }};
             Tree->OnEdited = nullptr;
             if (Place == 0) Tree->OnEditing = Handler;
@@ -255,10 +233,8 @@ TEST(TreeEditing, HandlersMayDoAnything) {
             if (Place == 2) Tree->OnGetEditText = Handler;
             if (Place == 3) Tree->OnSelectCell = Handler;
             if (Place == 4) Tree->OnKeyPress = Handler;
-            for (const char* Step : {"x", "y"}) {
-                if (Tree) Tree->Type(Step);
-                if (Tree) Tree->Key(Qt::Key_Down);
-                if (Tree) Tree->Key(Qt::Key_Escape);
+            for (const char* Step : {"'x'", "Down", "Esc", "'y'", "Down", "Esc"}) {
+                if (Tree) Tree->Keys(Step);
                 QCoreApplication::processEvents();
             }
             if (Tree) Tree->Check();
@@ -284,26 +260,20 @@ TEST(TreeClipboard, CommandsReachTheOperationsUnlessTheEditorShows) {
     EXPECT_EQ(Keys, "XC");
     Tree.OnKeyDown = nullptr;
     const auto All = [&] {
-        Tree.Log.clear();
         for (const unsigned Msg : {WM_CUT, WM_COPY, WM_PASTE}) Tree.Perform(Msg, 0, 0);
-        for (const Qt::Key Key : {Qt::Key_X, Qt::Key_C, Qt::Key_V}) Tree.Key(Key, Qt::ControlModifier);
+        Tree.Keys("Ctrl+X Ctrl+C Ctrl+V");
         for (const auto Slot : {"cutSelection", "copySelection", "pasteSelection"})
             QMetaObject::invokeMethod(&Tree, Slot);
         return Tree.Take();
     };
     EXPECT_EQ(All(), "") << "nobody listens";
-    const auto Listen = [&](TNotifyEvent& Event, const char* Name) {
-        Event = [&Tree, Name](TObject* Sender) {
-            EXPECT_EQ(Sender, static_cast<TObject*>(&Tree));
-            Tree.Log += Name;
-        };
-    };
-    Listen(Tree.OnCutSelection, "cut ");
-    Listen(Tree.OnCopySelection, "copy ");
-    Listen(Tree.OnPasteSelection, "paste ");
+    Tree.OnCutSelection = [&](TObject*) { Tree.Log += "cut "; };
+    Tree.OnCopySelection = [&](TObject*) { Tree.Log += "copy "; };
+    Tree.OnPasteSelection = [&](TObject*) { Tree.Log += "paste "; };
     EXPECT_EQ(All(), "cut copy paste cut copy paste cut copy paste ");
     EXPECT_TRUE(IsTaken(Qt::Key_C));
     Tree.SetEditorMode(true);
+    Tree.Log.clear();
     EXPECT_EQ(All(), "");
     EXPECT_EQ(Tree.Typed(), "BB") << "they were the editor's: cut, copied nothing, pasted twice";
 }

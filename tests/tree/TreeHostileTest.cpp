@@ -12,13 +12,14 @@ namespace {
 
 using TOutrage = std::function<void(std::unique_ptr<TTestTree>& Tree, TFlyNode* Node)>;
 
+void Delete(TFlyNode* Node) {
+    if (Node) Node->Delete();
+}
+
 // What the handler does with a node that is there.
 const std::pair<const char*, TOutrage> Outrages[] = {
     {"delete the node", [](auto&, TFlyNode* Node) { Node->Delete(); }},
-    {"delete its parent",
-     [](auto&, TFlyNode* Node) {
-         if (Node->GetParent()) Node->GetParent()->Delete();
-     }},
+    {"delete its parent", [](auto&, TFlyNode* Node) { Delete(Node->GetParent()); }},
     {"clear the tree", [](auto& Tree, TFlyNode*) { Tree->GetItems()->Clear(); }},
     {"destroy the tree", [](auto& Tree, TFlyNode*) { Tree.reset(); }},
     {"change the counts",
@@ -29,11 +30,9 @@ const std::pair<const char*, TOutrage> Outrages[] = {
     {"move the node",
      [](auto& Tree, TFlyNode* Node) {
          TFlyNode* First = Tree->GetItems()->GetFirstNode();
-         if (First == Node || First->HasAsParent(Node)) return;
          try {
-             Node->MoveTo(First, naInsert);
-         } catch (const EInvalidOperation&) {
-             // It is being deleted.
+             if (First != Node && !First->HasAsParent(Node)) Node->MoveTo(First, naInsert);
+         } catch (const EInvalidOperation&) { // it is being deleted
          }
      }},
     {"select another", [](auto& Tree, TFlyNode*) { Tree->SetSelection(Tree->GetItems()->GetLastNode()); }},
@@ -89,50 +88,29 @@ const std::pair<const char*, TAttach> Events[] = {
              H(T.GetNodeAtRow(Row));
          };
      }},
-    {"OnTopLeftChanged",
-     [](TTestTree& T, auto H) {
-         T.OnTopLeftChanged = [&T, H](TObject*) { H(T.GetNodeAtRow(T.GetTopRow())); };
-     }},
+    {"OnTopLeftChanged", [](TTestTree& T, auto H) { T.OnTopLeftChanged = [H](TObject*) { H(nullptr); }; }},
 };
 
-using TOperation = std::function<void(std::unique_ptr<TTestTree>& Tree)>;
+using TOperation = void (*)(TTestTree& Tree);
 
 // Each is one user action or call; the tree may be gone or empty after any of them.
 const std::pair<const char*, TOperation> Operations[] = {
-    {"expand",
-     [](auto& Tree) {
-         if (TFlyNode* N = Tree->Find("Pear")) N->Expand(true);
-     }},
-    {"collapse",
-     [](auto& Tree) {
-         if (TFlyNode* N = Tree->Find("Fruit")) N->Collapse(true);
-     }},
-    {"select", [](auto& Tree) { Tree->SetSelection(Tree->Find("Apple")); }},
-    {"move down", [](auto& Tree) { Tree->Perform(WM_KEYDOWN, VK_DOWN, 0); }},
+    {"expand", [](TTestTree& Tree) { Tree.Find("Pear")->Expand(true); }},
+    {"collapse", [](TTestTree& Tree) { Tree.Find("Fruit")->Collapse(true); }},
+    {"select", [](TTestTree& Tree) { Tree.SetSelection(Tree.Find("Apple")); }},
+    {"move down", [](TTestTree& Tree) { Tree.Perform(WM_KEYDOWN, VK_DOWN, 0); }},
     {"choose, with branches that open by themselves",
-     [](auto& Tree) {
-         Tree->SetAutoExpand(true);
-         Tree->SetSelection(Tree->Find("Nuts"));
-     }},
+     [](TTestTree& Tree) { Tree.SetAutoExpand(true), Tree.SetSelection(Tree.Find("Nuts")); }},
     {"extend the range",
-     [](auto& Tree) {
-         std::uint16_t Key = VK_END;
-         Tree->KeyDown(Key, {ssShift});
-     }},
-    {"search", [](auto& Tree) { Tree->Perform(WM_CHAR, U'n', 0); }},
-    {"sort", [](auto& Tree) { Tree->GetItems()->AlphaSort(); }},
-    {"move",
-     [](auto& Tree) {
-         if (TFlyNode* N = Tree->Find("Fig")) N->MoveTo(Tree->Find("Nuts"), naAddChild);
-     }},
-    {"delete",
-     [](auto& Tree) {
-         if (TFlyNode* N = Tree->Find("Plum")) N->Delete();
-     }},
-    {"paint", [](auto& Tree) { Tree->Repaint(); }},
-    {"scroll", [](auto& Tree) { Tree->SetTopRow(2); }},
-    {"full expand", [](auto& Tree) { Tree->FullExpand(); }},
-    {"clear", [](auto& Tree) { Tree->GetItems()->Clear(); }},
+     [](TTestTree& Tree) { Tree.Perform(WM_KEYDOWN, VK_END, TShiftState(ssShift).Bits()); }},
+    {"search", [](TTestTree& Tree) { Tree.Perform(WM_CHAR, U'n', 0); }},
+    {"sort", [](TTestTree& Tree) { Tree.GetItems()->AlphaSort(); }},
+    {"move", [](TTestTree& Tree) { Tree.Find("Fig")->MoveTo(Tree.Find("Nuts"), naAddChild); }},
+    {"delete", [](TTestTree& Tree) { Tree.Find("Plum")->Delete(); }},
+    {"paint", [](TTestTree& Tree) { Tree.Repaint(); }},
+    {"scroll", [](TTestTree& Tree) { Tree.SetTopRow(2); }},
+    {"full expand", [](TTestTree& Tree) { Tree.FullExpand(); }},
+    {"clear", [](TTestTree& Tree) { Tree.GetItems()->Clear(); }},
 };
 
 TEST(TreeHostile, EveryEventSurvivesEveryOutrageInEveryOperation) {
@@ -158,7 +136,7 @@ TEST(TreeHostile, EveryEventSurvivesEveryOutrageInEveryOperation) {
                     ++Fired;
                     Outrage(Tree, Node);
                 });
-                Operation(Tree);
+                Operation(*Tree);
                 if (!Tree) continue;
                 Budget = 0;
                 Tree->Repaint();

@@ -1,13 +1,12 @@
 // The keyboard on a real window: every key of the tree, alone and with the grid's, in every layout and direction.
 #include "host/windows/Application.h"
+#include "tests/support/Keys.h"
 #include "tests/tree/TreeTestSupport.h"
 
 #include <QInputMethodEvent>
 #include <QTest>
 #include <QWindow>
 
-#include <map>
-#include <sstream>
 #include <utility>
 
 namespace quill {
@@ -28,7 +27,6 @@ constexpr TLayout Beside{"three columns, beside the outline", 3, 1, false, true}
 constexpr TLayout WideRows{"three columns of whole rows", 3, 0, true, true};
 constexpr TLayout NoRanges{"one column without ranges", 1, 0, false, false};
 
-// A shown tree that takes keys: "Shift+Down + Space text:ab".
 class TKeyTree : public TTestTree {
 public:
     explicit TKeyTree(const TLayout& Layout, TBiDiMode Mode = bdLeftToRight) {
@@ -44,41 +42,10 @@ public:
         EXPECT_TRUE(QTest::qWaitForWindowExposed(this));
         setFocus();
     }
-    void Press(const std::string& Keys) {
-        std::istringstream Words(Keys);
-        for (std::string Word; Words >> Word;) {
-            Qt::KeyboardModifiers Modifiers;
-            const auto Take = [&](const std::string& Prefix) {
-                const bool Found = Word.size() > Prefix.size() && Word.starts_with(Prefix);
-                if (Found) Word.erase(0, Prefix.size());
-                return Found;
-            };
-            if (Take("Shift+")) Modifiers |= Qt::ShiftModifier;
-            if (Take("Ctrl+")) Modifiers |= Qt::ControlModifier;
-            if (Take("text:")) {
-                QTest::keyClicks(viewport(), QString::fromStdString(Word));
-            } else {
-                if (Word == "+" || Word == "-") Modifiers |= Qt::KeypadModifier;
-                QTest::keyClick(viewport(), KeyOf(Word), Modifiers);
-            }
-        }
-    }
+    void Press(const char* Keys) { testing::PressKeys(*this, Keys); }
     // The rows, and the current column when there are several.
     std::string State() {
         return Rows() + (GetColCount() > 1 ? " col " + std::to_string(GetCol()) : std::string());
-    }
-
-private:
-    static Qt::Key KeyOf(const std::string& Name) {
-        static const std::map<std::string, Qt::Key> Keys{
-            {"+", Qt::Key_Plus},        {"-", Qt::Key_Minus},
-            {"Left", Qt::Key_Left},     {"Right", Qt::Key_Right},
-            {"Up", Qt::Key_Up},         {"Down", Qt::Key_Down},
-            {"Home", Qt::Key_Home},     {"End", Qt::Key_End},
-            {"PageUp", Qt::Key_PageUp}, {"PageDown", Qt::Key_PageDown},
-            {"Tab", Qt::Key_Tab},       {"Enter", Qt::Key_Return},
-            {"Space", Qt::Key_Space}};
-        return Keys.at(Name);
     }
 };
 
@@ -91,10 +58,10 @@ struct TCase {
 };
 
 const TCase Cases[] = {
-    {Single, "Pear", "+ -", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
-    {Single, "Fruit", "-", "Fruit(sel)< Nuts"},
-    {Beside, "Pear", "+", "Fruit(+) Apple Pear(sel)< Plum Nuts col 1"},
-    {WideRows, "Pear", "+", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts col 0"},
+    {Single, "Pear", "Num++ Num+-", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
+    {Single, "Fruit", "Num+-", "Fruit(sel)< Nuts"},
+    {Beside, "Pear", "Num++", "Fruit(+) Apple Pear(sel)< Plum Nuts col 1"},
+    {WideRows, "Pear", "Num++", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts col 0"},
     {Single, "Pear", "Right Right", "Fruit(+) Apple Pear(+) Red(sel)< Green Plum Nuts"},
     {Single, "Apple", "Right", "Fruit(+) Apple(sel)< Pear Plum Nuts"},
     {Single, "Apple", "Left Left", "Fruit(sel)< Nuts"},
@@ -110,9 +77,9 @@ const TCase Cases[] = {
      "Fruit(+) Apple(sel)< Pear Plum Nuts col 0"},
     {WideRows, "Pear", "Left", "Fruit(+) Apple(sel)< Pear Plum Nuts col 0",
      "Fruit(+) Apple Pear Plum(sel)< Nuts col 0"},
-    {Single, "Pear", "Enter Enter", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
-    {Beside, "Pear", "Enter", "Fruit(+) Apple Pear(sel)< Plum Nuts col 1"},
-    {WideRows, "Pear", "Enter", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts col 0"},
+    {Single, "Pear", "Return Return", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
+    {Beside, "Pear", "Return", "Fruit(+) Apple Pear(sel)< Plum Nuts col 1"},
+    {WideRows, "Pear", "Return", "Fruit(+) Apple Pear(+)(sel)< Red Green Plum Nuts col 0"},
     {Single, "Apple", "Down", "Fruit(+) Apple Pear(sel)< Plum Nuts"},
     {Single, "Apple", "Shift+Down Shift+Down Shift+Up", "Fruit(+) Apple(sel) Pear(sel)< Plum Nuts"},
     {Single, "Pear", "Shift+Down Shift+Up Shift+Up", "Fruit(+) Apple(sel)< Pear(sel) Plum Nuts"},
@@ -128,14 +95,14 @@ const TCase Cases[] = {
     {Several, "Apple", "End", "Fruit(+) Apple(sel)< Pear Plum Nuts col 2"},
     {Several, "Apple", "End End", "Fruit(+) Apple Pear Plum Nuts(sel)< col 2"},
     {WideRows, "Apple", "End", "Fruit(+) Apple Pear Plum Nuts(sel)< col 0"},
-    {Single, "Apple", "PageDown", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
-    {Single, "Plum", "PageUp", "Fruit(+)(sel)< Apple Pear Plum Nuts"},
-    {Single, "Apple", "text:pl", "Fruit(+) Apple Pear Plum(sel)< Nuts"},
-    {Single, "Pear", "text:ppp", "Fruit(+) Apple Pear Plum(sel)< Nuts"},
-    {Single, "Apple", "text:NU", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
-    {Single, "Apple", "text:x", "Fruit(+) Apple(sel)< Pear Plum Nuts"},
-    {Beside, "Apple", "text:n", "Fruit(+) Apple(sel)< Pear Plum Nuts col 1"},
-    {WideRows, "Apple", "text:n", "Fruit(+) Apple Pear Plum Nuts(sel)< col 0"},
+    {Single, "Apple", "PgDown", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
+    {Single, "Plum", "PgUp", "Fruit(+)(sel)< Apple Pear Plum Nuts"},
+    {Single, "Apple", "'pl'", "Fruit(+) Apple Pear Plum(sel)< Nuts"},
+    {Single, "Pear", "'ppp'", "Fruit(+) Apple Pear Plum(sel)< Nuts"},
+    {Single, "Apple", "'NU'", "Fruit(+) Apple Pear Plum Nuts(sel)<"},
+    {Single, "Apple", "'x'", "Fruit(+) Apple(sel)< Pear Plum Nuts"},
+    {Beside, "Apple", "'n'", "Fruit(+) Apple(sel)< Pear Plum Nuts col 1"},
+    {WideRows, "Apple", "'n'", "Fruit(+) Apple Pear Plum Nuts(sel)< col 0"},
 };
 
 TEST(TreeKeys, DoWhatTheKeyTableSays) {
@@ -182,14 +149,14 @@ TEST(TreeKeys, SearchIgnoresCaseInAllScriptsAndTakesComposedText) {
         << "nothing begins with both";
     EXPECT_EQ(Compose(QStringLiteral(u"\u03c3")), "\u03a3\u03cd\u03ba\u03bf");
     // The text grows within a second and a half of the last character, and begins anew after that.
-    Tree.Press("text:p");
+    Tree.Press("'p'");
     QTest::qWait(1600);
-    Tree.Press("text:l");
+    Tree.Press("'l'");
     EXPECT_EQ(Tree.GetSelection()->GetText(), "Pear") << "no text begins with l";
     Tree.OnGetEditText = [](TObject*, int, int Row, std::string& Text) {
         Text = "row " + std::to_string(Row);
     };
-    Tree.Press("text:r");
+    Tree.Press("'r'");
     EXPECT_EQ(Tree.GetSelection()->GetText(), "Plum") << "what the program shows is searched";
 }
 
@@ -200,7 +167,7 @@ TEST(TreeKeys, SearchDoesNotCreateAMillionNodes) {
     Tree.GetItems()->AddPlaceholders(1000000);
     Tree.GetItems()->Add(nullptr, "Last");
     Tree.SetSelection(Tree.GetItems()->GetFirstNode());
-    Tree.Press("text:L");
+    Tree.Press("'L'");
     EXPECT_EQ(Tree.GetSelection()->GetText(), "Last");
     EXPECT_LT(Made, 11000);
 }
@@ -211,12 +178,11 @@ TEST(TreeKeys, ARefusedMoveChangesNothing) {
     const TWay Ways[] = {[](TKeyTree& Tree) { Tree.Press("Down"); },
                          [](TKeyTree& Tree) { Tree.Press("Shift+Down Shift+End"); },
                          [](TKeyTree& Tree) { Tree.Press("Home"); },
-                         [](TKeyTree& Tree) { Tree.Press("text:n"); },
+                         [](TKeyTree& Tree) { Tree.Press("'n'"); },
                          [](TKeyTree& Tree) { Tree.SetSelection(Tree.Find("Nuts")); },
                          [](TKeyTree& Tree) {
                              const TRect R = Tree.DisplayRect(Tree.Find("Nuts"), true);
-                             QTest::mousePress(Tree.viewport(), Qt::LeftButton, {},
-                                               QPoint(R.Left + 5, (R.Top + R.Bottom) / 2));
+                             Tree.Send(WM_LBUTTONDOWN, R.Left + 5, (R.Top + R.Bottom) / 2);
                          }};
     for (const TLayout& Layout : {Single, NoRanges, WideRows}) {
         for (const TWay& Way : Ways) {

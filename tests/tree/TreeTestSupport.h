@@ -49,18 +49,28 @@ public:
         return nullptr;
     }
 
-    // The rows: "Fruit(+) [Apple, Pear(sel)]" with the current row marked by "<".
-    std::string Rows() {
+    // The rows: "Fruit(+) Apple< Pear(sel)", the current one marked by "<"; or without the marks.
+    std::string Rows(bool Marks = true) {
         std::string Out;
         for (int Row = GetFixedRows(); Row < GetRowCount(); ++Row) {
             TFlyNode* Node = GetNodeAtRow(Row);
             if (!Out.empty()) Out += ' ';
             Out += Node ? Node->GetText() : "null";
             if (Node && Node->GetExpanded()) Out += "(+)";
-            if (Node && Node->GetSelected()) Out += "(sel)";
-            if (Row == GetRow()) Out += '<';
+            if (Marks && Node && Node->GetSelected()) Out += "(sel)";
+            if (Marks && Row == GetRow()) Out += '<';
         }
         return Out;
+    }
+
+    // Mouse messages, as the window system sends them.
+    void Send(unsigned Msg, int X, int Y, TShiftState Shift = ssLeft) {
+        Perform(Msg, Shift.Bits(), MakePointParam(X, Y));
+    }
+    void Drag(int X, int Y, int ToX, int ToY) {
+        Send(WM_LBUTTONDOWN, X, Y);
+        if (X != ToX || Y != ToY) Send(WM_MOUSEMOVE, ToX, ToY);
+        Send(WM_LBUTTONUP, ToX, ToY, {});
     }
 
     void Check() {
