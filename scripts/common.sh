@@ -11,6 +11,7 @@ packages_build=(g++ cmake ninja-build ccache lld python3 qt6-base-dev qt6-base-d
 packages_show=(fonts-dejavu-core fonts-noto-core fonts-droid-fallback)
 packages_test=(libgtest-dev libgmock-dev locales clang-format-14 xvfb xauth openbox xdotool wmctrl xclip imagemagick
     pkg-config libgtk-3-dev qt6-tools-dev designer-qt6 libqt6opengl6-dev)
+packages_bench=(locales pkg-config libgtk-3-dev xvfb)
 
 say() { printf '\n== %s\n' "$*" >&2; }
 
