@@ -1,23 +1,12 @@
 // What the outliner makes of drags: its own nodes, and what other programs drag to it.
-#include "examples/outliner/OutlineEditor.h"
-#include "examples/outliner/OutlinerWindow.h"
-#include "examples/outliner/OutlineTree.h"
-
 #include "tests/examples/DesktopDrag.h"
-#include "tests/examples/OutlineDump.h"
-#include "tests/support/QtTest.h"
+#include "tests/examples/OutlinerTest.h"
 
-#include <QApplication>
-#include <QMenuBar>
-#include <QStatusBar>
-#include <QTest>
 #include <QUrl>
 
 using namespace quill;
 using namespace quill::examples;
-using quill::testing::DumpOutline;
 using quill::testing::TDesktopDrag;
-using quill::testing::TTempFolder;
 
 namespace {
 
@@ -32,28 +21,10 @@ const char* const Plan = "SaveOptions:24\r\n"
 
 enum TPart { Top, Middle, Bottom };
 
-class OutlineDrag : public ::testing::Test {
+class OutlineDrag : public TOutlinerTest {
 protected:
-    OutlineDrag() { Open(Plan); }
+    OutlineDrag() : TOutlinerTest(Plan) {}
 
-    void Open(const std::string& Text) {
-        Folder.Put("plan.nodes", Text);
-        Tree->SetSmoothExpandCollapse(false);
-        Window.resize(600, 500);
-        Window.OpenFile(Folder.File("plan.nodes"));
-        Window.show();
-        QApplication::processEvents();
-    }
-    std::string Dump() { return DumpOutline(*Tree->GetItems()); }
-    TFlyNode* Node(const std::string& Text) {
-        TFlyNode* Found = Tree->GetItems()->GetFirstNode();
-        while (Found && Found->GetText() != Text) Found = Found->GetNext();
-        return Found;
-    }
-    void Select(const std::string& Texts) {
-        Tree->SetSelection(Node(Texts.substr(0, 1)));
-        for (const char Text : Texts) Node({Text})->SetSelected(true);
-    }
     // In the row of a node; empty for below the last one.
     QPoint On(const std::string& Text, TPart Part) {
         if (Text.empty()) return {60, Tree->GetClientHeight() - 4};
@@ -74,61 +45,50 @@ protected:
         QTest::mouseRelease(Window.windowHandle(), Qt::LeftButton, {}, Mouse(From));
         Tree->OnOLEStartDrag = nullptr;
     }
-    QString UndoText() { return Window.menuBar()->actions()[1]->menu()->actions()[0]->text().remove('&'); }
-
-    TTempFolder Folder;
-    TOutlinerWindow Window;
-    TOutlineTree* Tree = Window.GetTree();
 };
 
 TEST_F(OutlineDrag, MovesAndCopiesNodesInOneStepThatCanBeUndone) {
-    const struct {
-        const char* Selected;
-        const char* Target;
-        TPart Part;
-        bool Copy;
-        const char* Result; // null: refused
-    } Cases[] = {
-        {"D", "A", Top, false, "D*, A|1[B|2, C], E[F], G"},
-        {"B", "D", Bottom, false, "A|1[C], D, B*|2, E[F], G"},
-        {"G", "B", Bottom, false, "A|1[B|2, G*, C], D, E[F]"},
-        {"G", "E", Middle, false, "A|1[B|2, C], D, E[F, G*]"}, // a closed branch
-        {"B", "", Middle, false, "A|1[C], D, E[F], G, B*|2"},
-        {"ADG", "E", Bottom, false, "E[F], A*|1[B|2, C], D*, G*"},
-        {"BG", "D", Top, false, "A|1[C], B*|2, G*, D, E[F]"},
-        {"D", "E", Top, false, "A|1[B|2, C], D*, E[F], G"}, // where it is
-        {"A", "B", Middle, false, nullptr},                 // below itself
-        {"A", "A", Bottom, false, nullptr},
-        {"A", "D", Top, true, "A|1[B|2, C], A*|1[B|2, C], D, E[F], G"},
-        {"A", "C", Middle, true, "A|1[B|2, C[A*|1[B|2, C]]], D, E[F], G"},
+    using TTexts = std::vector<std::string>;
+    // Null: refused.
+    const std::tuple<TTexts, const char*, TPart, bool, const char*> Cases[] = {
+        {{"D"}, "A", Top, false, "D*, A|1[B|2, C], E[F], G"},
+        {{"B"}, "D", Bottom, false, "A|1[C], D, B*|2, E[F], G"},
+        {{"G"}, "B", Bottom, false, "A|1[B|2, G*, C], D, E[F]"},
+        {{"G"}, "E", Middle, false, "A|1[B|2, C], D, E[F, G*]"}, // a closed branch
+        {{"B"}, "", Middle, false, "A|1[C], D, E[F], G, B*|2"},
+        {{"A", "D", "G"}, "E", Bottom, false, "E[F], A*|1[B|2, C], D*, G*"},
+        {{"B", "G"}, "D", Top, false, "A|1[C], B*|2, G*, D, E[F]"},
+        {{"D"}, "E", Top, false, "A|1[B|2, C], D*, E[F], G"}, // where it is
+        {{"A"}, "B", Middle, false, nullptr},                 // below itself
+        {{"A"}, "A", Bottom, false, nullptr},
+        {{"A"}, "D", Top, true, "A|1[B|2, C], A*|1[B|2, C], D, E[F], G"},
+        {{"A"}, "C", Middle, true, "A|1[B|2, C[A*|1[B|2, C]]], D, E[F], G"},
     };
-    for (const auto& Case : Cases) {
-        SCOPED_TRACE(::testing::Message() << Case.Selected << " to " << Case.Target << " at " << Case.Part);
+    for (const auto& [Selected, Target, Part, Copy, Result] : Cases) {
+        SCOPED_TRACE(Selected[0] + " to " + Target + " at " + std::to_string(Part));
         Open(Plan);
-        Select(Case.Selected);
+        Select(Selected);
         const std::string Before = Dump();
-        const std::string Saved = OutlineText(*Tree->GetItems(), OptionsOf(8));
+        const std::string SavedBefore = Saved(8);
         int Action = -1;
-        Drag([&](NV_IDataObject* Data) {
+        Drag([&, Target = Target, Part = Part, Copy = Copy](NV_IDataObject* Data) {
             const std::unique_ptr<QMimeData> Mime(NewMimeData(Data));
             TDesktopDrag Desk(Tree->viewport(), Mime.get());
-            Desk.Modifiers = Case.Copy ? Qt::ControlModifier : Qt::NoModifier;
-            Action = Desk.Drop(On(Case.Target, Case.Part));
+            Desk.Modifiers = Copy ? Qt::ControlModifier : Qt::NoModifier;
+            Action = Desk.Drop(On(Target, Part));
         });
-        EXPECT_EQ(Action, !Case.Result ? 0 : Case.Copy ? Qt::CopyAction : Qt::MoveAction);
-        EXPECT_EQ(Dump(), Case.Result ? Case.Result : Before);
+        EXPECT_EQ(Action, !Result ? 0 : Copy ? Qt::CopyAction : Qt::MoveAction);
+        EXPECT_EQ(Dump(), Result ? Result : Before);
         Tree->GetItems()->CheckInvariants();
-        if (Dump() == Before) {
-            EXPECT_EQ(UndoText(), "Undo");
-            EXPECT_FALSE(Window.isWindowModified());
-            continue;
-        }
-        const std::string After = OutlineText(*Tree->GetItems(), OptionsOf(8));
-        EXPECT_EQ(UndoText(), Case.Copy ? "Undo Copy" : "Undo Move");
-        QTest::keyClick(Tree, Qt::Key_Z, Qt::ControlModifier);
-        EXPECT_EQ(OutlineText(*Tree->GetItems(), OptionsOf(8)), Saved);
-        QTest::keyClick(Tree, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-        EXPECT_EQ(OutlineText(*Tree->GetItems(), OptionsOf(8)), After);
+        const bool Changed = Dump() != Before;
+        EXPECT_EQ(Window.isWindowModified(), Changed);
+        EXPECT_EQ(UndoText(), !Changed ? "Undo" : Copy ? "Undo Copy" : "Undo Move");
+        if (!Changed) continue;
+        const std::string After = Saved(8);
+        Press("Ctrl+Z");
+        EXPECT_EQ(Saved(8), SavedBefore);
+        Press("Ctrl+Shift+Z");
+        EXPECT_EQ(Saved(8), After);
     }
 }
 
@@ -147,81 +107,44 @@ TEST_F(OutlineDrag, OffersNodesAndTextButNoFiles) {
     EXPECT_NE(Text.find(",/etc/passwd\r\n"), std::string::npos);
 }
 
-TEST_F(OutlineDrag, StartsFromTextsOnly) {
-    bool Started = false;
-    Tree->OnOLEStartDrag = [&](NV_IDataObject*, int&) { Started = true; };
-    const TRect Cell = Tree->CellRect(1, Tree->GetRow());
-    const QPoint From((Cell.Left + Cell.Right) / 2, (Cell.Top + Cell.Bottom) / 2);
-    QTest::mousePress(Tree->viewport(), Qt::LeftButton, {}, From);
-    for (const int Step : {4, 14, 30}) QTest::mouseMove(Tree->viewport(), From + QPoint(Step, Step));
-    QTest::mouseRelease(Tree->viewport(), Qt::LeftButton, {}, From);
-    EXPECT_FALSE(Started) << "other columns are for ranges of cells";
-}
-
 TEST_F(OutlineDrag, TakesWhatOtherProgramsDragToTheMark) {
     Folder.Put("a b.txt", "12345");
     const QUrl File = QUrl::fromLocalFile(QString::fromStdString(Folder.File("a b.txt")));
-    const auto WithFile = [&](QMimeData& Data) {
-        Data.setUrls({File});
-        Data.setText(File.toString());
-    };
+    const QByteArray Nodes = "SaveOptions:8\r\nN,cell\r\n\tM\r\n";
+    const QByteArray NoNodes("SaveOptions:127\r\n\xFF,\0", 20);
+    const char* const Unchanged = "A*|1[B|2, C], D, E[F], G";
     const struct {
-        std::function<void(QMimeData&)> Fill;
+        QString Text;
+        QByteArray Nodes;
+        bool HasFile;
         const char* Target;
         TPart Part;
         Qt::KeyboardModifiers Modifiers;
         int Action;
         const char* Result;
     } Cases[] = {
-        {[](QMimeData& Data) { Data.setText("x\n  y\tcell\nz"); },
-         "D",
-         Top,
-         {},
-         Qt::CopyAction,
-         "A|1[B|2, C], x*[y|cell], z*, D, E[F], G"},
-        {[](QMimeData& Data) { Data.setText("x"); }, "E", Middle, Qt::ShiftModifier, Qt::MoveAction,
-         "A|1[B|2, C], D, E[F, x*], G"},
-        {[](QMimeData& Data) {
-             Data.setData(NodesMimeType, "SaveOptions:8\r\nN,cell\r\n\tM\r\n");
-             Data.setText("as text");
-         },
-         "C", Bottom, Qt::ShiftModifier, Qt::MoveAction, "A|1[B|2, C, N*|cell[M]], D, E[F], G"},
-        {[](QMimeData& Data) { Data.setData(NodesMimeType, "SaveOptions:8\r\nOnlyNodes\r\n"); },
-         "",
-         Middle,
-         {},
-         Qt::CopyAction,
-         "A|1[B|2, C], D, E[F], G, OnlyNodes*"},
-        {[](QMimeData& Data) {
-             Data.setData(NodesMimeType, QByteArray("SaveOptions:127\r\n\xFF,\0", 20));
-             Data.setText("as text");
-         },
-         "G",
-         Bottom,
-         {},
-         Qt::CopyAction,
-         "A|1[B|2, C], D, E[F], G, as text*"},
-        {WithFile, "G", Bottom, Qt::ShiftModifier, Qt::CopyAction, "A|1[B|2, C], D, E[F], G, a b.txt*"},
-        {[](QMimeData& Data) { Data.setText(" \n"); }, "G", Bottom, {}, 0, "A*|1[B|2, C], D, E[F], G"},
-        {[](QMimeData& Data) { Data.setData("image/png", "x"); },
-         "G",
-         Bottom,
-         {},
-         0,
-         "A*|1[B|2, C], D, E[F], G"},
+        {"x\n  y\tcell\nz", "", false, "D", Top, {}, 1, "A|1[B|2, C], x*[y|cell], z*, D, E[F], G"},
+        {"x", "", false, "E", Middle, Qt::ShiftModifier, 2, "A|1[B|2, C], D, E[F, x*], G"},
+        {"text", Nodes, false, "C", Bottom, Qt::ShiftModifier, 2, "A|1[B|2, C, N*|cell[M]], D, E[F], G"},
+        {"", Nodes, false, "", Middle, {}, 1, "A|1[B|2, C], D, E[F], G, N*|cell[M]"},
+        {"text", NoNodes, false, "G", Bottom, {}, 1, "A|1[B|2, C], D, E[F], G, text*"},
+        {"text", "", true, "G", Bottom, Qt::ShiftModifier, 1, "A|1[B|2, C], D, E[F], G, a b.txt*"},
+        {" \n", "", false, "G", Bottom, {}, 0, Unchanged},
     };
     for (const auto& Case : Cases) {
         SCOPED_TRACE(Case.Result);
         Open(Plan);
+        const std::string Before = Saved(8);
         TDesktopDrag Desk(Tree->viewport());
-        Case.Fill(Desk.Data);
+        if (!Case.Text.isEmpty()) Desk.Data.setText(Case.Text);
+        if (!Case.Nodes.isEmpty()) Desk.Data.setData(NodesMimeType, Case.Nodes);
+        if (Case.HasFile) Desk.Data.setUrls({File});
         Desk.Modifiers = Case.Modifiers;
         EXPECT_EQ(Desk.Drop(On(Case.Target, Case.Part)), Case.Action);
         EXPECT_EQ(Dump(), Case.Result);
-        if (Case.Action == 0) continue;
-        EXPECT_EQ(UndoText(), "Undo Drop");
-        QTest::keyClick(Tree, Qt::Key_Z, Qt::ControlModifier);
-        EXPECT_EQ(OutlineText(*Tree->GetItems(), OptionsOf(8)).find("as text"), std::string::npos);
+        EXPECT_EQ(UndoText(), Case.Action == 0 ? "Undo" : "Undo Drop");
+        Press("Ctrl+Z");
+        EXPECT_EQ(Saved(8), Before);
     }
 }
 
@@ -238,17 +161,16 @@ TEST_F(OutlineDrag, PutsSizesAndDatesOfFilesWhereTheOutlineHasSuchColumns) {
 }
 
 TEST_F(OutlineDrag, LetsNodesGoThatAnotherProgramHasTaken) {
-    Select("BD");
-    const std::string Before = OutlineText(*Tree->GetItems(), OptionsOf(8));
+    Select({"B", "D"});
+    const std::string Before = Saved(8);
     Tree->NodesDragged(drDropCopy, false);
     Tree->NodesDragged(drCancel, false);
     Tree->NodesDragged(drDropMove, true);
-    EXPECT_EQ(OutlineText(*Tree->GetItems(), OptionsOf(8)), Before);
+    EXPECT_EQ(Saved(8), Before);
     Tree->NodesDragged(drDropMove, false);
-    EXPECT_EQ(DumpOutline(*Tree->GetItems()), "A|1[C*], E[F], G");
-    EXPECT_EQ(UndoText(), "Undo Move");
-    QTest::keyClick(Tree, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(OutlineText(*Tree->GetItems(), OptionsOf(8)), Before);
+    EXPECT_EQ(Dump() + " " + UndoText(), "A|1[C*], E[F], G Undo Move");
+    Press("Ctrl+Z");
+    EXPECT_EQ(Saved(8), Before);
 }
 
 } // namespace

@@ -1,26 +1,15 @@
 // The commands of the outliner, as the user gives them.
-#include "examples/outliner/OutlineEditor.h"
 #include "examples/outliner/EditMenu.h"
-#include "examples/outliner/OutlinerWindow.h"
-#include "examples/outliner/OutlineTree.h"
-
-#include "tests/examples/OutlineDump.h"
-#include "tests/support/QtTest.h"
+#include "tests/examples/OutlinerTest.h"
 
 #include <QAbstractButton>
 #include <QAction>
-#include <QApplication>
 #include <QClipboard>
-#include <QMenuBar>
 #include <QMimeData>
-#include <QStatusBar>
-#include <QTest>
 #include <QTimer>
 
 using namespace quill;
 using namespace quill::examples;
-using quill::testing::DumpOutline;
-using quill::testing::TTempFolder;
 
 namespace {
 
@@ -33,58 +22,14 @@ const char* const Plan = "SaveOptions:127\r\n"
                          "2,2,-1,0,0,2,Play\r\n"
                          "\t-1,-1,-1,0,0,1,Below\r\n";
 
-class OutlineEditor : public ::testing::Test {
+class OutlineEditor : public TOutlinerTest {
 protected:
-    OutlineEditor() { Open(Plan); }
-
-    void Open(const std::string& Text) {
-        Folder.Put("plan.nodes", Text);
-        Tree->SetSmoothExpandCollapse(false);
-        Window.OpenFile(Folder.File("plan.nodes"));
-        Window.show();
-        Tree->setFocus();
-        QApplication::processEvents();
-    }
-    std::string Dump() { return DumpOutline(*Tree->GetItems()); }
-    // Every field of every node that the options name.
-    std::string Saved(int Options = 127) { return OutlineText(*Tree->GetItems(), OptionsOf(Options)); }
-    TFlyNode* Node(const std::string& Text) {
-        TFlyNode* Found = Tree->GetItems()->GetFirstNode();
-        while (Found && Found->GetText() != Text) Found = Found->GetNext();
-        return Found;
-    }
-    void Select(const std::vector<std::string>& Texts) {
-        Tree->SetSelection(Node(Texts.front()));
-        for (const std::string& Text : Texts) Node(Text)->SetSelected(true);
-    }
-    // Keys go where the focus is.
-    void Press(Qt::Key Key, Qt::KeyboardModifiers Modifiers = {}) {
-        QTest::keyClick(QApplication::focusWidget(), Key, Modifiers);
-    }
-    void Type(const char* Text) { QTest::keyClicks(QApplication::focusWidget(), Text); }
-    void PutText(const QString& Text) { QApplication::clipboard()->setText(Text); }
-    void PutBytes(const char* Type, const QByteArray& Bytes) {
-        auto* const Data = new QMimeData;
-        Data->setData(Type, Bytes);
-        QApplication::clipboard()->setMimeData(Data);
-    }
-    QString UndoText() {
-        const QMenu* const Menu = Window.menuBar()->actions()[1]->menu();
-        return Menu->actions()[0]->text().remove('&');
-    }
-
-    TTempFolder Folder;
-    TOutlinerWindow Window;
-    TOutlineTree* Tree = Window.GetTree();
+    OutlineEditor() : TOutlinerTest(Plan) {}
 };
 
 TEST_F(OutlineEditor, UndoesAndRedoesTheLastChange) {
-    const struct {
-        const char* Name;
-        std::vector<std::string> Selected;
-        const char* Keys; // null: sort
-        const char* Result;
-    } Cases[] = {
+    // Null for keys: sort.
+    const std::tuple<const char*, std::vector<std::string>, const char*, const char*> Cases[] = {
         {"Delete", {"Read"}, "Del", "Work|mine[Write*|long], Play[Below]"},
         {"Delete", {"Write", "Read", "Shown", "Play"}, "Del", "Work*|mine"},
         {"Delete", {"Work", "Play"}, "Del", ""},
@@ -98,25 +43,21 @@ TEST_F(OutlineEditor, UndoesAndRedoesTheLastChange) {
          "Work|mine, Write*|long, Read*|a, b[Hidden, Shown], Play[Below]"},
         {"Sort", {"Write"}, nullptr, "Play[Below], Work|mine[Read|a, b[Hidden, Shown], Write*|long]"},
     };
-    for (const auto& Case : Cases) {
-        SCOPED_TRACE(::testing::Message() << Case.Name << " " << Case.Result);
+    for (const auto& [Name, Selected, Keys, Result] : Cases) {
+        SCOPED_TRACE(Result);
         Open(Plan);
-        Select(Case.Selected);
+        Select(Selected);
         const std::string Before = Saved();
-        if (Case.Keys) {
-            QTest::keySequence(Tree, QKeySequence(Case.Keys));
-        } else {
-            Tree->SortBy(0, srtAscending);
-        }
-        EXPECT_EQ(Dump(), Case.Result);
+        Keys ? Press(Keys) : Tree->SortBy(0, srtAscending);
+        EXPECT_EQ(Dump(), Result);
         EXPECT_TRUE(Window.isWindowModified());
-        EXPECT_EQ(UndoText(), "Undo " + QString(Case.Name));
+        EXPECT_EQ(UndoText(), std::string("Undo ") + Name);
         const std::string After = Saved();
         for (int Round = 0; Round < 2; ++Round) {
-            Press(Qt::Key_Z, Qt::ControlModifier);
+            Press("Ctrl+Z");
             EXPECT_EQ(Saved(), Before);
             EXPECT_EQ(UndoText(), "Undo");
-            Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+            Press("Ctrl+Shift+Z");
             EXPECT_EQ(Saved(), After);
         }
         Tree->GetItems()->CheckInvariants();
@@ -128,34 +69,23 @@ TEST_F(OutlineEditor, UndoesAndRedoesTheLastChange) {
 
 TEST_F(OutlineEditor, EditsAndAddsByKeys) {
     Select({"Write"});
-    Press(Qt::Key_F2);
-    Press(Qt::Key_Escape);
+    Press("F2 Esc");
     EXPECT_FALSE(Window.isWindowModified()) << "nothing was changed";
-    Press(Qt::Key_F2);
-    Type("Send");
     // One node after the other, without leaving the keyboard.
-    Press(Qt::Key_Return, Qt::ControlModifier);
-    Type("Print");
-    Press(Qt::Key_Return, Qt::ControlModifier | Qt::ShiftModifier);
-    Type("Twice");
-    Press(Qt::Key_Escape);
+    Press("F2 'Send' Ctrl+Return 'Print' Ctrl+Shift+Return 'Twice' Esc");
     EXPECT_EQ(Dump(), "Work|mine[Send|long, Print[Twice*], Read|a, b[Hidden, Shown]], Play[Below]");
     EXPECT_EQ(Node("Print")->GetStateIndex(), 1) << "open, as its neighbour";
     EXPECT_TRUE(Window.isWindowModified());
-    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press("Ctrl+Z");
     EXPECT_EQ(Dump(), "Work|mine[Send|long, Print*, Read|a, b[Hidden, Shown]], Play[Below]");
-    Press(Qt::Key_Y, Qt::ControlModifier);
+    Press("Ctrl+Y");
     EXPECT_EQ(Node("Twice")->GetParent(), Node("Print")) << "with its text";
 
     // Keys of the cell's editor stay there.
-    Press(Qt::Key_F2);
-    Press(Qt::Key_Home);
-    Press(Qt::Key_Delete);
-    Press(Qt::Key_Escape);
+    Press("F2 Home Del Esc");
     EXPECT_EQ(Node("Print")->GetLastChild()->GetText(), "wice");
     Window.NewOutline();
-    Press(Qt::Key_Insert);
-    Type("First");
+    Press("Ins 'First'");
     Window.SaveFile(Folder.File("new.nodes"));
     EXPECT_NE(Folder.Content("new.nodes").find("First"), std::string::npos)
         << "what is being typed is saved too";
@@ -163,60 +93,55 @@ TEST_F(OutlineEditor, EditsAndAddsByKeys) {
 
 TEST_F(OutlineEditor, CopiesNodesWithAllFieldsAndAsText) {
     Select({"Work", "Shown", "Below"});
-    Press(Qt::Key_C, Qt::ControlModifier);
+    Press("Ctrl+C");
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
               "Work\tmine\n  Write\tlong\n  Read\ta, b\n    Hidden\n    Shown\nBelow\n");
     // Pasted into an outline of texts alone, all fields come along and are saved.
     Open("SaveOptions:0\r\nA\r\nB\r\n");
     Select({"A"});
-    Press(Qt::Key_V, Qt::ControlModifier);
+    Press("Ctrl+V");
     EXPECT_EQ(Dump(), "A, Work*|mine[Write|long, Read|a, b[Hidden, Shown]], Below*, B");
     EXPECT_EQ(Tree->GetColCount(), 2);
     EXPECT_TRUE(Tree->GetShowLogic());
     EXPECT_EQ(Tree->GetNodeCount(), 8);
     Window.SaveFile(Folder.File("pasted.nodes"));
     EXPECT_NE(Folder.Content("pasted.nodes").find("4,1,Hidden"), std::string::npos);
-    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press("Ctrl+Z");
     EXPECT_EQ(Dump(), "A, B*");
     EXPECT_EQ(Tree->GetColCount(), 1);
     EXPECT_EQ(Tree->GetNodeCount(), 2);
 }
 
 TEST_F(OutlineEditor, PastesWhateverIsOnTheClipboard) {
-    const auto Paste = [&] {
+    const auto Paste = [&](const char* Type, const QByteArray& Bytes) {
+        auto* const Data = new QMimeData;
+        Data->setData(Type, Bytes);
+        QApplication::clipboard()->setMimeData(Data);
         Open("SaveOptions:8\r\nA,1\r\n");
         Window.statusBar()->clearMessage();
-        Press(Qt::Key_V, Qt::ControlModifier);
+        Press("Ctrl+V");
         return Dump();
     };
-    PutText("Row\t2\t3\r\n\"Two\nlines\"\t\t\r\n");
-    EXPECT_EQ(Paste(), "A|1, Row*|2|3, Two lines*");
-    PutText("SaveOptions:4\r\n2,Done\r\n");
-    EXPECT_EQ(Paste(), "A|1, Done*");
-    EXPECT_EQ(Node("Done")->GetStateIndex(), 2);
-    PutText("SaveOptions:4\r\nno number\r\n");
-    EXPECT_EQ(Paste(), "A|1, SaveOptions:4*, no number*") << "no nodes text after all";
-    PutBytes("text/plain", QByteArray("a\0b\xFF", 4));
-    EXPECT_EQ(Paste(), "A|1, ab\xEF\xBF\xBD*");
-    PutText(QString(2000, QChar('x')) + "\n" + QString("y\n").repeated(2000));
-    Paste();
-    EXPECT_EQ(Tree->GetNodeCount(), 2002);
-    Press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(Dump(), "A*|1");
-
-    const auto ExpectNothing = [&] {
-        EXPECT_EQ(Paste(), "A*|1");
-        EXPECT_NE(Window.statusBar()->currentMessage(), "");
-        EXPECT_FALSE(Window.isWindowModified());
+    const std::tuple<const char*, QByteArray, const char*> Cases[] = {
+        {"text/plain", "Row\t2\t3\r\n\"Two\nlines\"\t\t\r\n", "A|1, Row*|2|3, Two lines*"},
+        {"text/plain", "SaveOptions:4\r\n2,Done\r\n", "A|1, Done*"},
+        {"text/plain", "SaveOptions:4\r\nno number\r\n", "A|1, SaveOptions:4*, no number*"},
+        {"text/plain", QByteArray("a\0b\xFF", 4), "A|1, ab\xEF\xBF\xBD*"},
+        {"text/plain", "", "A*|1"},
+        {"text/plain", "\n \t\n", "A*|1"},
+        {"image/png", "no picture", "A*|1"},
+        {NodesMimeType, QByteArray("SaveOptions:127\r\n\xFF,\0", 20), "A*|1"},
     };
-    QApplication::clipboard()->clear();
-    ExpectNothing();
-    PutText("\n \t\n");
-    ExpectNothing();
-    PutBytes("image/png", "no picture");
-    ExpectNothing();
-    PutBytes(NodesMimeType, "SaveOptions:127\r\n\xFF,\0");
-    ExpectNothing();
+    for (const auto& [Type, Bytes, Result] : Cases) {
+        EXPECT_EQ(Paste(Type, Bytes), Result);
+        const bool Taken = Result != std::string("A*|1");
+        EXPECT_EQ(Window.isWindowModified(), Taken) << Result;
+        EXPECT_TRUE(Taken || !Window.statusBar()->currentMessage().isEmpty());
+    }
+    Paste("text/plain", QByteArray(2000, 'x') + "\n" + QByteArray("y\n").repeated(2000));
+    EXPECT_EQ(Tree->GetNodeCount(), 2002);
+    Press("Ctrl+Z");
+    EXPECT_EQ(Dump(), "A*|1");
 }
 
 TEST_F(OutlineEditor, EditsAllNodesInTheNodesEditor) {
@@ -253,41 +178,39 @@ TEST_F(OutlineEditor, EditsAllNodesInTheNodesEditor) {
     EXPECT_EQ(Tree->GetRowCount(), 4);
     EXPECT_EQ(Tree->GetNodeCount(), 8);
     EXPECT_EQ(UndoText(), "Undo Edit Nodes");
-    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press("Ctrl+Z");
     EXPECT_EQ(Saved(), Before);
     EXPECT_EQ(Tree->GetNodeCount(), 7);
-    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    Press("Ctrl+Shift+Z");
     EXPECT_EQ(Tree->GetNodeCount(), 8);
 
     Edit({"Clear", "OK"});
     EXPECT_EQ(Dump(), "");
-    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press("Ctrl+Z");
     EXPECT_EQ(Tree->GetNodeCount(), 8);
 }
 
 TEST_F(OutlineEditor, KeepsOneChoiceOfAGroupThatIsPastedInto) {
     Open("SaveOptions:4\r\n4,This\r\n5,That\r\n");
     Select({"This"});
-    Press(Qt::Key_C, Qt::ControlModifier);
-    Press(Qt::Key_V, Qt::ControlModifier);
+    Press("Ctrl+C");
+    Press("Ctrl+V");
     EXPECT_EQ(Saved(4), "SaveOptions:4\r\n4,This\r\n5,This\r\n5,That\r\n");
     Select({"This"});
-    Press(Qt::Key_X, Qt::ControlModifier);
-    Press(Qt::Key_V, Qt::ControlModifier);
+    Press("Ctrl+X");
+    Press("Ctrl+V");
     EXPECT_EQ(Saved(4), "SaveOptions:4\r\n5,This\r\n4,This\r\n5,That\r\n") << "the choice moves along";
 }
 
 TEST_F(OutlineEditor, ForgetsWhatItCannotUndo) {
     Select({"Play"});
-    Press(Qt::Key_Delete);
+    Press("Del");
     Tree->GetItems()->Delete(Node("Work"));
     EXPECT_EQ(UndoText(), "Undo");
-    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press("Ctrl+Z");
     EXPECT_EQ(Dump(), "");
     // Nothing to work on: nothing happens.
-    for (const auto Key : {Qt::Key_Delete, Qt::Key_F2}) Press(Key);
-    for (const auto Key : {Qt::Key_Up, Qt::Key_Right, Qt::Key_Left}) Press(Key, Qt::AltModifier);
-    for (const auto Key : {Qt::Key_X, Qt::Key_C}) Press(Key, Qt::ControlModifier);
+    for (const char* Keys : {"Del", "F2", "Alt+Up", "Alt+Right", "Alt+Left", "Ctrl+X", "Ctrl+C"}) Press(Keys);
     EXPECT_EQ(Dump(), "");
 }
 

@@ -1,19 +1,12 @@
-#include "examples/outliner/OutlinerWindow.h"
-#include "examples/outliner/OutlineTree.h"
-
-#include "tests/support/QtTest.h"
+#include "tests/examples/OutlinerTest.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QLabel>
 #include <QMessageBox>
-#include <QStatusBar>
-#include <QTest>
 #include <QTimer>
 
 using namespace quill;
 using namespace quill::examples;
-using quill::testing::TTempFolder;
 
 namespace {
 
@@ -26,31 +19,21 @@ const char* const Tasks = "SaveOptions:28\r\n"
                           "\t4,0,This\r\n"
                           "\t5,0,That\r\n";
 
-class OutlinerWindow : public ::testing::Test {
+class OutlinerWindow : public TOutlinerTest {
 protected:
-    OutlinerWindow() {
-        Folder.Put("tasks.nodes", Tasks);
-        Window.GetTree()->SetSmoothExpandCollapse(false);
-        Window.resize(600, 400);
-        Window.OpenFile(Folder.File("tasks.nodes"));
-        Window.show();
-        QApplication::processEvents();
-    }
+    OutlinerWindow() : TOutlinerTest(Tasks) {}
 
-    TFlyNode* NodeOf(int Row) { return Window.GetTree()->GetNodeAtRow(Row); }
+    TFlyNode* NodeOf(int Row) { return Tree->GetNodeAtRow(Row); }
     // Clicks into the slot of the check mark of the node in a row.
     void ClickMark(int Row) {
-        TOutlineTree* Tree = Window.GetTree();
         const TRect Cell = Tree->CellRect(0, Row);
         const int X = Tree->GetOutlineSlots(NodeOf(Row), Cell.Left).State + Tree->GetIndent() / 2;
-        QTest::mouseClick(Tree->viewport(), Qt::LeftButton, Qt::NoModifier,
-                          {X, (Cell.Top + Cell.Bottom) / 2});
+        QTest::mouseClick(Tree->viewport(), Qt::LeftButton, {}, {X, (Cell.Top + Cell.Bottom) / 2});
     }
     std::string States() {
         std::string Text;
-        for (TFlyNode* Node = Window.GetTree()->GetItems()->GetFirstNode(); Node; Node = Node->GetNext()) {
-            Text += std::to_string(Node->GetStateIndex()) + ' ';
-        }
+        for (TFlyNode* Each = Tree->GetItems()->GetFirstNode(); Each; Each = Each->GetNext())
+            Text += std::to_string(Each->GetStateIndex()) + ' ';
         return Text;
     }
     // Texts of the status bar.
@@ -75,16 +58,13 @@ protected:
         QApplication::processEvents();
         return Asked;
     }
-
-    TTempFolder Folder;
-    TOutlinerWindow Window;
 };
 
 TEST_F(OutlinerWindow, ShowsCountsOfTheDocument) {
-    EXPECT_EQ(Window.windowTitle(), "tasks.nodes[*]");
-    EXPECT_EQ(Status(), "tasks.nodes; 7 nodes; 7 rows; 1 selected; ");
+    EXPECT_EQ(Window.windowTitle(), "plan.nodes[*]");
+    EXPECT_EQ(Status(), "plan.nodes; 7 nodes; 7 rows; 1 selected; ");
     Window.CollapseAll();
-    EXPECT_EQ(Status(), "tasks.nodes (view changed); 7 nodes; 2 rows; 1 selected; ");
+    EXPECT_EQ(Status(), "plan.nodes (view changed); 7 nodes; 2 rows; 1 selected; ");
     ClickMark(1);
     Window.NewOutline();
     EXPECT_EQ(Status(), "Untitled; 0 nodes; 0 rows; 0 selected; ");
@@ -96,11 +76,11 @@ TEST_F(OutlinerWindow, TicksWhatIsClicked) {
     ClickMark(4); // settled: shown, not changed
     EXPECT_EQ(States(), "-1 2 1 3 -1 4 5 ");
     EXPECT_TRUE(Window.isWindowModified());
-    Window.SaveFile(Folder.File("tasks.nodes"));
+    Window.SaveFile(Folder.File("plan.nodes"));
     EXPECT_FALSE(Window.isWindowModified());
     ClickMark(7);
     EXPECT_EQ(States(), "-1 2 1 3 -1 5 4 ") << "of a group, one is chosen";
-    QTest::keyClick(Window.GetTree(), Qt::Key_Space);
+    QTest::keyClick(Tree, Qt::Key_Space);
     Window.SaveFile(Folder.File("copy.nodes"));
     EXPECT_NE(Folder.Content("copy.nodes").find("\t1,0,Done"), std::string::npos);
 }
@@ -113,9 +93,9 @@ TEST_F(OutlinerWindow, KeepsTheDocumentWhenAFileIsBroken) {
     EXPECT_THROW(Window.OpenFile(Folder.File("")), EOutlineError);
     EXPECT_EQ(States(), "-1 2 2 3 -1 4 5 ");
     EXPECT_TRUE(Window.isWindowModified());
-    EXPECT_EQ(Window.windowTitle(), "tasks.nodes[*]");
-    Window.SaveFile(Folder.File("tasks.nodes"));
-    EXPECT_NE(Folder.Content("tasks.nodes").find("2,0,Open"), std::string::npos);
+    EXPECT_EQ(Window.windowTitle(), "plan.nodes[*]");
+    Window.SaveFile(Folder.File("plan.nodes"));
+    EXPECT_NE(Folder.Content("plan.nodes").find("2,0,Open"), std::string::npos);
 }
 
 TEST_F(OutlinerWindow, AsksBeforeChangesAreLost) {
@@ -127,10 +107,10 @@ TEST_F(OutlinerWindow, AsksBeforeChangesAreLost) {
     ClickMark(2);
     EXPECT_TRUE(CloseAndAnswer(QMessageBox::Cancel));
     EXPECT_TRUE(Window.isVisible());
-    EXPECT_EQ(Folder.Content("tasks.nodes"), Tasks);
+    EXPECT_EQ(Folder.Content("plan.nodes"), Tasks);
     EXPECT_TRUE(CloseAndAnswer(QMessageBox::Save));
     EXPECT_FALSE(Window.isVisible());
-    EXPECT_NE(Folder.Content("tasks.nodes"), Tasks);
+    EXPECT_NE(Folder.Content("plan.nodes"), Tasks);
 }
 
 TEST_F(OutlinerWindow, SavesTheSameBytes) {
@@ -141,21 +121,14 @@ TEST_F(OutlinerWindow, SavesTheSameBytes) {
     Window.SaveFile(Folder.File("copy.nodes"));
     EXPECT_EQ(Folder.Content("copy.nodes"), Folder.Content("tags.nodes"));
     // The numbering of one outline is no business of the next.
-    Window.OpenFile(Folder.File("tasks.nodes"));
+    Window.OpenFile(Folder.File("plan.nodes"));
     Window.SaveFile(Folder.File("copy.nodes"));
     EXPECT_EQ(Folder.Content("copy.nodes"), Tasks);
-}
-
-TEST_F(OutlinerWindow, FindsNodesByTypedLettersWhileWholeRowsAreSelected) {
-    Window.GetTree()->SetSelectsRows(true);
-    QTest::keyClick(Window.GetTree(), Qt::Key_C);
-    EXPECT_EQ(Window.GetTree()->GetSelection()->GetText(), "Choice");
 }
 
 TEST_F(OutlinerWindow, SortsByTheCaptionThatIsClicked) {
     Folder.Put("sizes.nodes", "SaveOptions:8\r\nBoxes,10\r\n\tb,2\r\n\ta,11\r\nArks,9\r\nCans\r\n");
     Window.OpenFile(Folder.File("sizes.nodes"));
-    TOutlineTree* Tree = Window.GetTree();
     Window.ExpandAll();
     Tree->SetSelection(NodeOf(1));
     const auto Click = [&](int Col) {
@@ -180,8 +153,8 @@ TEST_F(OutlinerWindow, OpensWithTheColumnsInTheirPlacesAfterTheyWereMoved) {
     Folder.Put("cells.nodes", "SaveOptions:8\r\nA,1\r\nB,2\r\n");
     for (int Round = 0; Round < 2; ++Round) {
         Window.OpenFile(Folder.File("cells.nodes"));
-        EXPECT_EQ(NodeOf(2)->GetText() + Window.GetTree()->GetEditText(1, 2), "B2");
-        Window.GetTree()->MoveColumn(0, 1);
+        EXPECT_EQ(NodeOf(2)->GetText() + Tree->GetEditText(1, 2), "B2");
+        Tree->MoveColumn(0, 1);
         Window.SaveFile(Folder.File("copy.nodes"));
         EXPECT_EQ(Folder.Content("copy.nodes"), Folder.Content("cells.nodes"));
     }
@@ -192,12 +165,12 @@ TEST_F(OutlinerWindow, ComesBackAsTheUserLeftIt) {
     Folder.Put("cells.columns", "Name,Count,Kind\r\n");
     const std::string View = Folder.File("settings/view.form");
     const auto Widths = [](TOutlinerWindow& Of) {
-        TOutlineTree& Tree = *Of.GetTree();
+        TOutlineTree& Shown = *Of.GetTree();
         std::string Text;
-        for (int Col = 0; Col + 1 < Tree.GetColCount(); ++Col)
-            Text += Tree.GetEditText(Col, 0) + " " + std::to_string(Tree.GetColWidths(Col)) + ", ";
-        return Text + (Tree.HasOption(goRowSelect) ? "rows, " : "cells, ") +
-               std::to_string(Tree.GetOutlineStyle());
+        for (int Col = 0; Col + 1 < Shown.GetColCount(); ++Col)
+            Text += Shown.GetEditText(Col, 0) + " " + std::to_string(Shown.GetColWidths(Col)) + ", ";
+        return Text + (Shown.HasOption(goRowSelect) ? "rows, " : "cells, ") +
+               std::to_string(Shown.GetOutlineStyle());
     };
     {
         TOutlinerWindow First;
@@ -205,12 +178,12 @@ TEST_F(OutlinerWindow, ComesBackAsTheUserLeftIt) {
         First.resize(700, 300);
         First.OpenFile(Folder.File("cells.nodes"));
         First.show();
-        TOutlineTree& Tree = *First.GetTree();
-        Tree.MoveColumn(0, 1);
-        Tree.SetColWidths(0, 111);
-        Tree.SetColWidths(1, 222);
-        Tree.SetSelectsRows(true);
-        Tree.SetOutlineStyle(olsExcel);
+        TOutlineTree& Shown = *First.GetTree();
+        Shown.MoveColumn(0, 1);
+        Shown.SetColWidths(0, 111);
+        Shown.SetColWidths(1, 222);
+        Shown.SetSelectsRows(true);
+        Shown.SetOutlineStyle(olsExcel);
         First.close();
     }
     const std::string Expected = "Count 111, Name 222, rows, 2";
@@ -221,7 +194,7 @@ TEST_F(OutlinerWindow, ComesBackAsTheUserLeftIt) {
     Second.OpenFile(Folder.File("cells.nodes"));
     EXPECT_EQ(Widths(Second), Expected);
     // Other columns get widths of their own.
-    Second.OpenFile(Folder.File("tasks.nodes"));
+    Second.OpenFile(Folder.File("plan.nodes"));
     EXPECT_EQ(Second.GetTree()->GetEditText(0, 0), "Text");
 
     // What is wrong in the file is passed over and told; what is no form changes nothing.
@@ -235,37 +208,6 @@ TEST_F(OutlinerWindow, ComesBackAsTheUserLeftIt) {
         EXPECT_EQ(Third.GetTree()->GetOutlineStyle(), olsStandardTree);
         EXPECT_EQ(Third.GetTree()->HasOption(goRowSelect), File == Text);
         EXPECT_NE(Third.statusBar()->currentMessage().indexOf("Form, line"), -1);
-    }
-}
-
-TEST_F(OutlinerWindow, ShowsTheTextsOfARowOnOneLine) {
-    Folder.Put("lines.nodes", "SaveOptions:8\r\nFirst\r\nH,H,H\r\n");
-    Window.OpenFile(Folder.File("lines.nodes"));
-    TOutlineTree* Tree = Window.GetTree();
-    for (const int Height : {20, 21, 24, 27, 40}) {
-        Tree->SetDefaultRowHeight(Height);
-        const QImage Image = Tree->GetSurfaceImage();
-        const double Scale = Tree->GetScale();
-        // The first and the last line of pixels that the letter in a cell touches.
-        const auto Extent = [&](int Col) {
-            const TRect Cell = Tree->CellRect(Col, 2);
-            const int Left =
-                static_cast<int>((Cell.Right - Cell.Width() * (Col == 0 ? 0.7 : 1.0)) * Scale) + 1;
-            int First = -1;
-            int Last = -1;
-            for (int Y = static_cast<int>(Cell.Top * Scale); Y < static_cast<int>(Cell.Bottom * Scale) - 1;
-                 ++Y) {
-                for (int X = Left; X < static_cast<int>(Cell.Right * Scale) - 2; ++X) {
-                    if (qGray(Image.pixel(X, Y)) > 120) continue;
-                    if (First < 0) First = Y;
-                    Last = Y;
-                }
-            }
-            return std::pair(First, Last);
-        };
-        EXPECT_GE(Extent(1).first, 0);
-        EXPECT_EQ(Extent(1), Extent(2)) << "rows of " << Height;
-        EXPECT_EQ(Extent(0), Extent(1)) << "rows of " << Height;
     }
 }
 
