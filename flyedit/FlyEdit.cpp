@@ -360,14 +360,14 @@ void TFlyEditor::ColumnMoved(int From, int To) {
             FTree->SetColAlignMent(Col, static_cast<TAlignment>(AlignCode(*FSection->Aligns, Col)));
         FillAligns();
     }
-    Modified();
+    ModifiedSoon();
 }
 
 void TFlyEditor::ColumnSized(int Col, int Width) {
     if (!FReady || !FSection) return;
     FillUp(*FSection->Widths, Col + 1, NewWidth);
     FSection->Widths->Put(Col, IntToStr(Width));
-    Modified();
+    ModifiedSoon();
 }
 
 // --- files --------------------------------------------------------------------------------------------------------

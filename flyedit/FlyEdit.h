@@ -111,7 +111,7 @@ private:
     void TakeSection();
     void SetModified();
     void TellModified();
-    // Tells the caller once the field, editor or menu at work has finished, which would not survive the end of the
+    // Tells the caller once the control at work has finished, which would not survive the end of the
     // dialog; at the latest when the dialog closes.
     void ModifiedSoon();
     void TellUntold();

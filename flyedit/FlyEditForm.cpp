@@ -139,6 +139,7 @@ QLayout* TFlyEditor::MakeNodeFields() {
     AddField("&StateIndex:", FStateText);
     AddField("S&electedIndex:", FSelectedText);
     AddField("UniqueTag:", FUniqueTag);
+    Fields->setAlignment(FUniqueTag, Qt::AlignLeft); // beside its caption, from right to left, too
     Fields->setColumnStretch(1, 2);
     Fields->setColumnStretch(3, 3);
 

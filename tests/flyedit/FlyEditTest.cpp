@@ -62,6 +62,7 @@ void InDialog(std::function<void(T&)> Work) {
     QTimer::singleShot(0, qApp, [Work] {
         auto* const Dialog = dynamic_cast<T*>(QApplication::activeModalWidget());
         if (Dialog && Dialog->isVisible()) {
+            QTimer::singleShot(5000, Dialog, &QDialog::reject); // rather fail than wait forever
             Work(*Dialog);
         } else {
             QTimer::singleShot(1, qApp, [Work] { InDialog<T>(Work); });
@@ -111,8 +112,8 @@ protected:
         return *Editor->findChild<T*>(Name);
     }
     void Click(const char* Name) { QTest::mouseClick(&Control<QPushButton>(Name), Qt::LeftButton); }
-    void Drag(QPoint From, QPoint To) {
-        QWidget* const View = Editor->GetTree()->viewport();
+    static void Drag(TFlyEditor& Dialog, QPoint From, QPoint To) {
+        QWidget* const View = Dialog.GetTree()->viewport();
         QTest::mousePress(View, Qt::LeftButton, {}, From);
         for (int Step = 1; Step <= 4; ++Step) QTest::mouseMove(View, From + (To - From) * Step / 4);
         QTest::mouseRelease(View, Qt::LeftButton, {}, To);
@@ -225,7 +226,7 @@ TEST_F(FlyEdit, OkStoresCancelDoesNotAndTheResultTellsOfChanges) {
         int Changes;
         bool Result;
         const char* Nodes;
-    } Cases[] = {{{"Return"}, 0, false, "Fruit[Apple Pear] Nuts"},
+    } Cases[] = {{{"Alt+I", "Return"}, 0, false, "Fruit[Apple Pear] Nuts"},
                  {{"F3", "Escape"}, 1, false, "Fruit[Apple Pear] Nuts"},
                  {{"Alt+D"}, 1, true, "Nuts"},
                  {{"F2", "x"}, 1, true, "x[Apple Pear] Nuts"}};
@@ -282,6 +283,18 @@ TEST_F(FlyEdit, SurvivesTheEndOfTheNodesAndOfItsParent) {
     });
     EXPECT_FALSE(EditNodes(
         Tree.GetItems(), [&Parent] { Parent.reset(); }, Parent.get()));
+    TStringList Widths;
+    for (const QPoint By : {QPoint(40, 0), QPoint(-120, 0)}) { // a border is dragged, or a column
+        Parent = std::make_unique<QWidget>();
+        Widths.SetCommaText("100,100");
+        InDialog<TFlyEditor>([&](TFlyEditor& Dialog) {
+            const QPoint From(By.x() > 0 ? 100 : 150, 10);
+            Drag(Dialog, From, From + By);
+        });
+        EXPECT_FALSE(EditSectionNodes(
+            Tree.GetItems(), 2, 0, &Widths, [&Parent] { Parent.reset(); }, nullptr, Parent.get()));
+        EXPECT_EQ(Parent, nullptr);
+    }
     EXPECT_EQ(Dump(*Tree.GetItems()), "Fruit[Apple Pear] Nuts");
 }
 
@@ -321,9 +334,10 @@ TEST_F(FlyEdit, SectionsFollowTheMouse) {
         const TRect R = View.CellRect(Col, 0);
         return QPoint((R.Left + R.Right) / 2, (R.Top + R.Bottom) / 2);
     };
-    Drag({View.CellRect(1, 0).Right, Caption(1).y()}, {View.CellRect(1, 0).Right + 20, Caption(1).y()});
+    Drag(*Editor, {View.CellRect(1, 0).Right, Caption(1).y()},
+         {View.CellRect(1, 0).Right + 20, Caption(1).y()});
     EXPECT_EQ(Widths.GetCommaText(), "120,100,75");
-    Drag(Caption(0), Caption(1) + QPoint(40, 0));
+    Drag(*Editor, Caption(0), Caption(1) + QPoint(40, 0));
     EXPECT_EQ(Widths.GetCommaText() + " " + Aligns.GetCommaText(), "100,120,75 1,0,0");
     EXPECT_EQ(View.GetStructureCol(), 1);
     TFlyNode* const Copy = Edited().GetFirstNode();
