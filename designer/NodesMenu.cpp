@@ -5,13 +5,18 @@
 #include "quilltree/QuillTree.h"
 
 #include <QAction>
-#include <QDesignerFormWindowCursorInterface>
+#include <QDesignerFormEditorInterface>
 #include <QDesignerFormWindowInterface>
+#include <QDesignerPropertyEditorInterface>
+#include <QDesignerPropertySheetExtension>
+#include <QExtensionManager>
 #include <QMessageBox>
+#include <QUndoCommand>
 #include <QUndoStack>
 #include <QVariant>
 
 #include <array>
+#include <utility>
 
 namespace quill::designer {
 
@@ -19,6 +24,56 @@ namespace {
 
 // What the editor can change, in the order in which it has to be set.
 constexpr std::array Changed = {"ColCount", "StructureCol", "Nodes"};
+
+using TValues = std::array<QVariant, Changed.size()>;
+
+TValues ValuesOf(const TQuillTree& Tree) {
+    TValues Values;
+    for (std::size_t Index = 0; Index < Changed.size(); ++Index)
+        Values[Index] = Tree.property(Changed[Index]);
+    return Values;
+}
+
+// One visit to the editor. The form's own command for a property would mark the nodes to be translated, as it takes
+// every text for one that users read; set like this they keep the mark that they have.
+class TNodesCommand : public QUndoCommand {
+public:
+    TNodesCommand(const QString& Name, TQuillTree* Tree, QDesignerFormEditorInterface* Core, TValues Before,
+                  TValues After)
+        : QUndoCommand(Name), FTree(Tree), FCore(Core), FBefore(std::move(Before)), FAfter(std::move(After)) {
+        const QDesignerPropertySheetExtension* const Sheet = GetSheet();
+        for (std::size_t Index = 0; Sheet && Index < Changed.size(); ++Index)
+            FMarkedBefore[Index] = Sheet->isChanged(Sheet->indexOf(Changed[Index]));
+    }
+
+    void undo() override { Set(FBefore, true); }
+    void redo() override { Set(FAfter, false); }
+
+private:
+    QDesignerPropertySheetExtension* GetSheet() const {
+        if (!FTree || !FCore) return nullptr;
+        return qt_extension<QDesignerPropertySheetExtension*>(FCore->extensionManager(), FTree.data());
+    }
+
+    // Only what is marked as changed is saved.
+    void Set(const TValues& Values, bool Back) {
+        QDesignerPropertySheetExtension* const Sheet = GetSheet();
+        if (!Sheet) return;
+        for (std::size_t Index = 0; Index < Changed.size(); ++Index) {
+            if (FBefore[Index] == FAfter[Index]) continue;
+            FTree->setProperty(Changed[Index], Values[Index]);
+            Sheet->setChanged(Sheet->indexOf(Changed[Index]), Back ? FMarkedBefore[Index] : true);
+        }
+        QDesignerPropertyEditorInterface* const Editor = FCore->propertyEditor();
+        if (Editor && Editor->object() == FTree) Editor->setObject(FTree);
+    }
+
+    QPointer<TQuillTree> FTree;
+    QPointer<QDesignerFormEditorInterface> FCore;
+    TValues FBefore;
+    TValues FAfter;
+    std::array<bool, Changed.size()> FMarkedBefore{};
+};
 
 } // namespace
 
@@ -30,9 +85,7 @@ TNodesMenu::TNodesMenu(TQuillTree* Tree, QObject* Parent)
 
 void TNodesMenu::EditNodesOfTree() {
     if (!FTree) return;
-    std::array<QVariant, Changed.size()> Before;
-    for (std::size_t Index = 0; Index < Changed.size(); ++Index)
-        Before[Index] = FTree->property(Changed[Index]);
+    TValues Before = ValuesOf(*FTree);
     const QPointer<TNodesMenu> Self(this);
     const QPointer<QWidget> Window(FTree->window());
     try {
@@ -41,21 +94,12 @@ void TNodesMenu::EditNodesOfTree() {
         QMessageBox::warning(Window, tr("Nodes"), QString::fromStdString(Error.GetMessage()));
     }
     if (!Self || !FTree) return;
-    std::array<QVariant, Changed.size()> After;
-    for (std::size_t Index = 0; Index < Changed.size(); ++Index)
-        After[Index] = FTree->property(Changed[Index]);
+    TValues After = ValuesOf(*FTree);
     if (After == Before) return;
-    auto* const Form = QDesignerFormWindowInterface::findFormWindow(FTree);
-    if (!Form) return;
-    // The form notes the old value when it sets a new one.
-    for (std::size_t Index = 0; Index < Changed.size(); ++Index)
-        FTree->setProperty(Changed[Index], Before[Index]);
-    Form->beginCommand(FEdit->text());
-    for (std::size_t Index = 0; Index < Changed.size(); ++Index) {
-        if (FTree && After[Index] != Before[Index])
-            Form->cursor()->setWidgetProperty(FTree, Changed[Index], After[Index]);
+    if (auto* const Form = QDesignerFormWindowInterface::findFormWindow(FTree)) {
+        Form->commandHistory()->push(
+            new TNodesCommand(FEdit->text(), FTree, Form->core(), std::move(Before), std::move(After)));
     }
-    Form->endCommand();
 }
 
 QObject* TNodesMenuFactory::createExtension(QObject* Object, const QString& Iid, QObject* Parent) const {

@@ -20,6 +20,7 @@ const TWidgetInfo Widgets[] = {
      .Group = PalettePage.data(),
      .ToolTip = "A label that shows markup",
      .ObjectName = "htmlText",
+     .Values = "",
      .Properties = R"(<stringpropertyspecification name="Lines" type="multiline"/>)",
      .Size = {105, 105},
      .Icon = LabelIcon,
@@ -29,6 +30,8 @@ const TWidgetInfo Widgets[] = {
      .Group = "Quill",
      .ToolTip = "A tree whose nodes have columns",
      .ObjectName = "quillTree",
+     // The node that a tree begins with. Only a value can say that it is not to be translated.
+     .Values = R"(<property name="Nodes"><string notr="true">TFlyNode</string></property>)",
      .Properties = R"(<stringpropertyspecification name="Nodes" type="multiline" notr="true"/>)",
      .Size = {240, 180},
      .Icon = TreeIcon,
@@ -56,6 +59,7 @@ QString TWidgetPlugin::domXml() const {
     return QStringLiteral(R"(<ui language="c++">
  <widget class="%1" name="%2">
   <property name="geometry"><rect><x>0</x><y>0</y><width>%3</width><height>%4</height></rect></property>
+  %6
  </widget>
  <customwidgets>
   <customwidget>
@@ -68,7 +72,7 @@ QString TWidgetPlugin::domXml() const {
         .arg(FInfo.ClassName, FInfo.ObjectName)
         .arg(FInfo.Size.width())
         .arg(FInfo.Size.height())
-        .arg(FInfo.Properties);
+        .arg(FInfo.Properties, FInfo.Values);
 }
 
 TPlugin::TPlugin(QObject* Parent) : QObject(Parent) {

@@ -15,7 +15,8 @@ struct TWidgetInfo {
     const char* Group; // of the palette
     const char* ToolTip;
     const char* ObjectName; // of the first one on a form
-    const char* Properties; // extra settings in the form's language
+    const char* Values;     // of properties, when it is put on a form, in the form's language
+    const char* Properties; // their extra settings
     QSize Size;             // pixels, when it is put on a form with a click
     QIcon (*Icon)();
     QWidget* (*Create)(QWidget* Parent);

@@ -172,7 +172,10 @@ TEST_F(Designer, NodesOfAFormMayBeTypedAndDamageChangesNothing) {
 TEST_F(Designer, TheTaskMenuEditsNodesAndUndoTakesThemBack) {
     TFormEditor Editor;
     QDesignerFormWindowInterface* const Form = Editor.Form;
-    QWidget* const Tree = Editor.Tree;
+    // As the widget box has it.
+    ASSERT_TRUE(Form->setContents(QString::fromUtf8(
+        FormWith("<property name=\"Nodes\"><string notr=\"true\">TFlyNode</string></property>"))));
+    auto* const Tree = Form->findChild<QWidget*>("Tree");
     const QString Before = Nodes(Tree);
     auto* const Menu = qt_extension<QDesignerTaskMenuExtension*>(Editor.Core->extensionManager(), Tree);
     ASSERT_NE(Menu, nullptr);
@@ -189,11 +192,15 @@ TEST_F(Designer, TheTaskMenuEditsNodesAndUndoTakesThemBack) {
     Menu->preferredEditAction()->trigger();
     const QString After = Nodes(Tree);
     EXPECT_EQ(After.count("New Node"), 2) << After.toStdString();
-    // Compiled forms then set it through Qt, too.
-    EXPECT_TRUE(Form->contents().contains("<property name=\"Nodes\" stdset=\"0\">"));
+    // Compiled forms then set it through Qt, too, and do not translate it.
+    const QString Contents = Form->contents().simplified();
+    EXPECT_TRUE(Contents.contains("<property name=\"Nodes\" stdset=\"0\"> <string notr=\"true\">"))
+        << Contents.toStdString();
+    EXPECT_TRUE(Form->isDirty());
     ASSERT_EQ(Form->commandHistory()->count(), 1);
     Form->commandHistory()->undo();
     EXPECT_EQ(Nodes(Tree), Before);
+    EXPECT_FALSE(Form->contents().contains("New Node"));
     Form->commandHistory()->redo();
     EXPECT_EQ(Nodes(Tree), After);
     const std::unique_ptr<QWidget> Loaded = Load(Form->contents().toUtf8());
