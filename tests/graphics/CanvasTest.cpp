@@ -21,31 +21,19 @@ constexpr int Low = std::numeric_limits<int>::min();
 constexpr int High = std::numeric_limits<int>::max();
 
 TEST(Canvas, SnapsAndMirrorsRectangles) {
-    struct TCase {
-        double Scale;
-        bool Mirrored;
-        TRect Rect;
-        const char* Device;
-    };
-    const TCase Cases[] = {
-        {1.0, false, {2, 3, 5, 7}, "(2,3,5,7)"},
-        {1.0, true, {2, 3, 5, 7}, "(35,3,38,7)"},
-        {2.0, true, {2, 3, 5, 7}, "(70,6,76,14)"},
-        {1.5, false, {1, 1, 2, 2}, "(2,2,3,3)"},
-        {1.5, false, {2, 2, 3, 3}, "(3,3,5,5)"},
-        {1.0, false, {-5, -5, 3, 3}, "(0,0,3,3)"},
-        {1.0, false, {5, 5, 3, 9}, "empty"},
-        {1.0, false, {Low, Low, High, High}, "(0,0,40,20)"},
-        {1.5, true, {Low, Low, High, High}, "(0,0,60,30)"},
+    const std::tuple<double, bool, TRect, const char*> Cases[] = {
+        {1.0, false, {2, 3, 5, 7}, "(2,3,5,7)"},       {1.0, true, {2, 3, 5, 7}, "(35,3,38,7)"},
+        {2.0, true, {2, 3, 5, 7}, "(70,6,76,14)"},     {1.5, false, {1, 1, 2, 2}, "(2,2,3,3)"},
+        {1.5, false, {2, 2, 3, 3}, "(3,3,5,5)"},       {1.0, false, {-5, -5, 3, 3}, "(0,0,3,3)"},
+        {1.0, false, {5, 5, 3, 9}, "empty"},           {1.5, true, {Low, Low, High, High}, "(0,0,60,30)"},
         {1.0, false, {High - 1, 0, High, 5}, "empty"},
     };
-    for (const TCase& Case : Cases) {
-        TPictureCanvas Canvas(40, 20, Case.Scale);
-        Canvas.SetMirrored(Case.Mirrored, 40);
+    for (const auto& [Scale, Mirrored, Rect, Device] : Cases) {
+        TPictureCanvas Canvas(40, 20, Scale);
+        Canvas.SetMirrored(Mirrored, 40);
         Canvas.GetBrush()->SetColor(clRed);
-        Canvas.FillRect(Case.Rect);
-        EXPECT_EQ(Show(InkBounds(Canvas.Image)), Case.Device)
-            << Case.Scale << (Case.Mirrored ? " mirrored" : "");
+        Canvas.FillRect(Rect);
+        EXPECT_EQ(Show(InkBounds(Canvas.Image)), Device) << Scale << (Mirrored ? " mirrored" : "");
     }
 }
 
@@ -65,109 +53,82 @@ TEST(Canvas, NeighboursMeetAtEveryScale) {
 }
 
 TEST(Canvas, DrawsLinesWithoutTheirLastPoint) {
-    using TDraw = std::function<void(TCanvas&)>;
-    const auto Line = [](int X1, int Y1, int X2, int Y2, int Width = 1) {
-        return [=](TCanvas& Canvas) {
-            Canvas.GetPen()->SetWidth(Width);
-            Canvas.MoveTo(X1, Y1);
-            Canvas.LineTo(X2, Y2);
-        };
-    };
-    const auto Mirrored = [](const TDraw& Draw) {
-        return [=](TCanvas& Canvas) {
-            Canvas.SetMirrored(true, 6);
-            Draw(Canvas);
-        };
-    };
-    const auto Rectangle = [](TPenMode Mode) {
-        return [=](TCanvas& Canvas) {
-            Canvas.GetBrush()->SetStyle(bsClear);
-            Canvas.GetPen()->SetMode(Mode);
-            Canvas.Rectangle({1, 0, 5, 4});
-        };
-    };
-    const auto Styled = [=](TPenStyle Style) {
-        return [=](TCanvas& Canvas) {
-            Canvas.GetPen()->SetStyle(Style);
-            Line(0, 0, 6, 0)(Canvas);
-            Line(5, 3, -1, 3)(Canvas);
-        };
-    };
-    const auto Pixels = [](TCanvas& Canvas) {
-        const TPoint Points[] = {{0, 0}, {2, 1}, {9, 9}, {-1, 0}, {5, 3}};
-        Canvas.SetPixels(Points, clRed);
-    };
-    const struct {
+    struct TLine {
         const char* Name;
-        TDraw Draw;
+        int X1, Y1, X2, Y2;
         const char* Picture;
+        int Width = 1;
+        bool Mirrored = false;
+        TPenStyle Style = psSolid;
         double Scale = 1.0;
-    } Cases[] = {
-        {"right", Line(1, 1, 4, 1), "......\n.###..\n......\n......\n"},
-        {"left", Line(4, 1, 1, 1), "......\n..###.\n......\n......\n"},
-        {"up", Line(1, 3, 1, 1), "......\n......\n.#....\n.#....\n"},
-        {"slanted", Line(0, 0, 3, 3), "#.....\n.#....\n..#...\n......\n"},
-        {"nothing", Line(2, 2, 2, 2), "......\n......\n......\n......\n"},
-        {"clipped", Line(Low, 2, High, 2), "......\n......\n######\n......\n"},
-        {"width 3", Line(1, 2, 4, 2, 3), "......\n.###..\n.###..\n.###..\n"},
-        {"width 2", Line(3, 0, 3, 3, 2), "..##..\n..##..\n..##..\n......\n"},
-        {"mirrored column", Mirrored(Line(2, 0, 2, 3)), "....#.\n....#.\n....#.\n......\n"},
-        {"mirrored row", Mirrored(Line(1, 1, 4, 1)), "......\n...###\n......\n......\n"},
-        {"clear", Styled(psClear), "......\n......\n......\n......\n"},
-        {"dots", Styled(psDot), "###...\n......\n......\n...###\n"},
-        {"rectangle", Rectangle(pmCopy), ".####.\n.#..#.\n.#..#.\n.####.\n"},
-        {"inverted rectangle", Rectangle(pmNot), ".####.\n.#..#.\n.#..#.\n.####.\n"},
-        {"pixels", Pixels, "#.....\n..#...\n......\n.....#\n"},
-        {"hairline at 1.5", Line(1, 1, 3, 1),
-         ".........\n.........\n..###....\n.........\n.........\n.........\n", 1.5},
     };
-    for (const auto& Case : Cases) {
-        TPictureCanvas Canvas(6, 4, Case.Scale);
-        Case.Draw(Canvas);
-        EXPECT_EQ(Art(Canvas.Image), Case.Picture) << Case.Name;
+    const TLine Lines[] = {
+        {"right", 1, 1, 4, 1, "......\n.###..\n......\n......\n"},
+        {"left", 4, 1, 1, 1, "......\n..###.\n......\n......\n"},
+        {"up", 1, 3, 1, 1, "......\n......\n.#....\n.#....\n"},
+        {"slanted", 0, 0, 3, 3, "#.....\n.#....\n..#...\n......\n"},
+        {"nothing", 2, 2, 2, 2, "......\n......\n......\n......\n"},
+        {"clipped", Low, 2, High, 2, "......\n......\n######\n......\n"},
+        {"width 3", 1, 2, 4, 2, "......\n.###..\n.###..\n.###..\n", 3},
+        {"width 2", 3, 0, 3, 3, "..##..\n..##..\n..##..\n......\n", 2},
+        {"mirrored column", 2, 0, 2, 3, "....#.\n....#.\n....#.\n......\n", 1, true},
+        {"mirrored row", 1, 1, 4, 1, "......\n...###\n......\n......\n", 1, true},
+        {"clear", 0, 0, 6, 0, "......\n......\n......\n......\n", 1, false, psClear},
+        {"dots", 0, 0, 6, 0, "###...\n......\n......\n......\n", 1, false, psDot},
+        {"dots to the left", 5, 3, -1, 3, "......\n......\n......\n...###\n", 1, false, psDot},
+        {"hairline at 1.5", 1, 1, 3, 1, ".........\n.........\n..###....\n.........\n.........\n.........\n",
+         1, false, psSolid, 1.5},
+    };
+    for (const TLine& Line : Lines) {
+        TPictureCanvas Canvas(6, 4, Line.Scale);
+        Canvas.SetMirrored(Line.Mirrored, 6);
+        Canvas.GetPen()->SetWidth(Line.Width);
+        Canvas.GetPen()->SetStyle(Line.Style);
+        Canvas.MoveTo(Line.X1, Line.Y1);
+        Canvas.LineTo(Line.X2, Line.Y2);
+        EXPECT_EQ(Art(Canvas.Image), Line.Picture) << Line.Name;
     }
+    for (const TPenMode Mode : {pmCopy, pmNot}) {
+        TPictureCanvas Canvas(6, 4);
+        Canvas.GetBrush()->SetStyle(bsClear);
+        Canvas.GetPen()->SetMode(Mode);
+        Canvas.Rectangle({1, 0, 5, 4});
+        EXPECT_EQ(Art(Canvas.Image), ".####.\n.#..#.\n.#..#.\n.####.\n") << Mode;
+    }
+    TPictureCanvas Canvas(6, 4);
+    const TPoint Points[] = {{0, 0}, {2, 1}, {9, 9}, {-1, 0}, {5, 3}};
+    Canvas.SetPixels(Points, clRed);
+    EXPECT_EQ(Art(Canvas.Image), "#.....\n..#...\n......\n.....#\n");
 }
 
 TEST(Canvas, CombinesColoursExactly) {
-    struct TCase {
-        const char* Name;
-        std::function<void(TCanvas&)> Draw;
-        TColor Expected;
-    };
-    const auto Pen = [](TPenMode Mode) {
-        return [Mode](TCanvas& Canvas) {
-            Canvas.GetPen()->SetMode(Mode);
-            Canvas.GetPen()->SetColor(0x0F0F0F);
-            Canvas.MoveTo(0, 0);
-            Canvas.LineTo(1, 0);
-        };
-    };
-    const auto Pattern = [](unsigned Rop, TBrushStyle Style = bsSolid) {
-        return [=](TCanvas& Canvas) {
-            Canvas.GetBrush()->SetColor(0x0F0F0F);
-            Canvas.GetBrush()->SetStyle(Style);
-            Canvas.PatBlt(0, 0, 1, 1, Rop);
-        };
-    };
-    const TCase Cases[] = {
-        {"not", Pen(pmNot), 0xEDCBA9},
-        {"xor", Pen(pmXor), 0x1D3B59},
-        {"notxor", Pen(pmNotXor), 0xE2C4A6},
-        {"black", Pen(pmBlack), 0x000000},
-        {"white", Pen(pmWhite), 0xFFFFFF},
-        {"PATCOPY", Pattern(PATCOPY), 0x0F0F0F},
-        {"PATINVERT", Pattern(PATINVERT), 0x1D3B59},
-        {"DSTINVERT", Pattern(DSTINVERT), 0xEDCBA9},
-        {"BLACKNESS", Pattern(BLACKNESS), 0x000000},
-        {"WHITENESS", Pattern(WHITENESS), 0xFFFFFF},
-        {"clear brush", Pattern(PATCOPY, bsClear), 0x123456},
-    };
-    for (const TCase& Case : Cases) {
+    const auto Check = [](TColor Expected, const std::function<void(TCanvas&)>& Draw) {
         TPictureCanvas Canvas(1, 1);
         Canvas.SetPixel(0, 0, 0x123456);
-        Case.Draw(Canvas);
-        EXPECT_EQ(Canvas.GetPixel(0, 0), Case.Expected) << Case.Name;
-        EXPECT_EQ(qAlpha(Canvas.Image.pixel(0, 0)), 255) << Case.Name;
+        Canvas.GetPen()->SetColor(0x0F0F0F);
+        Canvas.GetBrush()->SetColor(0x0F0F0F);
+        Draw(Canvas);
+        EXPECT_EQ(Canvas.GetPixel(0, 0), Expected);
+        EXPECT_EQ(qAlpha(Canvas.Image.pixel(0, 0)), 255);
+    };
+    const std::pair<TPenMode, TColor> Modes[] = {
+        {pmNot, 0xEDCBA9}, {pmXor, 0x1D3B59}, {pmNotXor, 0xE2C4A6}, {pmBlack, 0x000000}, {pmWhite, 0xFFFFFF}};
+    for (const auto& [Mode, Expected] : Modes) {
+        SCOPED_TRACE(Mode);
+        Check(Expected, [Mode = Mode](TCanvas& Canvas) {
+            Canvas.GetPen()->SetMode(Mode);
+            Canvas.LineTo(1, 0);
+        });
+    }
+    const std::tuple<unsigned, TBrushStyle, TColor> Operations[] = {
+        {PATCOPY, bsSolid, 0x0F0F0F},   {PATINVERT, bsSolid, 0x1D3B59}, {DSTINVERT, bsSolid, 0xEDCBA9},
+        {BLACKNESS, bsSolid, 0x000000}, {WHITENESS, bsSolid, 0xFFFFFF}, {PATCOPY, bsClear, 0x123456}};
+    for (const auto& [Rop, Style, Expected] : Operations) {
+        SCOPED_TRACE(Rop);
+        Check(Expected, [Rop = Rop, Style = Style](TCanvas& Canvas) {
+            Canvas.GetBrush()->SetStyle(Style);
+            Canvas.PatBlt(0, 0, 1, 1, Rop);
+        });
     }
 }
 
@@ -297,7 +258,6 @@ TEST(Canvas, SurvivesExtremeArguments) {
             Canvas.GetPixel(Rect.Right, Rect.Top);
             Canvas.IntersectClip(Rect);
             Canvas.RectVisible(Rect);
-            Canvas.GetClipRect();
             Canvas.RestoreClip();
         }
     }
