@@ -14,6 +14,12 @@ void OpenExpanded(TContender& C, const TSize& Size) {
     C.Show();
 }
 
+void ScrollAbout(TContender& C, const TSize& Size, int Turn) {
+    constexpr int Pages = 8;
+    const TShape Shape = TShape::Of(Size.Nodes);
+    if (Turn % Pages == 0) C.ScrollTo(C.GetChild(C.GetChild(0, Turn / Pages * 7 % (Shape.Tops / 2)), 0));
+}
+
 TNode GetMiddleNode(TContender& C) {
     const TNode Node = C.GetNodeAt({150, TContender::Height / 2});
     Require(Node != 0, "no node in the middle of the window");

@@ -100,6 +100,8 @@ public:
     virtual void Type(char) { throw ENotOffered(); }
     virtual void Click(TSpot Spot) = 0;
     virtual void MoveMouse(TSpot Spot) = 0;
+    // One notch towards the user.
+    virtual void TurnWheel() { throw ENotOffered(); }
 };
 
 struct TContenderEntry {

@@ -14,18 +14,29 @@ TSpot TextIn(TContender& C, int Row) {
 }
 
 // The last row in view is the current one, so that each key scrolls.
-TFigure Key(TContender& C, const TSize& Size, TKey Code) {
+TFigure KeyDown(TContender& C, const TSize& Size) {
     OpenExpanded(C, Size);
     C.SetCurrent(C.GetNodeAt({150, TContender::Height - 2 * TContender::RowHeight - 20}));
     C.Show();
     for (int Warm = 0; Warm < 3; ++Warm) {
-        C.Press(Code);
+        C.Press(TKey::Down);
         C.Show();
     }
-    return Painted(C, [&] { C.Press(Code); });
+    return Painted(C, [&] { C.Press(TKey::Down); });
 }
-TFigure KeyDown(TContender& C, const TSize& Size) { return Key(C, Size, TKey::Down); }
-TFigure KeyPage(TContender& C, const TSize& Size) { return Key(C, Size, TKey::PageDown); }
+
+TFigure KeyPage(TContender& C, const TSize& Size) {
+    OpenExpanded(C, Size);
+    int Turn = 0;
+    return Painted(
+        C,
+        [&] {
+            ScrollAbout(C, Size, Turn++);
+            C.Show();
+            C.SetCurrent(C.GetNodeAt({150, TContender::Height - 2 * TContender::RowHeight - 20}));
+        },
+        [&] { C.Press(TKey::PageDown); });
+}
 
 TFigure ClickSelect(TContender& C, const TSize& Size) {
     OpenExpanded(C, Size);

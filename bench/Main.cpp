@@ -15,8 +15,6 @@
 
 namespace quill::bench {
 
-std::span<const TWorkload> OwnWorkloads();
-
 namespace {
 
 std::vector<TWorkload> AllWorkloads() {

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTest>
+#include <QWheelEvent>
 #include <QWindow>
 
 namespace quill::bench {
@@ -48,5 +49,14 @@ void TQtContender::Click(TSpot Spot) {
 }
 
 void TQtContender::MoveMouse(TSpot Spot) { QTest::mouseMove(GetArea().windowHandle(), InWindow(Spot)); }
+
+void TQtContender::TurnWheel() {
+    QWidget& Viewport = *GetArea().viewport();
+    const QPointF Spot(Width / 3, Height / 2);
+    const QPoint Notch(0, -QWheelEvent::DefaultDeltasPerStep);
+    QWheelEvent Event(Spot, Viewport.mapToGlobal(Spot), {}, Notch, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
+                      false);
+    QCoreApplication::sendEvent(&Viewport, &Event);
+}
 
 } // namespace quill::bench

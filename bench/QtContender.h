@@ -23,6 +23,7 @@ public:
     void Type(char Letter) override;
     void Click(TSpot Spot) override;
     void MoveMouse(TSpot Spot) override;
+    void TurnWheel() override;
 
 protected:
     // Shows the control, which is a window of its own, with the keyboard focus.

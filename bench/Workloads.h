@@ -40,9 +40,13 @@ std::span<const TWorkload> SortWorkloads();
 std::span<const TWorkload> ChangeWorkloads(); // single nodes come and go
 std::span<const TWorkload> PaintWorkloads();  // repaint, scroll
 std::span<const TWorkload> InputWorkloads();  // keys, clicks, mouse, look-ups
+// What only contenders of this program's toolkit know; defined once in each program.
+std::span<const TWorkload> OwnWorkloads();
 
 // A tree of that size, expanded, in the middle of its rows.
 void OpenExpanded(TContender& Contender, const TSize& Size);
+// Scrolls every few turns to another place of the upper half, so that paging does not come to the end of a small tree.
+void ScrollAbout(TContender& Contender, const TSize& Size, int Turn);
 // The visible node in the middle of the window.
 TNode GetMiddleNode(TContender& Contender);
 

@@ -32,12 +32,12 @@ public:
                 for (int L = 0; L < TShape::Leaves; ++L) Group[0]->appendRow(MakeRow(TextsOf(Number++)));
                 Top[0]->appendRow(Group);
             }
-            FModel.appendRow(Top);
+            FModel->appendRow(Top);
         }
     }
     void FillList(int Count, TTextsOf TextsOf, bool BelowOne) override {
         const TUpdatesOff Off(*FView);
-        QStandardItem* Parent = FModel.invisibleRootItem();
+        QStandardItem* Parent = FModel->invisibleRootItem();
         QList<QStandardItem*> Row;
         if (BelowOne) {
             Row = MakeRow(TextsOf(0));
@@ -47,9 +47,9 @@ public:
         }
         for (int Index = 0; Index < Count; ++Index) Parent->appendRow(MakeRow(TextsOf(Index)));
         if (BelowOne) {
-            FModel.appendRow(Row);
+            FModel->appendRow(Row);
         } else {
-            FView->setModel(&FModel);
+            FView->setModel(FModel.get());
         }
     }
     void Load(const std::string& FileName) override {
@@ -61,7 +61,7 @@ public:
                 const QList<QStandardItem*> Row = Path.back();
                 Path.pop_back();
                 if (Path.empty()) {
-                    FModel.appendRow(Row);
+                    FModel->appendRow(Row);
                 } else {
                     Path.back()[0]->appendRow(Row);
                 }
@@ -75,27 +75,41 @@ public:
         });
         ShrinkTo(0);
     }
-    void Clear() override { FModel.removeRows(0, FModel.rowCount()); }
-    TNode GetChild(TNode Parent, int Index) override {
-        return AsNode(Parent ? AsItem(Parent)->child(Index) : FModel.item(Index));
+    void Clear() override {
+        // Taking sorted rows apart takes this model minutes, which is no part of any figure: it is left behind.
+        if (FSorted) {
+            static_cast<void>(FModel.release());
+            FModel = std::make_unique<QStandardItemModel>();
+            FView->setModel(FModel.get());
+            FSorted = false;
+        }
+        FModel->clear();
+        FModel->setColumnCount(Columns);
+        SizeSections();
     }
-    void Append(const TTexts& Texts) override { FModel.appendRow(MakeRow(Texts)); }
+    TNode GetChild(TNode Parent, int Index) override {
+        return AsNode(Parent ? AsItem(Parent)->child(Index) : FModel->item(Index));
+    }
+    void Append(const TTexts& Texts) override { FModel->appendRow(MakeRow(Texts)); }
     void InsertBefore(TNode Sibling, const TTexts& Texts) override {
         AsItem(Sibling)->parent()->insertRow(AsItem(Sibling)->row(), MakeRow(Texts));
     }
     void Delete(TNode Node) override { AsItem(Node)->parent()->removeRow(AsItem(Node)->row()); }
-    void Sort() override { FModel.sort(0); }
+    void Sort() override {
+        FModel->sort(0);
+        FSorted = true;
+    }
 
 protected:
     std::unique_ptr<QTreeView> MakeView() override {
         auto View = std::make_unique<QTreeView>();
-        FModel.setColumnCount(Columns);
-        View->setModel(&FModel);
+        FModel->setColumnCount(Columns);
+        View->setModel(FModel.get());
         return View;
     }
-    QModelIndex IndexOf(TNode Node) override { return FModel.indexFromItem(AsItem(Node)); }
+    QModelIndex IndexOf(TNode Node) override { return FModel->indexFromItem(AsItem(Node)); }
     TNode NodeOf(const QModelIndex& Index) override {
-        return AsNode(FModel.itemFromIndex(Index.siblingAtColumn(0)));
+        return AsNode(FModel->itemFromIndex(Index.siblingAtColumn(0)));
     }
 
 private:
@@ -114,7 +128,8 @@ private:
         }
         return Row;
     }
-    QStandardItemModel FModel;
+    std::unique_ptr<QStandardItemModel> FModel = std::make_unique<QStandardItemModel>();
+    bool FSorted = false;
     bool FCollated = false;
 };
 

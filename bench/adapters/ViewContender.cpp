@@ -31,10 +31,15 @@ void TViewContender::Open() {
     View.setEditTriggers(FEditing ? QAbstractItemView::EditKeyPressed : QAbstractItemView::NoEditTriggers);
     View.setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     View.header()->setStretchLastSection(false);
-    View.header()->setSectionResizeMode(QHeaderView::Fixed);
-    for (int Col = 0; Col < Columns; ++Col) View.header()->resizeSection(Col, ColumnWidths[Col]);
+    SizeSections();
     View.viewport()->setAttribute(Qt::WA_Hover, FHover);
     OpenWindow();
+}
+
+void TViewContender::SizeSections() {
+    QHeaderView& Header = *FView->header();
+    Header.setSectionResizeMode(QHeaderView::Fixed);
+    for (int Col = 0; Col < Columns; ++Col) Header.resizeSection(Col, ColumnWidths[Col]);
 }
 
 void TViewContender::ScrollTo(TNode Node) {

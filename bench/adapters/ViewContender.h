@@ -44,6 +44,8 @@ protected:
     virtual QModelIndex IndexOf(TNode Node) = 0;
     virtual TNode NodeOf(const QModelIndex& Index) = 0;
     QAbstractScrollArea& GetArea() override { return *FView; }
+    // Again after the columns were gone.
+    void SizeSections();
 
     std::unique_ptr<QTreeView> FView;
     bool FChecks = false;
