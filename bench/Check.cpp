@@ -56,7 +56,8 @@ void CountAll(const std::vector<TContenderEntry>& Contenders) {
     Count(
         "expand node", Tree, [&] { Tree.SetExpanded(Group, false); }, [&] { Tree.SetExpanded(Group, true); });
     Count(
-        "collapse node", Tree, [&] { Tree.SetExpanded(Group, true); }, [&] { Tree.SetExpanded(Group, false); });
+        "collapse node", Tree, [&] { Tree.SetExpanded(Group, true); },
+        [&] { Tree.SetExpanded(Group, false); });
     Tree.SetExpanded(Group, true);
     Tree.Show();
     int Number = 0;
@@ -68,7 +69,8 @@ void CountAll(const std::vector<TContenderEntry>& Contenders) {
         "click select", Tree,
         [&] {
             const int Row = 5 + 7 * (++Turn % 4);
-            Spot = Tree.GetTextSpot(Tree.GetNodeAt({150, Row * TContender::RowHeight + TContender::RowHeight / 2}));
+            Spot = Tree.GetTextSpot(
+                Tree.GetNodeAt({150, Row * TContender::RowHeight + TContender::RowHeight / 2}));
         },
         [&] { Tree.Click(Spot); });
     Tree.SetCurrent(Tree.GetNodeAt({150, TContender::Height - 4 * TContender::RowHeight}));

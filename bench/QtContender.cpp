@@ -54,8 +54,8 @@ void TQtContender::TurnWheel() {
     QWidget& Viewport = *GetArea().viewport();
     const QPointF Spot(Width / 3, Height / 2);
     const QPoint Notch(0, -QWheelEvent::DefaultDeltasPerStep);
-    QWheelEvent Event(Spot, Viewport.mapToGlobal(Spot), {}, Notch, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase,
-                      false);
+    QWheelEvent Event(Spot, Viewport.mapToGlobal(Spot), {}, Notch, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&Viewport, &Event);
 }
 

@@ -66,8 +66,8 @@ public:
     }
     void Clear() override {
         const TDetached Detached(*this);
-        gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(FStore), GTK_TREE_SORTABLE_UNSORTED_SORT_COLUMN_ID,
-                                             GTK_SORT_ASCENDING);
+        gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(FStore),
+                                             GTK_TREE_SORTABLE_UNSORTED_SORT_COLUMN_ID, GTK_SORT_ASCENDING);
         gtk_tree_store_clear(FStore);
         FLast = {};
     }
@@ -95,7 +95,8 @@ public:
     }
     void Sort() override {
         // The store's own comparison is the locale's.
-        if (!FCollated) gtk_tree_sortable_set_sort_func(GTK_TREE_SORTABLE(FStore), 0, CompareBytes, nullptr, nullptr);
+        if (!FCollated)
+            gtk_tree_sortable_set_sort_func(GTK_TREE_SORTABLE(FStore), 0, CompareBytes, nullptr, nullptr);
         gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(FStore), 0, GTK_SORT_ASCENDING);
     }
     std::string GetText(TNode Node) override {
@@ -223,8 +224,8 @@ private:
     }
     GtkTreeIter Add(GtkTreeIter* Parent, int Position, const TTexts& Texts) {
         GtkTreeIter New{};
-        gtk_tree_store_insert_with_values(FStore, &New, Parent, Position, 0, Texts[0].c_str(), 1, Texts[1].c_str(), 2,
-                                          Texts[2].c_str(), -1);
+        gtk_tree_store_insert_with_values(FStore, &New, Parent, Position, 0, Texts[0].c_str(), 1,
+                                          Texts[1].c_str(), 2, Texts[2].c_str(), -1);
         return New;
     }
     void Store(GtkTreeIter& Iter, const TTexts& Texts) {
@@ -237,7 +238,9 @@ private:
         return Rect;
     }
     GtkAdjustment* Bar() { return gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(FView)); }
-    void ScrollBy(double Distance) { gtk_adjustment_set_value(Bar(), gtk_adjustment_get_value(Bar()) + Distance); }
+    void ScrollBy(double Distance) {
+        gtk_adjustment_set_value(Bar(), gtk_adjustment_get_value(Bar()) + Distance);
+    }
     void AddColumn(int Col);
     void Send(GdkEvent* Event, GdkWindow* Window, bool FromKeyboard);
     void SendButton(GdkEventType Type, TSpot Spot);
@@ -380,9 +383,10 @@ std::span<const TWorkload> OwnWorkloads() { return {}; }
 std::vector<TContenderEntry> StartToolkit(int& ArgCount, char** Args) {
     if (ArgCount >= 2 && std::strcmp(Args[1], "--list") == 0) return {{"gtk", nullptr}}; // needs no display
     gtk_init(&ArgCount, &Args);
+    g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     GtkCssProvider* const Style = gtk_css_provider_new();
-    const std::string Css = "* { font: " + std::to_string(TContender::FontPixels) + "px \"" + TContender::FontName +
-                            "\"; }";
+    const std::string Css =
+        "* { font: " + std::to_string(TContender::FontPixels) + "px \"" + TContender::FontName + "\"; }";
     gtk_css_provider_load_from_data(Style, Css.c_str(), -1, nullptr);
     gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(Style),
                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
