@@ -327,12 +327,5 @@ TEST_F(FlyNode, AssignAppendsACopyOfTheSubtree) {
     EXPECT_NO_THROW(Nodes.CheckInvariants());
 }
 
-TEST_F(FlyNode, DeletingTheChildrenKeepsTheSelectionOfTheNode) {
-    Plant(Nodes, "a[b[c]+ d]+ e");
-    At("a")->SetSelected(true);
-    At("a")->DeleteChildren();
-    EXPECT_EQ(Dump(Nodes), "a(sel), e | a e");
-}
-
 } // namespace
 } // namespace quill

@@ -24,29 +24,24 @@ struct TScene {
     }
 };
 
-struct TDeed {
-    const char* Name;
-    std::function<void(TScene&, TFlyNode*)> Work;
-};
+using TDeed = std::pair<const char*, void (*)(TScene&, TFlyNode*)>;
+
+void Delete(TFlyNode* Node) {
+    if (Node) Node->Delete();
+}
 
 // What the handler does with a node that is there.
 const TDeed Misdeeds[] = {
     {"deletes the node", [](TScene&, TFlyNode* N) { N->Delete(); }},
     {"deletes the node by operator", [](TScene&, TFlyNode* N) { delete N; }},
-    {"deletes its parent",
-     [](TScene&, TFlyNode* N) {
-         if (N->GetParent()) N->GetParent()->Delete();
-     }},
+    {"deletes its parent", [](TScene&, TFlyNode* N) { Delete(N->GetParent()); }},
     {"deletes the first node", [](TScene& S, TFlyNode*) { S.Nodes()->FirstExisting()->Delete(); }},
     {"deletes the children", [](TScene&, TFlyNode* N) { N->DeleteChildren(); }},
     {"clears the tree", [](TScene& S, TFlyNode*) { S.Nodes()->Clear(); }},
     {"destroys the host", [](TScene& S, TFlyNode*) { S.Host.reset(); }},
-    {"adds nodes",
-     [](TScene& S, TFlyNode* N) {
-         S.Nodes()->Add(N, "new");
-         S.Nodes()->AddChild(N, "new");
-         S.Nodes()->Insert(nullptr, "new");
-     }},
+    {"adds a node", [](TScene& S, TFlyNode* N) { S.Nodes()->Add(N, "new"); }},
+    {"adds a child", [](TScene& S, TFlyNode* N) { S.Nodes()->AddChild(N, "new"); }},
+    {"inserts a node", [](TScene& S, TFlyNode*) { S.Nodes()->Insert(nullptr, "new"); }},
     {"moves the node",
      [](TScene& S, TFlyNode* N) {
          if (S.Nodes()->FirstExisting() != N) N->MoveTo(S.Nodes()->FirstExisting(), naInsert);
@@ -55,25 +50,12 @@ const TDeed Misdeeds[] = {
      [](TScene& S, TFlyNode* N) {
          if (S.Other->GetItems()->GetCount()) N->MoveTo(S.Other->GetItems()->FirstExisting(), naAddChild);
      }},
-    {"expands and collapses",
-     [](TScene& S, TFlyNode*) {
-         if (TFlyNode* const N = S.At("a")) {
-             N->Collapse(true);
-             if (S.At("a") == N) N->Expand(true);
-         }
-     }},
-    {"hides everything",
-     [](TScene& S, TFlyNode* N) {
-         N->Hide();
-         if (TFlyNode* const A = S.At("a")) A->Hide();
-     }},
+    {"collapses", [](TScene& S, TFlyNode*) { S.Nodes()->FirstExisting()->Collapse(true); }},
+    {"expands", [](TScene& S, TFlyNode*) { S.Nodes()->FirstExisting()->Expand(true); }},
+    {"hides the node", [](TScene&, TFlyNode* N) { N->Hide(); }},
     {"sorts", [](TScene& S, TFlyNode*) { S.Nodes()->CustomSort(nullptr, false); }},
     {"throws", [](TScene&, TFlyNode*) { throw EInvalidOperation("hostile"); }},
-    {"opens a bracket and forgets it",
-     [](TScene& S, TFlyNode*) {
-         S.Nodes()->BeginUpdate();
-         S.Left = 0;
-     }},
+    {"opens a bracket and forgets it", [](TScene& S, TFlyNode*) { S.Nodes()->BeginUpdate(), S.Left = 0; }},
 };
 
 // Fits every event that begins with a node.
@@ -86,12 +68,7 @@ struct TStrike {
     }
 };
 
-struct TEvent {
-    const char* Name;
-    void (*Connect)(TScene&, TStrike);
-};
-
-const TEvent Events[] = {
+const std::pair<const char*, void (*)(TScene&, TStrike)> Events[] = {
     {"OnExpanding", [](TScene& S, TStrike F) { S.Host->OnExpanding = F; }},
     {"OnCollapsing", [](TScene& S, TStrike F) { S.Host->OnCollapsing = F; }},
     {"OnExpanded", [](TScene& S, TStrike F) { S.Host->OnExpanded = F; }},
@@ -136,11 +113,8 @@ const TDeed Operations[] = {
     {"operator delete", [](TScene& S, TFlyNode*) { delete S.At("b"); }},
     {"DeleteChildren", [](TScene&, TFlyNode* A) { A->DeleteChildren(); }},
     {"Clear", [](TScene& S, TFlyNode*) { S.Nodes()->Clear(); }},
-    {"AlphaSort",
-     [](TScene& S, TFlyNode* A) {
-         A->AlphaSort();
-         if (S.Nodes()) S.Nodes()->AlphaSort();
-     }},
+    {"AlphaSort of a node", [](TScene&, TFlyNode* A) { A->AlphaSort(); }},
+    {"AlphaSort", [](TScene& S, TFlyNode*) { S.Nodes()->AlphaSort(); }},
     {"Add", [](TScene& S, TFlyNode* A) { S.Nodes()->AddChild(A, "q"); }},
     {"Insert", [](TScene& S, TFlyNode* A) { S.Nodes()->Insert(A, "q"); }},
     {"SetIndex", [](TScene&, TFlyNode* A) { A->SetIndex(1); }},
@@ -167,17 +141,16 @@ const TDeed Operations[] = {
      [](TScene& S, TFlyNode* A) {
          const TUpdateBracket Bracket(S.Nodes());
          S.Nodes()->AddChild(A, "q");
-         if (TFlyNode* const B = S.At("b")) B->Delete();
+         Delete(S.At("b"));
      }},
 };
 
 TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
-    int Combinations = 0;
     int Struck = 0;
-    for (const TEvent& Event : Events) {
-        for (const TDeed& Misdeed : Misdeeds) {
-            for (const TDeed& Operation : Operations) {
-                SCOPED_TRACE(std::string(Event.Name) + " " + Misdeed.Name + " during " + Operation.Name);
+    for (const auto& [Event, Connect] : Events) {
+        for (const auto& [Misdeed, Do] : Misdeeds) {
+            for (const auto& [Operation, Run] : Operations) {
+                SCOPED_TRACE(std::string(Event) + " " + Misdeed + " during " + Operation);
                 TScene Scene;
                 Plant(*Scene.Nodes(), "a[b[c[d] e]+ g]+ f[h] i");
                 Plant(*Scene.Other->GetItems(), "x[y]+ z");
@@ -185,21 +158,19 @@ TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
                 Scene.At("f")->AddPlaceholders(2);
                 Scene.At("g")->SetHidden(true);
                 Scene.At("b")->SetSelected(true);
-                Event.Connect(Scene, {[&](TFlyNode* Node) {
-                                  if (Scene.Left <= 0 || !Scene.Host) return;
-                                  if (!Node) Node = Scene.Nodes()->FirstExisting();
-                                  if (!Node) return;
-                                  --Scene.Left;
-                                  ++Struck;
-                                  Misdeed.Work(Scene, Node);
-                              }});
+                Connect(Scene, {[&, Misdo = Do](TFlyNode* Node) {
+                            if (Scene.Left <= 0 || !Scene.Host) return;
+                            if (!Node) Node = Scene.Nodes()->FirstExisting();
+                            if (!Node) return;
+                            --Scene.Left;
+                            ++Struck;
+                            Misdo(Scene, Node);
+                        }});
                 Scene.Left = 3;
                 try {
-                    if (TFlyNode* const A = Scene.At("a")) Operation.Work(Scene, A);
-                } catch (const EInvalidOperation&) {
-                    // Thrown by the handler, or the move that it made impossible.
+                    Run(Scene, Scene.At("a"));
+                } catch (const EInvalidOperation&) { // by the handler, or the move that it made impossible
                 }
-                ++Combinations;
                 if (!Scene.Host) continue;
                 Scene.Left = 0;
                 while (Scene.Nodes()->GetUpdateCount() > 0) Scene.Nodes()->EndUpdate();
@@ -210,8 +181,6 @@ TEST(HostileHandlers, NothingIsTouchedThatAHandlerTookAway) {
             }
         }
     }
-    EXPECT_EQ(Combinations,
-              static_cast<int>(std::size(Events) * std::size(Misdeeds) * std::size(Operations)));
     EXPECT_GT(Struck, 1500) << "the handlers were not reached";
 }
 

@@ -75,12 +75,7 @@ TEST_F(NodesText, EverythingThatIsSavedComesBack) {
 }
 
 TEST_F(NodesText, ReadsWhatOthersWrite) {
-    struct TCase {
-        const char* What;
-        const char* Text;
-        const char* Expected;
-    };
-    const TCase Cases[] = {
+    const std::tuple<const char*, const char*, const char*> Cases[] = {
         {"nothing", "", ""},
         {"no header: text and cells", "a,1\n\tb\nc", "a [b], c"},
         {"an empty mask", "SaveOptions:\r\na\r\n", "a"},
@@ -96,15 +91,9 @@ TEST_F(NodesText, ReadsWhatOthersWrite) {
         {"a quoted item left open", "\"a,b\n", "a,b"},
         {"a number in quotes", "SaveOptions:1\n\"5\",a\n", "a"},
     };
-    for (const TCase& Case : Cases) {
-        SCOPED_TRACE(Case.What);
-        const std::string Error = LoadError(Case.Text);
-        if (!Case.Expected) {
-            EXPECT_NE(Error, "");
-            continue;
-        }
-        EXPECT_EQ(Error, "");
-        EXPECT_EQ(DumpItems(Nodes), Case.Expected);
+    for (const auto& [What, Text, Expected] : Cases) {
+        EXPECT_EQ(LoadError(Text).empty(), Expected != nullptr) << What;
+        EXPECT_TRUE(!Expected || DumpItems(Nodes) == Expected) << What << ": " << DumpItems(Nodes);
     }
     Host.SetStructureCol(2);
     Load("SaveOptions:8\r\nx,y,z,w\r\nalone\r\n");
@@ -115,12 +104,7 @@ TEST_F(NodesText, ReadsWhatOthersWrite) {
 }
 
 TEST_F(NodesText, BrokenFilesNameTheLineAndKeepWhatWasRead) {
-    struct TCase {
-        const char* Text;
-        const char* Error;
-        const char* Left;
-    };
-    const TCase Cases[] = {
+    const std::tuple<const char*, const char*, const char*> Cases[] = {
         {"SaveOptions:0\r\na\r\n\t\tb,c\r\n", "tree: Invalid level (2) for item \"b(Line:1)\"", "a"},
         {"a\n\tb\n\t\t\t\t\n", "tree: Invalid level (4) for item \"(Line:2)\"", "a [b]"},
         {"SaveOptions:x1\r\na\r\n", "convert: line 1: 'x1' is not a valid integer value", ""},
@@ -131,12 +115,11 @@ TEST_F(NodesText, BrokenFilesNameTheLineAndKeepWhatWasRead) {
         {"SaveOptions:4\r\n99999999999,a\r\n", "convert: line 2: '99999999999' is not a valid integer value",
          ""},
     };
-    for (const TCase& Case : Cases) {
-        SCOPED_TRACE(Case.Text);
+    for (const auto& [Text, Error, Left] : Cases) {
         Nodes.Clear();
         Plant(Nodes, "old");
-        EXPECT_EQ(LoadError(Case.Text), Case.Error);
-        EXPECT_EQ(DumpItems(Nodes), Case.Left);
+        EXPECT_EQ(LoadError(Text), Error);
+        EXPECT_EQ(DumpItems(Nodes), Left) << Text;
         EXPECT_EQ(Nodes.GetUpdateCount(), 0);
         EXPECT_TRUE(Nodes.IsRowListCurrent());
         EXPECT_NO_THROW(Nodes.CheckInvariants());
@@ -147,19 +130,17 @@ TEST_F(NodesText, BrokenFilesNameTheLineAndKeepWhatWasRead) {
 
 // A stream comes in pieces; wherever they are cut, the lines are the same.
 TEST_F(NodesText, LinesMayBeLongerThanAnyBufferAndCutAnywhere) {
-    class TSlowStream : public TMemoryStream {
-    public:
-        TSlowStream(const std::string& Text, std::int64_t Step) : TMemoryStream(Text), FStep(Step) {}
+    struct TSlowStream : TMemoryStream {
+        using TMemoryStream::TMemoryStream;
+        std::int64_t Step = 1;
         std::int64_t Read(void* Buffer, std::int64_t Count) override {
-            return TMemoryStream::Read(Buffer, std::min(Count, FStep));
+            return TMemoryStream::Read(Buffer, std::min(Count, Step));
         }
-
-    private:
-        std::int64_t FStep;
     };
     const std::string Text = "SaveOptions:8\r\na,1\r\n\tb\r\r\n\tc\nd\r\te\r\n";
     for (std::int64_t Step = 1; Step < 40; ++Step) {
-        TSlowStream Stream(Text, Step);
+        TSlowStream Stream(Text);
+        Stream.Step = Step;
         Nodes.LoadNodesFromStream(Stream);
         ASSERT_EQ(DumpItems(Nodes), "a [b],  [c], d [e]") << Step;
     }
@@ -192,17 +173,14 @@ TEST_F(NodesText, FilesAreNamedInErrors) {
 }
 
 TEST_F(NodesText, OverriddenTextOperationsAreUsed) {
-    class TShoutingNode : public TFlyNode {
-    public:
+    struct TShoutingNode : TFlyNode {
         using TFlyNode::TFlyNode;
         void SetCell(int Index, const std::string& Value) override { TFlyNode::SetCell(Index, Value + "!"); }
         std::string GetCell(int Index) override { return TFlyNode::GetCell(Index) + "?"; }
     };
-    class TShoutingHost : public THeadlessHost {
-    public:
+    struct TShoutingHost : THeadlessHost {
         TFlyNode* CreateNode(TTreeCollection* Owner) override { return new TShoutingNode(Owner); }
-    };
-    TShoutingHost Shouting;
+    } Shouting;
     TMemoryStream In("a,b,c\n");
     Shouting.GetItems()->LoadNodesFromStream(In);
     TMemoryStream Out;

@@ -85,10 +85,7 @@ public:
             }
             break;
         case 6:
-            if (Node) {
-                Node->SetHidden(!Node->GetHidden());
-                Plain->Hidden = !Plain->Hidden;
-            }
+            if (Node) Node->SetHidden(Plain->Hidden = !Plain->Hidden);
             break;
         case 7:
         case 8:
@@ -126,11 +123,7 @@ public:
             }
             break;
         case 13:
-            if (FBracket) {
-                Nodes.EndUpdate();
-            } else {
-                Nodes.BeginUpdate();
-            }
+            FBracket ? Nodes.EndUpdate() : Nodes.BeginUpdate();
             FBracket = !FBracket;
             break;
         default:
@@ -213,19 +206,15 @@ private:
 };
 
 TEST(RandomTree, LooksLikeItsNaivePicture) {
-    constexpr int Steps = 1500;
-    int Taken = 0;
     for (unsigned Seed = 1; Seed <= 8; ++Seed) {
-        SCOPED_TRACE("seed " + std::to_string(Seed));
         TDouble Double(Seed);
-        for (int Step = 0; Step < Steps; ++Step, ++Taken) {
-            SCOPED_TRACE("step " + std::to_string(Step));
+        for (int Step = 0; Step < 1500; ++Step) {
+            SCOPED_TRACE("seed " + std::to_string(Seed) + ", step " + std::to_string(Step));
             Double.Step();
             if (Step % 10 == 0 || Step < 200) Double.Check();
             if (testing::Test::HasFatalFailure()) return;
         }
     }
-    EXPECT_EQ(Taken, 8 * Steps);
 }
 
 } // namespace

@@ -65,21 +65,18 @@ TEST_F(InputInWindow, ClickSequence) {
     QTest::mouseMove(Handle, {250, 150});
     qApp->processEvents();
     Control.LogMouse = true;
-    Control.OnClick = [&](TObject* Sender) {
-        EXPECT_EQ(Sender, static_cast<TObject*>(&Control));
-        Control.Log("click");
-    };
-    Control.OnMouseDown = [&](TObject*, TMouseButton Button, TShiftState Shift, int X, int Y) {
-        Control.Log("down" + std::to_string(Button) + " " + ShiftText(Shift) + " " + std::to_string(X) + "," +
-                    std::to_string(Y) + (Control.GetMouseCapture() ? " captured" : ""));
+    const auto Captured = [&] { return Control.GetMouseCapture() ? " captured" : ""; };
+    Control.OnClick = [&](TObject*) { Control.Log("click"); };
+    Control.OnMouseDown = [&](TObject*, TMouseButton Button, TShiftState Shift, int, int) {
+        Control.Log("down" + std::to_string(Button) + " " + ShiftText(Shift) + Captured());
     };
     Control.OnMouseUp = [&](TObject*, TMouseButton, TShiftState Shift, int, int) {
-        Control.Log("up " + ShiftText(Shift) + (Control.GetMouseCapture() ? " captured" : ""));
+        Control.Log("up " + ShiftText(Shift) + Captured());
     };
     QTest::mouseMove(Handle, {10, 12});
     EXPECT_EQ(Control.Take(), "mouseenter; move 10,12");
     QTest::mousePress(Handle, Qt::LeftButton, Qt::ControlModifier, {10, 12});
-    EXPECT_EQ(Control.Take(), "ldown 10,12 ctrl+left; down0 ctrl+left 10,12 captured");
+    EXPECT_EQ(Control.Take(), "ldown 10,12 ctrl+left; down0 ctrl+left captured");
     EXPECT_TRUE(Control.GetControlState().Contains(csLButtonDown));
     QTest::mouseRelease(Handle, Qt::LeftButton, {}, {10, 12});
     EXPECT_EQ(Control.Take(), "lup 10,12; click; up ");
@@ -192,32 +189,22 @@ TEST(Input, WheelCollectsNotches) {
         Handled = true;
     };
     Control.OnMouseWheelUp = [&](TObject*, TShiftState, TPoint, bool& Handled) {
-        Log += "up ";
-        Handled = true;
+        Log += "up ", Handled = true;
     };
-    QWindow* Window = Control.windowHandle();
-    struct {
-        std::vector<int> Deltas;
-        const char* Expected;
-    } const Cases[] = {
-        {{-120}, "-120 down "},
-        {{-50, -50, -50}, "-50 -50 -50 down "},
-        {{-90}, "-90 down "}, // 30 were left
-        {{-360}, "-360 down down down "},
-        {{-100, 60, 60}, "-100 60 60 up "}, // a change of direction starts afresh
-    };
-    for (const auto& Case : Cases) {
+    const auto Turn = [&](const std::vector<int>& Deltas, Qt::KeyboardModifiers Modifiers = {}) {
         Log.clear();
-        for (const int Delta : Case.Deltas) SendWheel(Window, Control.At(30, 30), {0, Delta});
-        EXPECT_EQ(Log, Case.Expected);
-    }
-    Log.clear();
-    SendWheel(Window, Control.At(30, 30), {0, -120}, Qt::ControlModifier);
-    EXPECT_EQ(Log, "-120 downctrl ");
+        for (const int Delta : Deltas)
+            SendWheel(Control.windowHandle(), Control.At(30, 30), {0, Delta}, Modifiers);
+        return Log;
+    };
+    EXPECT_EQ(Turn({-120}), "-120 down ");
+    EXPECT_EQ(Turn({-50, -50, -50}), "-50 -50 -50 down ");
+    EXPECT_EQ(Turn({-90}), "-90 down ") << "30 were left";
+    EXPECT_EQ(Turn({-360}), "-360 down down down ");
+    EXPECT_EQ(Turn({-100, 60, 60}), "-100 60 60 up ") << "a change of direction starts afresh";
+    EXPECT_EQ(Turn({-120}, Qt::ControlModifier), "-120 downctrl ");
     Control.OnMouseWheel = [&](TObject*, TShiftState, int, TPoint, bool& Handled) { Handled = true; };
-    Log.clear();
-    SendWheel(Window, Control.At(30, 30), {0, -120});
-    EXPECT_EQ(Log, "");
+    EXPECT_EQ(Turn({-120}), "");
 }
 
 TEST_F(InputInWindow, UnusedWheelGoesToTheParent) {
@@ -253,11 +240,7 @@ TEST(Input, HorizontalWheelScrollsLines) {
 // --- keys ---------------------------------------------------------------------------------------------------------
 
 TEST(Input, VirtualKeys) {
-    struct {
-        int Qt;
-        bool Keypad;
-        int Key;
-    } const Cases[] = {
+    const std::tuple<int, bool, int> Cases[] = {
         {Qt::Key_A, false, 'A'},
         {Qt::Key_7, false, '7'},
         {Qt::Key_7, true, VK_NUMPAD0 + 7},
@@ -271,7 +254,8 @@ TEST(Input, VirtualKeys) {
         {Qt::Key_Backtab, false, VK_TAB},
         {Qt::Key_Adiaeresis, false, 0},
     };
-    for (const auto& Case : Cases) EXPECT_EQ(VirtualKeyFromQt(Case.Qt, Case.Keypad), Case.Key) << Case.Qt;
+    for (const auto& [Key, Keypad, Expected] : Cases)
+        EXPECT_EQ(VirtualKeyFromQt(Key, Keypad), Expected) << Key;
 }
 
 TEST(Input, KeysAndCharacters) {

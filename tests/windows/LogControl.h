@@ -102,49 +102,43 @@ public:
 
 private:
     void LogMessage(const TMessage& Message) {
-        struct TName {
-            unsigned Msg;
-            const char* Name;
-        };
-        static constexpr TName Mouse[] = {{WM_MOUSEMOVE, "move"},    {WM_LBUTTONDOWN, "ldown"},
-                                          {WM_LBUTTONUP, "lup"},     {WM_LBUTTONDBLCLK, "ldbl"},
-                                          {WM_RBUTTONDOWN, "rdown"}, {WM_RBUTTONUP, "rup"},
-                                          {WM_MBUTTONDOWN, "mdown"}, {WM_MBUTTONUP, "mup"}};
-        static constexpr TName Keys[] = {{WM_KEYDOWN, "keydown"}, {WM_KEYUP, "keyup"}, {WM_CHAR, "char"}};
-        const struct {
-            bool On;
-            TName Entry;
-        } Others[] = {{LogMouse, {CM_MOUSEENTER, "mouseenter"}},
-                      {LogMouse, {CM_MOUSELEAVE, "mouseleave"}},
-                      {LogMouse, {WM_CANCELMODE, "cancel"}},
-                      {LogKeys, {WM_CUT, "cut"}},
-                      {LogKeys, {WM_COPY, "copy"}},
-                      {LogKeys, {WM_PASTE, "paste"}},
-                      {LogFocus, {WM_SETFOCUS, "setfocus"}},
-                      {LogFocus, {WM_KILLFOCUS, "killfocus"}},
-                      {LogWindow, {CM_FONTCHANGED, "font"}},
-                      {LogWindow, {CM_BIDIMODECHANGED, "bidi"}}};
-        const auto Key = static_cast<std::uintptr_t>(Message.LParam);
         const TPoint P = PointFromParam(Message.LParam);
-        const std::string At = std::to_string(P.X) + "," + std::to_string(P.Y);
-        const std::string WParam = std::to_string(Message.WParam);
-        const auto LogWithShift = [&](const std::string& Line, std::uintptr_t State) {
-            const std::string Shift = ShiftText(ShiftFromParam(State));
-            Log(Line + (Shift.empty() ? "" : " ") + Shift);
+        const std::string At = " " + std::to_string(P.X) + "," + std::to_string(P.Y);
+        const std::string Key = " " + std::to_string(Message.WParam);
+        const std::string Scroll = std::to_string(Message.WParam) + " " + std::to_string(Message.LParam);
+        const auto Shift = [](auto State) {
+            const std::string Text = ShiftText(ShiftFromParam(static_cast<std::uintptr_t>(State)));
+            return (Text.empty() ? "" : " ") + Text;
         };
-        for (const TName& Entry : Mouse)
-            if (LogMouse && Entry.Msg == Message.Msg)
-                LogWithShift(std::string(Entry.Name) + " " + At, Message.WParam);
-        for (const TName& Entry : Keys)
-            if (LogKeys && Entry.Msg == Message.Msg)
-                LogWithShift(std::string(Entry.Name) + " " + WParam, Key);
-        for (const auto& [On, Entry] : Others)
-            if (On && Entry.Msg == Message.Msg) Log(Entry.Name);
-        if (LogWindow && Message.Msg == WM_SIZE) Log("size " + At);
-        if (LogWindow && Message.Msg == WM_TIMER) Log("timer " + WParam);
-        if (LogWindow && Message.Msg == CM_SHOWINGCHANGED) Log(Message.WParam ? "shown" : "hidden");
-        if (LogScroll && (Message.Msg == WM_HSCROLL || Message.Msg == WM_VSCROLL))
-            Log((Message.Msg == WM_HSCROLL ? "h" : "v") + WParam + " " + std::to_string(Message.LParam));
+        const std::string Mouse = At + Shift(Message.WParam);
+        const std::string Char = Key + Shift(Message.LParam);
+        const std::tuple<bool, unsigned, std::string> Lines[] = {
+            {LogMouse, WM_MOUSEMOVE, "move" + Mouse},
+            {LogMouse, WM_LBUTTONDOWN, "ldown" + Mouse},
+            {LogMouse, WM_LBUTTONUP, "lup" + Mouse},
+            {LogMouse, WM_LBUTTONDBLCLK, "ldbl" + Mouse},
+            {LogMouse, WM_RBUTTONDOWN, "rdown" + Mouse},
+            {LogMouse, WM_RBUTTONUP, "rup" + Mouse},
+            {LogMouse, WM_MBUTTONDOWN, "mdown" + Mouse},
+            {LogMouse, WM_MBUTTONUP, "mup" + Mouse},
+            {LogMouse, CM_MOUSEENTER, "mouseenter"},
+            {LogMouse, CM_MOUSELEAVE, "mouseleave"},
+            {LogMouse, WM_CANCELMODE, "cancel"},
+            {LogKeys, WM_KEYDOWN, "keydown" + Char},
+            {LogKeys, WM_KEYUP, "keyup" + Char},
+            {LogKeys, WM_CHAR, "char" + Char},
+            {LogKeys, WM_CUT, "cut"},
+            {LogKeys, WM_COPY, "copy"},
+            {LogKeys, WM_PASTE, "paste"},
+            {LogFocus, WM_SETFOCUS, "setfocus"},
+            {LogFocus, WM_KILLFOCUS, "killfocus"},
+            {LogWindow, CM_FONTCHANGED, "font"},
+            {LogWindow, WM_SIZE, "size" + At},
+            {LogWindow, CM_SHOWINGCHANGED, Message.WParam ? "shown" : "hidden"},
+            {LogScroll, WM_HSCROLL, "h" + Scroll},
+            {LogScroll, WM_VSCROLL, "v" + Scroll}};
+        for (const auto& [On, Msg, Line] : Lines)
+            if (On && Msg == Message.Msg) Log(Line);
     }
 
     std::vector<std::string> FLines;

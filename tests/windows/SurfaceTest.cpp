@@ -52,27 +52,19 @@ public:
 
 TEST(Surface, OnePaintPerTurnClippedToWhatIsInvalid) {
     TShown Control;
+    const auto Turn = [] { qApp->processEvents(); };
     EXPECT_EQ(Control.CountPaints([&] {
-        Control.InvalidatePixels({10, 10, 20, 20});
-        Control.InvalidatePixels({10, 10, 20, 20});
+        for (int Time = 0; Time < 2; ++Time) Control.InvalidatePixels({10, 10, 20, 20});
         Control.InvalidatePixels({40, 30, 60, 40});
         EXPECT_EQ(Control.GetInvalidBounds(), (TRect{10, 10, 60, 40}));
-        qApp->processEvents();
+        Turn();
     }),
               1u);
     EXPECT_EQ(Control.Take(), "paint 10,10-60,40");
     EXPECT_FALSE(Control.HasInvalidRegion());
-    EXPECT_EQ(Control.CountPaints([&] {
-        Control.Update();
-        Control.viewport()->update(); // exposed anew: the surface is there
-        qApp->processEvents();
-    }),
-              0u);
-    EXPECT_EQ(Control.CountPaints([&] {
-        Control.Repaint();
-        qApp->processEvents();
-    }),
-              1u);
+    // Exposed anew: the surface is there.
+    EXPECT_EQ(Control.CountPaints([&] { Control.Update(), Control.viewport()->update(), Turn(); }), 0u);
+    EXPECT_EQ(Control.CountPaints([&] { Control.Repaint(), Turn(); }), 1u);
 }
 
 TEST(Surface, DrawingOutsideTheInvalidPartIsClipped) {
@@ -237,12 +229,7 @@ TEST(Surface, IsPaintedWhenSomebodyWantsToSeeIt) {
 TEST(Surface, PaintMayInvalidateResizeAndRecreate) {
     TShown Control;
     int Paints = 0;
-    Control.OnPaint = [&] {
-        ++Paints;
-        Control.Update();
-        Control.Repaint();
-        Control.Flush();
-    };
+    Control.OnPaint = [&] { ++Paints, Control.Update(), Control.Repaint(), Control.Flush(); };
     Control.Invalidate();
     Control.Update();
     EXPECT_EQ(Paints, 1);
@@ -253,20 +240,14 @@ TEST(Surface, PaintMayInvalidateResizeAndRecreate) {
     }
     EXPECT_GE(Paints, 3) << "and is painted again in the next turn";
 
+    const auto SetRedraw = [&](bool On) { Control.Perform(WM_SETREDRAW, On, 0); };
     const std::function<void()> Deeds[] = {
         [&] { Control.SetBounds(0, 0, 150, 70); },
         [&] { Control.RecreateWnd(); },
-        [&] {
-            Control.Perform(WM_SETREDRAW, 0, 0);
-            Control.Invalidate();
-            Control.Perform(WM_SETREDRAW, 1, 0);
-        },
+        [&] { SetRedraw(false), Control.Invalidate(), SetRedraw(true); },
     };
     for (const auto& Deed : Deeds) {
-        Control.OnPaint = [&] {
-            Deed();
-            Control.Fill({0, 0, 150, 70}, clBlue);
-        };
+        Control.OnPaint = [&] { Deed(), Control.Fill({0, 0, 150, 70}, clBlue); };
         Control.Repaint();
         EXPECT_TRUE(Control.HasInvalidRegion());
     }
