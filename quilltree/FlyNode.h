@@ -265,6 +265,7 @@ protected:
     const char* StreamListName() const override { return "CellsText"; }
     bool GetStreamList(std::vector<std::string_view>& Cells) const override;
     void SetStreamList(std::span<const std::string_view> Cells) override;
+    std::span<const TPropertyInfo> StreamOnlyProperties() const override;
     void PropertyAbsent(const TPropertyInfo& Property) override;
 
 private:

@@ -61,6 +61,26 @@ bool TFlyNode::GetStreamList(std::vector<std::string_view>& Cells) const {
 
 void TFlyNode::SetStreamList(std::span<const std::string_view> Cells) { StoreTexts(GetTextView(), Cells); }
 
+// A height that the node was given. Measured ones (FitToHeight) belong to the font and the width of the moment.
+std::span<const TPropertyInfo> TFlyNode::StreamOnlyProperties() const {
+    static constexpr auto Measures = [](const TPersistent& O) {
+        const INodeHost* const Host = Node(O).GetHost();
+        return Host && Host->GetFitToHeight();
+    };
+    static const TPropertyInfo Properties[] = {
+        {.Name = "Height",
+         .Kind = TPropertyKind::Integer,
+         .GetOrdinal = [](const TPersistent& O) { return std::int64_t{Node(O).GetHeightField()}; },
+         .SetOrdinal =
+             [](TPersistent& O, std::int64_t V) {
+                 if (!Measures(O)) Node(O).SetHeightField(static_cast<int>(V));
+             },
+         .Default = -1,
+         .Stored = [](const TPersistent& O) { return Node(O).GetHeightField() >= 0 && !Measures(O); },
+         .Lowest = -1}};
+    return Properties;
+}
+
 void TFlyNode::PropertyAbsent(const TPropertyInfo& Property) {
     // A new node has its tag already; -1 would ask for one more.
     if (Property.Name == "UniqueTag" && GetUniqueTag() != -1) return;

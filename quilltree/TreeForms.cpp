@@ -187,10 +187,14 @@ const TClassInfo* TQuillTree::GetClassInfo() const {
 // --- defined properties --------------------------------------------------------------------------------------------
 
 void TCustomQuillTree::DefineProperties(TFiler& Filer) {
-    const TFlagScope Loading(this, FLoading);
     const TControlGuard Guard(this);
-    TCustomExGrid::DefineProperties(Filer);
+    {
+        // Rows are not measured to be written: a row for each of a million nodes would be.
+        const TValueScope Measuring(this, FLoading, FLoading || FFitToHeight);
+        TCustomExGrid::DefineProperties(Filer);
+    }
     if (!Guard) return;
+    const TFlagScope Loading(this, FLoading);
     if (SaveNodes()) {
         Filer.DefineBinaryProperty(
             "Data", [this](TStream& Stream) { ReadData(Stream); },

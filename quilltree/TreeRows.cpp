@@ -22,7 +22,11 @@ void TCustomQuillTree::FixupRows() {
     if (HasState(csDestroying) || !FItems) return;
     const TControlGuard Guard(this);
     const int Count = FItems->RowList.GetCount();
-    SetRowCount(GetFixedRows() + Count);
+    if (GetRowCount() != GetFixedRows() + Count) {
+        SetRowCount(GetFixedRows() + Count);
+    } else if (FItems->GetHasStoredHeights()) {
+        UpdateScrollRange(); // other nodes have other heights
+    }
     if (!Guard) return;
     if (Count == 0) SetTopRow(GetFixedRows());
     if (!Guard) return;

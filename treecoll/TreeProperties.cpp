@@ -42,13 +42,20 @@ bool TTreePropertyAccess::IsStored(const TTreeCollection& Object, const TPropert
     return !Property.Default || *Property.Default != Value.Number;
 }
 
-void TTreeItemReader::Set(std::string_view Name, const TStreamValue& Value) {
+const TPropertyInfo* TTreePropertyAccess::Find(const TTreeCollection& Object, std::string_view Name) {
+    if (const TPropertyInfo* const Property = FindProperty(Object.GetClassInfo(), Name)) return Property;
+    for (const TPropertyInfo& Property : Object.StreamOnlyProperties())
+        if (Property.Name == Name) return &Property;
+    return nullptr;
+}
+
+bool TTreeItemReader::Set(std::string_view Name, const TStreamValue& Value) {
     TTreeCollection* const Object = FObject.Get();
-    if (!Object) return;
-    const TPropertyInfo* const Property = FindProperty(Object->GetClassInfo(), Name);
-    if (!Property) return;
+    if (!Object) return true;
+    const TPropertyInfo* const Property = TTreePropertyAccess::Find(*Object, Name);
+    if (!Property) return true;
     if (Value.Kind == TStreamValue::List) {
-        if (!Object->StreamListName() || Name != Object->StreamListName()) return;
+        if (!Object->StreamListName() || Name != Object->StreamListName()) return true;
         FNamed.push_back(Property);
         const std::vector<std::string_view> Texts(Value.Items.begin(), Value.Items.end());
         Object->SetStreamList(Texts);
@@ -56,21 +63,19 @@ void TTreeItemReader::Set(std::string_view Name, const TStreamValue& Value) {
         FNamed.push_back(Property);
         Property->SetString(*Object, Value.String);
     } else if (Value.Kind == TStreamValue::Ordinal && Property->SetOrdinal) {
+        if (Value.Number < Property->Lowest || Value.Number > Property->Highest) return false;
         FNamed.push_back(Property);
         Property->SetOrdinal(*Object, Value.Number);
     }
+    return true;
 }
 
 void TTreeItemReader::Finish() {
     if (!FObject.IsAlive()) return;
-    for (const TClassInfo* Info = FObject.Get()->GetClassInfo(); Info; Info = Info->Parent) {
-        for (const TPropertyInfo& Property : Info->Properties) {
-            if (!FObject.IsAlive()) return;
-            if (std::find(FNamed.begin(), FNamed.end(), &Property) == FNamed.end()) {
-                FObject.Get()->PropertyAbsent(Property);
-            }
-        }
-    }
+    TTreePropertyAccess::VisitProperties(*FObject.Get(), [this](const TPropertyInfo& Property) {
+        if (FObject.IsAlive() && std::find(FNamed.begin(), FNamed.end(), &Property) == FNamed.end())
+            FObject.Get()->PropertyAbsent(Property);
+    });
 }
 
 // --- building -------------------------------------------------------------------------------------------------------

@@ -30,6 +30,17 @@ public:
     template <class TVisit>
     static void VisitStored(const TTreeCollection& Object, const TVisit& Visit);
 
+    // Calls Visit for every property that streams know, in the order in which they hold them.
+    template <class TVisit>
+    static void VisitProperties(const TTreeCollection& Object, const TVisit& Visit) {
+        const std::span<const TPropertyInfo> StreamOnly = Object.StreamOnlyProperties(); // while it is there
+        for (const TClassInfo* Info = Object.GetClassInfo(); Info; Info = Info->Parent)
+            for (const TPropertyInfo& Property : Info->Properties) Visit(Property);
+        for (const TPropertyInfo& Property : StreamOnly) Visit(Property);
+    }
+    // Null when there is none of that name.
+    static const TPropertyInfo* Find(const TTreeCollection& Object, std::string_view Name);
+
     static TTreeCollection* CreateItem(TTreeCollection& Parent, const std::string& Name) {
         return Parent.InternalGetClass(Name) ? Parent.CreateItem(Name) : nullptr;
     }
@@ -43,9 +54,9 @@ private:
 class TTreeItemReader {
 public:
     explicit TTreeItemReader(TTreeCollection* Object) : FObject(Object) {}
-    // A name that the object does not publish, and a value of another kind, are passed over: they come from other
-    // versions of its class.
-    void Set(std::string_view Name, const TStreamValue& Value);
+    // A name that the object does not know, and a value of another kind, are passed over: they come from other versions
+    // of its class. False for a number that the property cannot hold.
+    [[nodiscard]] bool Set(std::string_view Name, const TStreamValue& Value);
     void Finish();
     bool IsAlive() const { return FObject.IsAlive(); }
 
@@ -95,20 +106,18 @@ template <class TVisit>
 void TTreePropertyAccess::VisitStored(const TTreeCollection& Object, const TVisit& Visit) {
     thread_local TStreamValue Value;
     const char* const ListName = Object.StreamListName();
-    for (const TClassInfo* Info = Object.GetClassInfo(); Info; Info = Info->Parent) {
-        for (const TPropertyInfo& Property : Info->Properties) {
-            if (ListName && Property.Name == ListName) {
-                thread_local std::vector<std::string_view> Texts;
-                Texts.clear();
-                if (!Object.GetStreamList(Texts)) continue;
-                Value.Kind = TStreamValue::List;
-                Value.Items.assign(Texts.begin(), Texts.end());
-            } else if (!IsStored(Object, Property, Value)) {
-                continue;
-            }
-            Visit(Property.Name, Value);
+    VisitProperties(Object, [&](const TPropertyInfo& Property) {
+        if (ListName && Property.Name == ListName) {
+            thread_local std::vector<std::string_view> Texts;
+            Texts.clear();
+            if (!Object.GetStreamList(Texts)) return;
+            Value.Kind = TStreamValue::List;
+            Value.Items.assign(Texts.begin(), Texts.end());
+        } else if (!IsStored(Object, Property, Value)) {
+            return;
         }
-    }
+        Visit(Property.Name, Value);
+    });
 }
 
 } // namespace quill

@@ -223,7 +223,8 @@ private:
                 Fail("an unknown kind of property");
             }
             FValue.Kind = static_cast<TStreamValue::TKind>(Tagged & 3);
-            Item.Set(Name, FValue);
+            if (!Item.Set(Name, FValue))
+                Fail(FormatText("%s cannot be %s", {Name, std::to_string(FValue.Number)}));
         }
         Item.Finish();
     }

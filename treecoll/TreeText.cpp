@@ -145,7 +145,7 @@ private:
         while (NextCommaTextItem(Line, Pos, Buffer, Field)) {
             const std::size_t Equal = Field.find('=');
             if (Equal == std::string_view::npos && Field.ends_with('+')) {
-                if (!ListName.empty()) Item.Set(ListName, List);
+                SetList(Item, ListName, List);
                 ListName = Field.substr(0, Field.size() - 1);
                 List.Items.clear();
                 continue;
@@ -159,13 +159,17 @@ private:
             }
             SetProperty(Item, Builder.Current(), Name, Field.substr(Equal + 1));
         }
-        if (!ListName.empty()) Item.Set(ListName, List);
+        SetList(Item, ListName, List);
         Item.Finish();
+    }
+    static void SetList(TTreeItemReader& Item, const std::string& Name, const TStreamValue& List) {
+        // A list is no number, which alone can be refused.
+        if (!Name.empty()) static_cast<void>(Item.Set(Name, List));
     }
     void SetProperty(TTreeItemReader& Item, const TTreeCollection* Object, std::string_view Name,
                      std::string_view Text) const {
         if (!Object) return;
-        const TPropertyInfo* const Property = FindProperty(Object->GetClassInfo(), Name);
+        const TPropertyInfo* const Property = TTreePropertyAccess::Find(*Object, Name);
         if (!Property) return;
         TStreamValue Value;
         if (Property->Kind == TPropertyKind::String) {
@@ -177,7 +181,7 @@ private:
                 Fail(FormatText(SInvalidInteger, {Text}) + " (" + std::string(Name) + ")");
             }
         }
-        Item.Set(Name, Value);
+        if (!Item.Set(Name, Value)) Fail(FormatText("%s cannot be %s", {Name, Text}));
     }
 
     std::string_view FText;

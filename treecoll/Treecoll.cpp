@@ -490,6 +490,8 @@ const TClassInfo* TTreeCollection::GetClassInfo() const {
 bool TTreeCollection::GetStreamList(std::vector<std::string_view>&) const { return false; }
 void TTreeCollection::SetStreamList(std::span<const std::string_view>) {}
 
+std::span<const TPropertyInfo> TTreeCollection::StreamOnlyProperties() const { return {}; }
+
 void TTreeCollection::PropertyAbsent(const TPropertyInfo& Property) {
     if (Property.SetOrdinal && Property.Default && Property.GetOrdinal(*this) != *Property.Default) {
         Property.SetOrdinal(*this, *Property.Default);

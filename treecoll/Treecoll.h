@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -229,6 +230,8 @@ protected:
     virtual const char* StreamListName() const { return nullptr; }
     virtual bool GetStreamList(std::vector<std::string_view>& Texts) const;
     virtual void SetStreamList(std::span<const std::string_view> Texts);
+    // What streams hold besides the published properties and designers do not show.
+    virtual std::span<const TPropertyInfo> StreamOnlyProperties() const;
     // A stream that was read does not name Property; the object takes the declared default.
     virtual void PropertyAbsent(const TPropertyInfo& Property);
     // Reports a change of the child list, now or at the end of the bracket.

@@ -97,6 +97,7 @@ TEST_F(TreeStream, NodesKeepTheirFieldsAndTheirOddDefault) {
     Find(Nodes, "b")->SetHidden(true);
     Find(Nodes, "c")->SetImageIndex(-1);
     Find(Nodes, "c")->SetStateIndexField(9);
+    Find(Nodes, "c")->SetHeight(40);
     for (const bool AsText : {false, true}) {
         THeadlessHost OtherHost;
         TFlyNodes& Other = *OtherHost.GetItems();
@@ -107,6 +108,8 @@ TEST_F(TreeStream, NodesKeepTheirFieldsAndTheirOddDefault) {
         EXPECT_EQ(Find(Other, "c")->GetImageIndex(), -1);
         EXPECT_EQ(Find(Other, "b")->GetImageIndex(), 0);
         EXPECT_EQ(Find(Other, "c")->GetStateIndex(), 9);
+        EXPECT_EQ(Find(Other, "c")->GetHeightField(), 40);
+        EXPECT_EQ(Find(Other, "a")->GetHeightField(), -1);
     }
     // A property that the stream does not name reads as its default, also the one that hides nodes.
     Nodes.LoadFromText("TreeCollection:1\r\nTFlyNodes\r\n\tTFlyNode,Text=x\r\n");
@@ -226,6 +229,7 @@ TEST_F(TreeStream, BrokenTextNamesTheLine) {
         {Head + "TTask\n\tTUnknown\n", "line 3: the class \"TUnknown\" is not registered"},
         {Head + "TTask\n\t\n", "line 3: the class is missing"},
         {Head + "TTask\n\tTTask,Priority=many\n", "line 3: 'many' is not a valid integer value (Priority)"},
+        {Head + "TTask\n\tTTask,Priority=3000000000\n", "line 3: Priority cannot be 3000000000"},
         {Head + "TTask\n\tTTask,Priority\n", "line 3: \"Priority\" is no property"},
         {Head + "TTask\n\t*0\n", "line 3: \"0\" is no number of placeholders"},
         {Head + "TTask\n\tTTask,PropertyOfAnotherVersion=3\n", ""},
