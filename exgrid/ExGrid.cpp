@@ -261,6 +261,8 @@ void TCustomExGrid::Loaded() {
     const TControlGuard Guard(this);
     TCustomControl::Loaded();
     if (!Guard) return;
+    // Counts come in any order while a form is read.
+    FFixedCols = std::min(FFixedCols, FColCount - 1);
     Initialize();
     UpdateScrollRange();
     if (Guard) InvalidateGrid();

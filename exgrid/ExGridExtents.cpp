@@ -226,7 +226,7 @@ void TCustomExGrid::SetFixedCols(int Value) {
         if (!Guard) return;
     }
     if (FEditorMode) HideEditor();
-    if (!Guard) return;
+    if (!Guard || Value >= FColCount) return; // a handler has taken columns away
     FFixedCols = Value;
     Initialize();
     UpdateScrollRange();
@@ -239,7 +239,7 @@ void TCustomExGrid::SetFixedRows(int Value) {
     if (Value >= FRowCount) Fail(SFixedRowTooBig, Value);
     const TControlGuard Guard(this);
     if (FEditorMode) HideEditor();
-    if (!Guard) return;
+    if (!Guard || Value >= FRowCount) return;
     FFixedRows = Value;
     Initialize();
     UpdateScrollRange();
@@ -267,7 +267,7 @@ void TCustomExGrid::AdjustSize(int Index, int Amount, bool Rows) {
         ResizeAxes(Fitted, Index, FRowCount, FRowCount);
         if (Guard) ColCountChanged();
     }
-    InvalidateGrid();
+    if (Guard) InvalidateGrid();
 }
 
 void TCustomExGrid::ResizeAxes(int NewColCount, int ColIndex, int NewRowCount, int RowIndex) {

@@ -1,4 +1,5 @@
 // Handlers that destroy the grid or change it under its feet.
+#include "exgrid/InplaceEdit.h"
 #include "tests/exgrid/GridTestSupport.h"
 
 #include "tests/support/Handlers.h"
@@ -98,6 +99,19 @@ const TScene Scenes[] = {
      Drag(170)},
     {"OnRowHeightChanged", On(&TTestGrid::OnRowHeightChanged),
      [](TTestGrid& Grid) { Grid.SetRowHeights(4, 10); }},
+    {"OnSelectCell while rows are taken out",
+     After([](TTestGrid& Grid) { Grid.Focus(2, 19); }, On(&TTestGrid::OnSelectCell)),
+     [](TTestGrid& Grid) { Grid.AdjustSize(3, -5, true); }},
+    {"OnSetEditText when columns become fixed",
+     After(
+         [](TTestGrid& Grid) {
+             Grid.SetOptions(Grid.GetOptions() + goEditing);
+             Grid.Focus(2, 3);
+             Grid.ShowEditor();
+             Grid.GetInplaceEditor()->SetText("typed");
+         },
+         On(&TTestGrid::OnSetEditText)),
+     [](TTestGrid& Grid) { Grid.SetFixedCols(3); }},
     {"OnColumnMoved in a deletion", On(&TTestGrid::OnColumnMoved),
      [](TTestGrid& Grid) { Grid.DeleteColumn(1); }},
 };

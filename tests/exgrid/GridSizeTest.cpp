@@ -286,6 +286,10 @@ TEST(GridStream, LoadingTakesCountsInAnyOrder) {
     Grid.EndReading();
     Grid.EndLoading();
     EXPECT_EQ(Grid.State(), "3,1 [3,1..3,1] @3,1");
+    Grid.BeginLoading();
+    Grid.SetColCount(2);
+    Grid.EndLoading();
+    EXPECT_EQ(Grid.State(), "1,1 [1,1..1,1] @1,1") << "a scrollable column remains";
 }
 
 } // namespace
