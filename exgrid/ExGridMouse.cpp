@@ -177,7 +177,10 @@ void TCustomExGrid::MouseUp(TMouseButton Button, TShiftState Shift, int X, int Y
     if (Button == mbLeft && FDrag && !FDrag->IsSizing()) {
         DropDrag({X, Y});
     } else if (Button == mbLeft || !IsPressing()) {
+        const bool Sized = FDrag && FDrag->OldExtent != (FDrag->IsColumn() ? GetColWidths(FDrag->Index)
+                                                                           : GetRowHeights(FDrag->Index));
         LeaveMode();
+        if (Sized) UpdateDesigner();
     }
     if (!Guard) return;
     TCustomControl::MouseUp(Button, Shift, X, Y);

@@ -6,6 +6,7 @@
 #include "host/windows/PublishedNames.h"
 
 #include <QContextMenuEvent>
+#include <QMenu>
 #include <QTextDocument>
 
 #include <algorithm>
@@ -98,7 +99,11 @@ void TCustomControl::TImpl::ApplyHint() {
 TPopupMenu* TCustomControl::GetPopupMenu() const { return FImpl->PopupMenu; }
 
 void TCustomControl::SetPopupMenu(TPopupMenu* Value) {
+    if (FImpl->PopupMenu == Value) return;
+    // The menu belongs to the control, so that its short cuts work there.
+    if (FImpl->PopupMenu) removeAction(FImpl->PopupMenu->GetMenu()->menuAction());
     FImpl->PopupMenu = Value;
+    if (Value) addAction(Value->GetMenu()->menuAction());
     FreeNotification(Value);
 }
 
@@ -166,6 +171,10 @@ void TCustomControl::Loaded() {
     // A child that comes to a parent on the screen waits to be shown.
     if (isHidden() && GetVisible() && parentWidget() && !isWindow() && parentWidget()->isVisible()) show();
     if (Guard && FImpl->Align != alNone) FImpl->NotePlace(QEvent::ShowToParent);
+}
+
+void TCustomControl::UpdateDesigner() {
+    if (HasState(csDesigning) && !HasState(csLoading) && HandleAllocated()) Q_EMIT designerModified();
 }
 
 namespace {

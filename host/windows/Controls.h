@@ -458,8 +458,13 @@ public:
     void SetParentComponent(TComponent* Value) override;
     void Notification(TComponent* AComponent, TOperation Operation) override;
     void Loaded() override;
+    // Tells the designer that lays the control out (SetDesigning) that it was changed by its own means and not through
+    // the designer: a column was sized on the form. Says nothing at any other time.
+    virtual void UpdateDesigner();
 
 Q_SIGNALS:
+    // For designers: UpdateDesigner says so. What a form of the control would hold has changed.
+    void designerModified();
     void clicked();
     void doubleClicked();
 

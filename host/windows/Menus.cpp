@@ -11,11 +11,15 @@ namespace quill {
 
 TMenuItem::TMenuItem(TComponent* AOwner) : TComponent(AOwner), FAction(std::make_unique<QAction>()) {
     // From the event loop: a handler may destroy the item.
+    FAction->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     QObject::connect(
         FAction.get(), &QAction::triggered, FAction.get(), [this] { Click(); }, Qt::QueuedConnection);
 }
 
-TMenuItem::~TMenuItem() { Destroying(); }
+TMenuItem::~TMenuItem() {
+    Unlink();
+    FAction->setMenu(nullptr);
+}
 
 void TMenuItem::SetCaption(const std::string& Value) {
     FCaption = Value;
@@ -45,27 +49,57 @@ void TMenuItem::SetVisible(bool Value) { FAction->setVisible(Value); }
 void TMenuItem::Click() {
     // The platform's menu has changed the mark of a checked command; that is the handler's business here.
     FAction->setChecked(FChecked);
-    FireEvent(OnClick, this);
+    if (!HasState(csDesigning)) FireEvent(OnClick, this);
 }
 
-TComponent* TMenuItem::GetParentComponent() const { return FMenu; }
+TMenuItem* TMenuItem::Add(const std::string& Caption, TNotifyEvent OnClickOfIt) {
+    auto* const Item = new TMenuItem(this);
+    Item->SetCaption(Caption);
+    Item->OnClick = std::move(OnClickOfIt);
+    Item->SetParentComponent(this);
+    return Item;
+}
+
+TComponent* TMenuItem::GetParentComponent() const { return FParent; }
+
+QMenu* TMenuItem::MenuIn(TComponent* Component) {
+    if (auto* const Menu = dynamic_cast<TPopupMenu*>(Component)) return Menu->GetMenu();
+    auto* const Item = dynamic_cast<TMenuItem*>(Component);
+    if (!Item) return nullptr;
+    if (!Item->FSubMenu) Item->FSubMenu = std::make_unique<QMenu>();
+    return Item->FSubMenu.get();
+}
+
+// An item without items is a command.
+void TMenuItem::ShowAsMenu() {
+    const bool HasItems = FSubMenu && !FSubMenu->actions().isEmpty();
+    FAction->setMenu(HasItems ? FSubMenu.get() : nullptr);
+}
 
 void TMenuItem::SetParentComponent(TComponent* Value) {
-    auto* const Menu = dynamic_cast<TPopupMenu*>(Value);
-    if (Menu == FMenu) return;
-    if (FMenu) {
-        FMenu->GetMenu()->removeAction(FAction.get());
-        RemoveFreeNotification(FMenu);
+    if (Value == FParent) return;
+    for (const TComponent* Outer = Value; Outer; Outer = Outer->GetParentComponent())
+        if (Outer == this) return;
+    QMenu* const Menu = MenuIn(Value);
+    if (Value && !Menu) return;
+    if (FParent) {
+        MenuIn(FParent)->removeAction(FAction.get());
+        if (auto* const Outer = dynamic_cast<TMenuItem*>(FParent)) Outer->ShowAsMenu();
+        RemoveFreeNotification(FParent);
     }
-    FMenu = Menu;
-    if (!Menu) return;
-    Menu->GetMenu()->addAction(FAction.get());
-    FreeNotification(Menu);
+    FParent = Value;
+    if (!Value) return;
+    Menu->addAction(FAction.get());
+    if (auto* const Outer = dynamic_cast<TMenuItem*>(Value)) Outer->ShowAsMenu();
+    FreeNotification(Value);
 }
 
 void TMenuItem::Notification(TComponent* AComponent, TOperation Operation) {
     TComponent::Notification(AComponent, Operation);
-    if (Operation == opRemove && AComponent == FMenu) FMenu = nullptr;
+    if (Operation != opRemove) return;
+    if (AComponent == FParent) FParent = nullptr;
+    auto* const Item = dynamic_cast<TMenuItem*>(AComponent);
+    if (Item && Item->FParent == this) Item->SetParentComponent(nullptr);
 }
 
 const TClassInfo* TMenuItem::GetClassInfo() const {

@@ -13,7 +13,8 @@ class QMenu;
 
 namespace quill {
 
-// A command of a popup menu. A caption of "-" is a line between commands; "&" stands before the letter that chooses it.
+// A command of a popup menu, or with items of its own a menu inside it. A caption of "-" is a line between commands; "&"
+// stands before the letter that chooses it.
 class TMenuItem : public TComponent {
 public:
     explicit TMenuItem(TComponent* AOwner = nullptr);
@@ -21,7 +22,8 @@ public:
 
     const std::string& GetCaption() const { return FCaption; }
     void SetCaption(const std::string& Value);
-    // As the platform writes it: "Ctrl+C". Works while the menu's control or its window has the focus.
+    // As the platform writes it: "Ctrl+C". Works while a control with the menu, or something in that control, has the
+    // focus.
     std::string GetShortCut() const;
     void SetShortCut(const std::string& Value);
     bool GetChecked() const { return FChecked; }
@@ -31,19 +33,27 @@ public:
     bool GetVisible() const;
     void SetVisible(bool Value);
     void Click();
+    // A new command at the end of this item's menu; the item owns it.
+    TMenuItem* Add(const std::string& Caption, TNotifyEvent OnClick = {});
     QAction* GetAction() const { return FAction.get(); }
 
     TNotifyEvent OnClick;
 
     const TClassInfo* GetClassInfo() const override;
     TComponent* GetParentComponent() const override;
-    // A TPopupMenu; the item comes last in it. Null takes it out.
+    // A TPopupMenu or another item; this one comes last in it. Null takes it out. Anything else, and an item inside this
+    // one, is ignored.
     void SetParentComponent(TComponent* Value) override;
     void Notification(TComponent* AComponent, TOperation Operation) override;
 
 private:
+    // The platform's menu of what items can stand in; null for other components.
+    static QMenu* MenuIn(TComponent* Component);
+    void ShowAsMenu();
+
     std::unique_ptr<QAction> FAction;
-    class TPopupMenu* FMenu = nullptr;
+    std::unique_ptr<QMenu> FSubMenu; // made for the first item
+    TComponent* FParent = nullptr;
     std::string FCaption;
     bool FChecked = false;
 };

@@ -4,6 +4,7 @@
 #include "htmldraw/HTMLText.h"
 #include "tests/forms/FormTestTools.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -154,6 +155,44 @@ TEST(HostProperties, APopupMenuOpensForItsControl) {
     Panel.SetDesigning(true);
     Ask();
     EXPECT_EQ(Log, "panel;done;") << "while it is being designed";
+}
+
+TEST(HostProperties, ItemsOfMenusMayHoldItems) {
+    TPanel Panel;
+    Panel.SetTabStop(true);
+    TPopupMenu Menu;
+    int Done = 0;
+    TMenuItem* const Outer = Menu.Add("&Sort");
+    TMenuItem* const Inner = Outer->Add("&Up", [&](TObject*) { ++Done; });
+    Inner->SetShortCut("Ctrl+U");
+    Outer->SetParentComponent(Inner); // ignored
+    EXPECT_EQ(Outer->GetParentComponent(), &Menu);
+    Panel.SetPopupMenu(&Menu);
+    Panel.show();
+    Panel.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Panel));
+    Panel.SetFocus();
+    const auto Press = [&] {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_U, Qt::ControlModifier);
+        QApplication::processEvents();
+    };
+    Press();
+    EXPECT_EQ(Done, 1) << "a short cut inside a menu works";
+    Inner->SetParentComponent(nullptr);
+    EXPECT_EQ(Outer->GetAction()->menu(), nullptr) << "a command again";
+    Press();
+    Inner->SetParentComponent(&Menu);
+    Press();
+    EXPECT_EQ(Done, 2);
+    Inner->SetParentComponent(Outer);
+    delete Inner;
+    EXPECT_EQ(Outer->GetAction()->menu(), nullptr);
+    TMenuItem Stays;
+    Stays.SetParentComponent(Outer);
+    Panel.SetPopupMenu(nullptr);
+    EXPECT_TRUE(Panel.actions().isEmpty());
+    delete Outer;
+    EXPECT_EQ(Stays.GetParentComponent(), nullptr);
 }
 
 TEST(HostProperties, TabGoesInItsOrder) {
