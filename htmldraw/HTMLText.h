@@ -36,6 +36,7 @@ public:
     QUILL_QT_PROPERTY(BiDiMode, BiDiMode)
     QUILL_QT_PROPERTY(int, BorderWidth)
     QUILL_QT_PROPERTY(QColor, Color)
+    QUILL_QT_PROPERTY(bool, Ctl3D)
 
 public:
     // 105 x 105 pixels, without a border, in the colour of its parent.

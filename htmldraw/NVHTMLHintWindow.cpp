@@ -1,5 +1,6 @@
 #include "htmldraw/NVHTMLHintWindow.h"
 
+#include "host/base/PropertyTables.h"
 #include "htmldraw/HTMLDraw.h"
 
 namespace quill {
@@ -44,6 +45,16 @@ void TNVHTMLHintWindow::Paint() {
     GetCanvas()->GetBrush()->SetColor(GetColor());
     ApplyReading();
     DrawHTML(Room, *GetCanvas(), GetCaption(), FWordwrap, false, HTMLLeft, HTMLMiddle);
+}
+
+const TClassInfo* TNVHTMLHintWindow::GetClassInfo() const {
+    using T = TNVHTMLHintWindow;
+    static const TPropertyInfo Properties[] = {
+        Published<&T::GetHTMLDrawing, &T::SetHTMLDrawing>("HTMLDrawing"),
+        Published<&T::GetWordwrap, &T::SetWordWrap>("Wordwrap"),
+    };
+    static const TClassInfo Info{"TNVHTMLHintWindow", THintWindow::GetClassInfo(), Properties};
+    return &Info;
 }
 
 } // namespace quill

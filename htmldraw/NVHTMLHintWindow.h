@@ -24,6 +24,7 @@ public:
     // Markup needs its extent in the hint's font and 8 by 2 pixels more.
     TRect CalcHintRect(int MaxWidth, const std::string& AHint, void* AData) override;
     void Paint() override;
+    const TClassInfo* GetClassInfo() const override;
 
 private:
     // The direction in which the canvas reads texts.

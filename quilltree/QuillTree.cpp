@@ -2,6 +2,7 @@
 #include "quilltree/QuillTree.h"
 #include "host/base/Events.h"
 #include "host/windows/Application.h"
+#include "host/windows/FlagScope.h"
 #include "htmldraw/NVHTMLHintWindow.h"
 #include "oledragdrop/OLEDragDrop.h"
 
@@ -55,11 +56,12 @@ void TCustomQuillTree::SetNodes(TFlyNodes* Value) {
 TFlyNode* TCustomQuillTree::CreateNode(TTreeCollection* Owner) { return new TFlyNode(Owner); }
 
 void TCustomQuillTree::Loaded() {
-    FLoading = true;
     const TControlGuard Guard(this);
-    TCustomExGrid::Loaded();
+    {
+        const TFlagScope Loading(this, FLoading);
+        TCustomExGrid::Loaded();
+    }
     if (!Guard) return;
-    FLoading = false;
     if (FButtonSize > FIndent) SetButtonSize(FIndent);
     RefreshNodeList(nullptr);
     FixupRows();
@@ -196,7 +198,9 @@ void TCustomQuillTree::SetImages(TCustomImageList* Value) {
     if (FImages) {
         FImages->RegisterChanges(&FImageChangeLink);
         FImages->FreeNotification(this);
+        const TControlGuard Guard(this);
         if (FImages->GetHeight() > GetDefaultRowHeight()) SetDefaultRowHeight(FImages->GetHeight());
+        if (!Guard || !FImages) return;
         // Room for a picture and a little air; refused when the expand button would not fit.
         if (FImages->GetWidth() + 4 > FButtonSize) SetIndent(FImages->GetWidth() + 4);
     }

@@ -831,6 +831,7 @@ public:
     QUILL_QT_PROPERTY(BiDiMode, BiDiMode)
     QUILL_QT_PROPERTY(BorderStyle, BorderStyle)
     QUILL_QT_PROPERTY(QColor, Color)
+    QUILL_QT_PROPERTY(bool, Ctl3D)
     QUILL_QT_PROPERTY(int, DefaultColWidth)
     QUILL_QT_PROPERTY(int, DefaultRowHeight)
     QUILL_QT_PROPERTY(QColor, FixedColor)

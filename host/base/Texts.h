@@ -48,6 +48,7 @@ inline constexpr std::string_view SFormUnknownProperty = "a %s has no such prope
 inline constexpr std::string_view SFormReadOnly = "the property cannot be set";
 inline constexpr std::string_view SFormTwice = "the property was set before, on line %s";
 inline constexpr std::string_view SFormNameTaken = "there is another component \"%s\" already";
+inline constexpr std::string_view SFormBadName = "\"%s\" cannot be a component's name in a form";
 inline constexpr std::string_view SFormNoValue = "\"%s\" is no value of this property";
 inline constexpr std::string_view SFormOutOfRange = "%s is outside %s .. %s";
 inline constexpr std::string_view SFormNoComponent = "there is no component \"%s\"";

@@ -257,7 +257,11 @@ std::string TFormValue::Describe() const {
     }
 }
 
-TFormObject ParseForm(std::string_view Text) { return TParser(Text).Parse(); }
+TFormObject ParseForm(std::string_view Text) {
+    constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF"; // some text editors put it there
+    if (Text.starts_with(ByteOrderMark)) Text.remove_prefix(ByteOrderMark.size());
+    return TParser(Text).Parse();
+}
 
 // --- values -------------------------------------------------------------------------------------------------------
 

@@ -5,6 +5,8 @@
 #include "host/forms/Forms.h"
 #include "host/graphics/Colors.h"
 
+#include <algorithm>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -15,9 +17,11 @@ namespace {
 class TFormWriter : public TWriter {
 public:
     TFormWriter(TComponent* Root, TComponent* Ancestor) : FRoot(Root), FRootAncestor(Ancestor) {
+        FNames.insert(Root->GetName());
         for (int I = 0; I < Root->GetComponentCount(); ++I) {
             TComponent* const Component = Root->GetComponents(I);
             if (Component->GetName().empty()) continue;
+            CheckName(Component->GetName());
             TComponent* Parent = Component->GetParentComponent();
             // Shown inside something that is no part of the form.
             if (!Parent || Parent->GetOwner() != Root || Parent->GetName().empty()) Parent = Root;
@@ -95,6 +99,14 @@ private:
         FOut.append(Indent()).append("end\n");
     }
 
+    void CheckName(const std::string& Name) {
+        if (!IsFormIdentifier(Name) || Name == "nil")
+            throw EInvalidOperation(FormatText(SFormBadName, {Name}));
+        if (!FNames.insert(Name).second) throw EInvalidOperation(FormatText(SFormNameTaken, {Name}));
+        if (FNames.size() > MaxFormComponents) // with the root
+            throw EInvalidOperation(FormatText(SFormTooMany, {std::to_string(MaxFormComponents)}));
+    }
+
     // A class that forms cannot make is written as the one that it publishes its properties as.
     static std::string ClassOf(const TComponent* Component) {
         const std::string Name = Component->ClassName();
@@ -151,7 +163,9 @@ private:
             if (!Property.GetOrdinal || !Property.SetOrdinal) return;
             const std::int64_t Value = Property.GetOrdinal(Object);
             if (Ancestor ? Value == Property.GetOrdinal(*Ancestor) : Property.Default == Value) return;
-            const std::string Text = OrdinalText(Property, Value);
+            const bool IsNumber = Property.Kind == TPropertyKind::Integer;
+            const std::string Text = OrdinalText(
+                Property, IsNumber ? std::clamp(Value, Property.Lowest, Property.Highest) : Value);
             if (Text.empty()) return;
             Begin(Name);
             FOut += Text;
@@ -188,6 +202,7 @@ private:
     TComponent* FRoot;
     TComponent* FRootAncestor;
     std::unordered_map<const TComponent*, std::vector<TComponent*>> FChildren;
+    std::set<std::string> FNames;
     std::string FOut;
     int FDepth = 0;
     bool FInList = false;

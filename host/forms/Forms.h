@@ -15,7 +15,8 @@
 // Written are the published properties in their order (host/base/Reflection.h), those with a default only when they
 // differ from it, then what the component defines itself (DefineProperties), then the components inside it. A
 // component takes part when the form's root owns it and when it has a name: components without one are parts of
-// others. Components and handlers are referred to by name; those without a name are left out.
+// others. Components and handlers are referred to by name; those without a name are left out. A number that a form may
+// not hold is written as the nearest that it may.
 #pragma once
 
 #include "host/base/NamedHandlers.h"
@@ -59,7 +60,9 @@ struct TFormOptions {
     TComponent* Ancestor = nullptr;
 };
 
-// Raises EInvalidOperation when components are nested more than MaxFormDepth levels deep.
+// Raises EInvalidOperation for what could not be read back: components that are nested more than MaxFormDepth levels
+// deep, more than MaxFormComponents of them, two of the same name, and a name that is no identifier (the root's is then
+// left out).
 void SaveForm(TStream& Stream, TComponent* Root, const TFormOptions& Options = {});
 std::string SaveFormToText(TComponent* Root, const TFormOptions& Options = {});
 // Replaces the file safely (host/base/Files.h).

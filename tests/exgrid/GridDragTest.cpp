@@ -142,12 +142,17 @@ TEST(GridDrag, ABorderIsDraggedToSize) {
         {"a click sizes nothing", bdLeftToRight, 151, 10, 151, 10, ""},
     };
     for (const auto& Case : Cases) {
-        TDragGrid Grid({goColSizing, goRowSizing});
-        Grid.MaxWidth = 100;
-        Grid.SetBiDiMode(Case.Mode);
-        Grid.Drag(Case.X, Case.Y, Case.ToX, Case.ToY);
-        EXPECT_EQ(Grid.TakeLog(), Case.Log) << Case.What;
-        EXPECT_EQ(Grid.GetGridState(), gsNormal) << Case.What;
+        for (const bool Designing : {false, true}) {
+            TDragGrid Grid({goColSizing, goRowSizing});
+            Grid.MaxWidth = 100;
+            Grid.SetBiDiMode(Case.Mode);
+            Grid.SetDesigning(Designing);
+            QObject::connect(&Grid, &TCustomControl::designerModified, [&Grid] { Grid.Log += "designer "; });
+            Grid.Drag(Case.X, Case.Y, Case.ToX, Case.ToY);
+            const std::string Log = Case.Log;
+            EXPECT_EQ(Grid.TakeLog(), Designing && !Log.empty() ? Log + "designer " : Log) << Case.What;
+            EXPECT_EQ(Grid.GetGridState(), gsNormal) << Case.What;
+        }
     }
 }
 

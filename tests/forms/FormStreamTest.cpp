@@ -4,6 +4,7 @@
 #include "host/windows/Menus.h"
 #include "htmldraw/HTMLText.h"
 #include "tests/forms/FormTestTools.h"
+#include "tests/support/Handlers.h"
 
 namespace quill {
 namespace {
@@ -25,6 +26,9 @@ struct TWindow {
         Copy->SetCaption("&Copy");
         Copy->SetShortCut("Ctrl+C");
         Copy->SetParentComponent(Menu);
+        auto* const CopyAll = new TMenuItem(&Root);
+        CopyAll->SetName("CopyAll");
+        CopyAll->SetParentComponent(Copy);
         Pictures = new TImageList(&Root, 20, 18);
         Pictures->SetName("Pictures");
         for (const TColor Color : {clRed, clLime}) {
@@ -57,6 +61,7 @@ struct TWindow {
             Node->SetCell(1, "line\r\nbreak, \"quotes\" \xC3\xA9\xFF");
             if (I % 7 == 0) Node->SetCell(2, std::string("nul \0 here", 10));
             if (I % 4 == 0) Node->SetHidden(true);
+            if (I % 6 == 0) Node->SetHeight(30 + I);
             if (I % 9 == 0) Parent = Node;
         }
     }
@@ -83,8 +88,9 @@ TEST(FormStream, BringsBackAWholeWindow) {
         EXPECT_EQ(Loaded.Tree->GetColumnOrder(Col), Saved.Tree->GetColumnOrder(Col));
         EXPECT_EQ(Loaded.Tree->GetCaptions(Col), Saved.Tree->GetCaptions(Col));
     }
-    EXPECT_EQ(Loaded.Tree->GetRowHeights(0), 40);
-    EXPECT_EQ(Loaded.Tree->GetRowCount(), Saved.Tree->GetRowCount());
+    ASSERT_EQ(Loaded.Tree->GetRowCount(), Saved.Tree->GetRowCount());
+    for (int Row = 0; Row < Loaded.Tree->GetRowCount(); ++Row)
+        EXPECT_EQ(Loaded.Tree->GetRowHeights(Row), Saved.Tree->GetRowHeights(Row)) << Row;
     Loaded.Tree->GetItems()->CheckInvariants();
     ASSERT_EQ(Loaded.Pictures->GetCount(), 2);
     TBitmap Mine, Theirs;
@@ -95,6 +101,7 @@ TEST(FormStream, BringsBackAWholeWindow) {
     auto* const Copy = dynamic_cast<TMenuItem*>(Loaded.Root.FindComponent("Copy"));
     ASSERT_TRUE(Copy && Copy->GetParentComponent() == Loaded.Tree->GetPopupMenu());
     EXPECT_EQ(Copy->GetShortCut(), "Ctrl+C");
+    EXPECT_EQ(Loaded.Root.FindComponent("CopyAll")->GetParentComponent(), Copy);
 
     delete Loaded.Pictures;
     EXPECT_EQ(Loaded.Tree->GetImages(), nullptr);
@@ -249,9 +256,6 @@ TEST(FormStream, RefusesWhatIsNoForm) {
         {"quill form 1\n", "Form, line 2: \"object\" is expected, but the end of the form was found"},
         {"quill form 1\nobject Tree: TImageList end",
          "Form, line 2, Tree: a TImageList cannot be read into a TQuillTree"},
-        {"quill form 1\nobject Tree: TQuillTree Indent = 9",
-         "Form, line 2, Tree: a property, \"object\" or \"end\" is expected, but the end of the form was "
-         "found"},
     };
     TQuillTree Tree;
     Tree.SetIndent(33);
@@ -263,6 +267,37 @@ TEST(FormStream, RefusesWhatIsNoForm) {
             EXPECT_EQ(Error.GetMessage(), Message);
         }
         EXPECT_EQ(Tree.GetIndent(), 33) << "changed by " << Text;
+    }
+    // Neither changes anything what ends too early, wherever that is.
+    TWindow Whole;
+    Whole.Build();
+    const std::string Text = SaveFormToText(&Whole.Root);
+    TComponent Root;
+    for (std::size_t Size = 0; Size + 1 < Text.size(); ++Size) {
+        EXPECT_THROW(LoadFormFromText(Text.substr(0, Size), &Root), EFormError) << Size;
+        ASSERT_EQ(Root.GetComponentCount(), 0) << Size;
+    }
+    LoadFormFromText("\xEF\xBB\xBF" + Text, &Root);
+}
+
+TEST(FormStream, HoldsNothingThatItCouldNotRead) {
+    TComponent Root;
+    auto* const Tree = new TQuillTree(&Root);
+    Tree->SetName("Tree");
+    Tree->SetIndent(1'000'000);
+    Tree->SetToolTipPause(-5);
+    Tree->SetDefaultColWidth(70'000);
+    Tree->SetLeft(-20'000'000);
+    Tree->GetConstraints()->SetMinHeight(-1);
+    TComponent Loaded;
+    LoadFormFromText(SaveFormToText(&Root), &Loaded);
+    const auto* const Copy = dynamic_cast<TQuillTree*>(Loaded.FindComponent("Tree"));
+    EXPECT_EQ(Copy->GetIndent(), 32767);
+    EXPECT_EQ(Copy->GetToolTipPause(), 0);
+    auto* const Other = new TImageList(&Root);
+    for (const char* const Name : {"Tree", "two words", "nil", "3D"}) {
+        Other->SetName(Name);
+        EXPECT_THROW(SaveFormToText(&Root), EInvalidOperation) << Name;
     }
 }
 
@@ -309,25 +344,62 @@ TEST(FormStream, SavesFilesSafelyAndNamesThemInErrors) {
     EXPECT_THROW(LoadFormFromFile(Name + ".none", &Loaded), EFOpenError);
 }
 
-TEST(FormStream, SurvivesAComponentThatIsDestroyedWhileItIsRead) {
-    TComponent Root;
-    const auto Delete = [](TObject* Sender) { delete dynamic_cast<TQuillTree*>(Sender); };
-    TQuillTree Other;
-    Other.SetName("Tree");
-    Other.SetWidth(333);
-    std::string Text = SaveFormToText(&Other);
-    Text = "quill form 1\nobject Root: TComponent\n" + Text.substr(Text.find('\n') + 1) + "end\n";
-    for (const bool WhileReading : {true, false}) {
-        auto* Tree = new TQuillTree(&Root);
-        Tree->SetName("Tree");
-        if (WhileReading) {
-            Tree->OnCanResize = [Delete](TObject* Sender, int&, int&, bool&) { Delete(Sender); };
-            EXPECT_THROW(LoadFormFromText(Text, &Root), EFormError);
-        } else {
-            Tree->OnChange = [Delete](TObject* Sender, TFlyNode*) { Delete(Sender); };
-            LoadFormFromText(Text, &Root);
+TEST(FormStream, SurvivesHandlersThatDestroyWhatIsRead) {
+    const struct {
+        const char* What;
+        void (*Arm)(TQuillTree& Tree, testing::TAnyHandler Strike);
+        bool Faulty; // whether there was more to be read
+    } Scenes[] = {
+        {"OnCanResize", [](TQuillTree& Tree, testing::TAnyHandler Strike) { Tree.OnCanResize = Strike; },
+         true},
+        {"OnDeletion", [](TQuillTree& Tree, testing::TAnyHandler Strike) { Tree.OnDeletion = Strike; }, true},
+        {"OnCompare", [](TQuillTree& Tree, testing::TAnyHandler Strike) { Tree.OnCompare = Strike; }, false},
+        {"OnChange", [](TQuillTree& Tree, testing::TAnyHandler Strike) { Tree.OnChange = Strike; }, false},
+        {"OnSelectCell", [](TQuillTree& Tree, testing::TAnyHandler Strike) { Tree.OnSelectCell = Strike; },
+         false},
+        {"OnExpanding",
+         [](TQuillTree& Tree, testing::TAnyHandler Strike) {
+             Tree.SetDesigning(true);
+             Tree.OnExpanding = Strike;
+         },
+         false},
+    };
+    TWindow Saved;
+    Saved.Build();
+    Saved.Tree->SetWidth(333);
+    Saved.Tree->SetSortType(stData);
+    const std::string Text = SaveFormToText(&Saved.Root);
+    for (const auto& Scene : Scenes) {
+        for (const bool Destroy : {false, true}) {
+            SCOPED_TRACE(std::string(Scene.What) + (Destroy ? " destroys" : " clears"));
+            TComponent Root;
+            auto* const Tree = new TQuillTree(&Root);
+            Tree->SetName("Tree");
+            Tree->SetSortType(stText);
+            TFlyNode* const Parent = Tree->GetItems()->GetFirstNode();
+            for (const char* const Name : {"b", "a"}) Tree->GetItems()->AddChild(Parent, Name);
+            const TControlGuard Guard(Tree);
+            int Struck = 0;
+            Scene.Arm(*Tree, {[&] {
+                if (++Struck > 1 || !Guard) return;
+                if (Destroy) {
+                    delete Tree;
+                } else {
+                    Tree->GetItems()->Clear();
+                }
+            }});
+            if (Destroy && Scene.Faulty) {
+                EXPECT_THROW(LoadFormFromText(Text, &Root), EFormError);
+            } else {
+                LoadFormFromText(Text, &Root);
+            }
+            EXPECT_GT(Struck, 0);
+            ASSERT_EQ(static_cast<bool>(Guard), !Destroy);
+            if (Destroy) continue;
+            EXPECT_FALSE(Tree->HasState(csLoading));
+            Tree->GetItems()->CheckInvariants();
+            EXPECT_EQ(Tree->GetRowCount(), Tree->GetFixedRows() + Tree->GetItems()->RowList.GetCount());
         }
-        EXPECT_EQ(Root.GetComponentCount(), 0);
     }
 }
 

@@ -73,15 +73,17 @@ inline std::string Differences(TPersistent& A, TPersistent& B) {
     return Result;
 }
 
-// "Fruit {1 3 -1} (red, sweet) [Apple]": index fields, cells, children; "~" before hidden ones, "+" behind open ones.
+// A line for each node: " ~Fruit {1 3 -1 -1 24} (red, sweet)": its level, whether it is hidden, text, indexes of the
+// images and the state, tag and height, cells.
 inline std::string DumpNodes(TFlyNodes& Nodes) {
     std::string Text;
     for (TFlyNode* Node = Nodes.GetFirstNode(); Node; Node = Node->GetNext()) {
         Text += std::string(static_cast<std::size_t>(Node->GetLevel()), ' ') +
                 (Node->GetHidden() ? "~" : "") + Node->GetText() + " {" +
                 std::to_string(Node->GetImageIndex()) + " " + std::to_string(Node->GetSelectedIndex()) + " " +
-                std::to_string(Node->GetStateIndex()) + " " + std::to_string(Node->GetUniqueTag()) + "} (" +
-                Node->GetCell(1) + ", " + Node->GetCell(2) + ")\n";
+                std::to_string(Node->GetStateIndex()) + " " + std::to_string(Node->GetUniqueTag()) + " " +
+                std::to_string(Node->GetHeightField()) + "} (" + Node->GetCell(1) + ", " + Node->GetCell(2) +
+                ")\n";
     }
     return Text;
 }

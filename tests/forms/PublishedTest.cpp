@@ -1,6 +1,7 @@
 // What the controls publish: complete, in order, with its defaults; and every property travels through a form.
 #include "host/windows/Menus.h"
 #include "htmldraw/HTMLText.h"
+#include "htmldraw/NVHTMLHintWindow.h"
 #include "tests/forms/FormTestTools.h"
 
 #include <functional>
@@ -73,6 +74,10 @@ TEST(Published, TheLabelHasItsInterfaceInOrder) {
         "OnEnter OnExit OnGetSiteInfo OnMouseDown OnMouseMove OnMouseUp OnKeyDown OnKeyUp OnKeyPress "
         "OnResize "
         "OnStartDock OnStartDrag OnUnDock");
+}
+
+TEST(Published, TheHintWindowSaysWhetherItShowsMarkup) {
+    EXPECT_EQ(Interface(TNVHTMLHintWindow()), "HTMLDrawing! Wordwrap!");
 }
 
 template <class... TEvents>
