@@ -107,6 +107,7 @@ const TScene Scenes[] = {
          [](TTestGrid& Grid) {
              Grid.SetOptions(Grid.GetOptions() + goEditing);
              Grid.Focus(2, 3);
+             Grid.HasFocus = true;
              Grid.ShowEditor();
              Grid.GetInplaceEditor()->SetText("typed");
          },
