@@ -49,6 +49,24 @@ void CopyDefaults(const TFlyNodes& From, TFlyNodes& To) {
     To.SetDefaultStateIndex(From.GetDefaultStateIndex());
 }
 
+// The editor shows all branches open; which ones its caller had opened is kept as the data of its nodes.
+void MarkOpenBranches(const TFlyNodes& Nodes, TFlyNodes& Copies, void* Mark) {
+    TFlyNode* Copy = Copies.FirstExisting();
+    for (const TFlyNode* Node = Nodes.FirstExisting(); Node && Copy;
+         Node = Node->GetNextExisting(), Copy = Copy->GetNextExisting()) {
+        if (Node->GetExpanded()) Copy->SetData(Mark);
+    }
+}
+
+void OpenMarkedBranches(const TFlyNodes& Copies, TFlyNodes& Nodes, const void* Mark) {
+    const TUpdateBracket Bracket(&Nodes);
+    TFlyNode* Node = Nodes.FirstExisting();
+    for (const TFlyNode* Copy = Copies.FirstExisting(); Node && Copy;
+         Node = Node->GetNextExisting(), Copy = Copy->GetNextExisting()) {
+        if (Copy->GetData() == Mark && Node->GetCount() > 0) Node->SetExpandedField(true);
+    }
+}
+
 bool RunEditor(TFlyNodes* Nodes, TModifiedProc ModifiedProc, const std::optional<TEditorSection>& Section,
                QWidget* Parent) {
     // The parent may be destroyed while the dialog is open, and takes it along.
@@ -98,6 +116,7 @@ void TFlyEditor::Edit(TFlyNodes* Nodes, TModifiedProc ModifiedProc,
     if (Tree) FTree->SetUniqueTags(Tree->GetUniqueTags());
     FTree->GetItems()->Assign(Nodes);
     CopyDefaults(*Nodes, *FTree->GetItems());
+    MarkOpenBranches(*Nodes, *FTree->GetItems(), this);
     FTree->FullExpand();
     if (Tree) TakeColumnsOf(*Tree);
     if (FSection) TakeSection();
@@ -154,7 +173,9 @@ void TFlyEditor::Store() {
     }
     if (!Self || !FNodes) return;
     FNodes->Assign(FTree->GetItems());
-    if (Self && FNodes) CopyDefaults(*FTree->GetItems(), *FNodes);
+    if (!Self || !FNodes) return;
+    CopyDefaults(*FTree->GetItems(), *FNodes);
+    OpenMarkedBranches(*FTree->GetItems(), *FNodes, this);
 }
 
 void TFlyEditor::done(int Result) {
@@ -425,6 +446,7 @@ void TFlyEditor::LoadFrom(const QString& FileName) {
         }
         FTree->HideEditor();
         FTree->GetItems()->LoadFromFile(Name);
+        MarkOpenBranches(*FTree->GetItems(), *FTree->GetItems(), this);
     });
     if (!Self) return;
     if (Loaded) SelectFirstRow();

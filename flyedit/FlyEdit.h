@@ -30,8 +30,9 @@ class TEditorTree;
 using TModifiedProc = std::function<void()>;
 
 // Opens the editor on Nodes, with the columns of their tree when they have one, and returns when it is closed. With OK
-// the nodes are replaced by what was edited; the result tells whether there was a change that is not applied yet. The
-// nodes or their tree may go meanwhile: the dialog then only closes. May raise what reading nodes raises.
+// the nodes are replaced by what was edited, their branches open as before; the result tells whether there was a change
+// that is not applied yet. The nodes or their tree may go meanwhile: the dialog then only closes. May raise what reading
+// nodes raises.
 bool EditNodes(TFlyNodes* Nodes, TModifiedProc ModifiedProc = {}, QWidget* Parent = nullptr);
 
 // The same for nodes that are shown in columns of the caller's. Widths has the width of each column in pixels, Aligns

@@ -71,7 +71,7 @@ void TNodesPage::Fill() {
 }
 
 void TNodesPage::Edit() {
-    if (EditNodes(FTree->GetItems(), {}, window())) FTree->FullExpand();
+    EditNodes(FTree->GetItems(), {}, window());
 }
 
 void TNodesPage::Pose() {

@@ -244,6 +244,21 @@ TEST_F(FlyEdit, OkStoresCancelDoesNotAndTheResultTellsOfChanges) {
     }
 }
 
+TEST_F(FlyEdit, BranchesComeBackAsOpenAsTheyWere) {
+    TFlyNodes& Items = *Tree.GetItems();
+    Items.AddChild(Items.GetFirstNode()->GetFirstChild(), "Green");
+    Items.AddChild(Items.Add(nullptr, "Bread"), "Rye");
+    Items.GetFirstNode()->Expand(false);
+    Open();
+    Press({"Alt+A", "Home", "Alt+O"}); // moves the open branch down
+    Editor->accept();
+    Editor->Store();
+    std::string Rows;
+    for (int Row = 0; Row < Tree.GetRowCount(); ++Row) Rows += Tree.GetNodeAtRow(Row)->GetText() + ' ';
+    EXPECT_EQ(Rows, "Nuts Fruit Apple Pear Bread New Node ");
+    Items.CheckInvariants();
+}
+
 TEST_F(FlyEdit, SurvivesTheEndOfTheNodesAndOfItsParent) {
     auto Doomed = std::make_unique<TQuillTree>();
     Fill(*Doomed->GetItems());
