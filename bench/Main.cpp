@@ -3,7 +3,7 @@
 //   bench_NAME --list                                    contenders and workloads, a line each
 //   bench_NAME WORKLOAD CONTENDER [--nodes N] [--scale S]
 //
-// The figure: processor time, wall clock, runs, separated by tabs; or "-" and the reason when the contender does not
+// The figure: processor time, wall clock, runs, paint events of a run, separated by tabs; or "-" and the reason when the contender does not
 // offer it. Exits with 1 when the workload did not do what it is measured for.
 #include "bench/Workloads.h"
 
@@ -48,7 +48,7 @@ void List(const std::vector<TContenderEntry>& Contenders) {
 int Run(const TWorkload& Work, TContender& Contender, const TSize& Size) {
     try {
         const TFigure Figure = Work.Run(Contender, Size);
-        std::printf("%.6g\t%.6g\t%d\n", Figure.Cpu, Figure.Wall, Figure.Runs);
+        std::printf("%.6g\t%.6g\t%d\t%g\n", Figure.Cpu, Figure.Wall, Figure.Runs, Figure.Paints);
         std::fflush(stdout);
         return 0;
     } catch (const ENotOffered& Reason) {

@@ -21,8 +21,9 @@ struct TFigure {
     double Cpu = 0;
     double Wall = 0;
     int Runs = 1;
-    TFigure Times(double Factor) const { return {Cpu * Factor, Wall * Factor, Runs}; }
-    static TFigure Of(double Value) { return {Value, Value, 1}; }
+    double Paints = 0; // paint events of one run
+    TFigure Times(double Factor) const { return {Cpu * Factor, Wall * Factor, Runs, Paints}; }
+    static TFigure Of(double Value) { return {Value, Value, 1, 0}; }
 };
 
 // A workload did not do what it is measured for.
@@ -36,7 +37,7 @@ inline void Require(bool Condition, const char* Message) {
 
 class TStopwatch {
 public:
-    TFigure Get() const { return {Now(CLOCK_PROCESS_CPUTIME_ID) - FCpu, Now(CLOCK_MONOTONIC) - FWall}; }
+    TFigure Get() const { return {Now(CLOCK_PROCESS_CPUTIME_ID) - FCpu, Now(CLOCK_MONOTONIC) - FWall, 1, 0}; }
 
 private:
     static double Now(clockid_t Clock) {
@@ -57,9 +58,9 @@ inline double MedianOf(std::vector<double> Values) {
 // The median of several timings of Work; Prepare runs before each, untimed. Short work is repeated more often.
 template <class TPrepare, class TWork>
 TFigure Median(TPrepare Prepare, TWork Work, int MostRuns = 101) {
-    constexpr int LeastRuns = 5;
-    constexpr double Enough = 600;   // milliseconds of the wall clock after LeastRuns
-    constexpr double TooLong = 3000; // and after any run
+    constexpr int LeastRuns = 3;
+    constexpr double Enough = 250;   // milliseconds of the wall clock after LeastRuns
+    constexpr double TooLong = 1500; // and after any run
     std::vector<double> Cpu;
     std::vector<double> Wall;
     const TStopwatch Whole;
@@ -73,29 +74,28 @@ TFigure Median(TPrepare Prepare, TWork Work, int MostRuns = 101) {
         const double Elapsed = Whole.Get().Wall;
         if (Elapsed > TooLong || (Elapsed > Enough && static_cast<int>(Cpu.size()) >= LeastRuns)) break;
     }
-    return {MedianOf(Cpu), MedianOf(Wall), static_cast<int>(Cpu.size())};
+    return {MedianOf(Cpu), MedianOf(Wall), static_cast<int>(Cpu.size()), 0};
 }
 
 // The same with what the user sees of Work: layout and at least one paint event.
 template <class TPrepare, class TWork>
 TFigure Painted(TContender& Contender, TPrepare Prepare, TWork Work, int MostRuns = 101) {
-    long Before = 0;
-    bool First = true;
-    const auto Check = [&] { Require(First || Contender.GetPaintCount() > Before, "no paint event"); };
-    const TFigure Figure = Median(
+    std::vector<long> Paints;
+    TFigure Figure = Median(
         [&] {
-            Check();
-            First = false;
+            if (!Paints.empty()) Paints.back() += Contender.GetPaintCount();
             Prepare();
             Contender.Show();
-            Before = Contender.GetPaintCount();
+            Paints.push_back(-Contender.GetPaintCount());
         },
         [&] {
             Work();
             Contender.Show();
         },
         MostRuns);
-    Check();
+    Paints.back() += Contender.GetPaintCount();
+    Require(std::ranges::min(Paints) > 0, "no paint event");
+    Figure.Paints = MedianOf({Paints.begin(), Paints.end()});
     return Figure;
 }
 
