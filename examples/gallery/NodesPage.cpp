@@ -70,9 +70,7 @@ void TNodesPage::Fill() {
     }
 }
 
-void TNodesPage::Edit() {
-    EditNodes(FTree->GetItems(), {}, window());
-}
+void TNodesPage::Edit() { EditNodes(FTree->GetItems(), {}, window()); }
 
 void TNodesPage::Pose() {
     FPosing = std::make_unique<TFlyEditor>(window());
