@@ -3,7 +3,7 @@
 #include "examples/explorer/FileCopy.h"
 
 #include "host/transfer/DataObjects.h"
-#include "tests/examples/DesktopDrag.h"
+#include "tests/support/DesktopDrag.h"
 #include "tests/support/QtTest.h"
 
 #include <QAbstractButton>

@@ -1,6 +1,6 @@
 // What the outliner makes of drags: its own nodes, and what other programs drag to it.
-#include "tests/examples/DesktopDrag.h"
 #include "tests/examples/OutlinerTest.h"
+#include "tests/support/DesktopDrag.h"
 
 #include <QUrl>
 

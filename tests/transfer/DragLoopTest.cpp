@@ -113,29 +113,28 @@ public:
 TEST_F(DragLoop, DropsEscapesAndRefusals) {
     using T = DragLoop;
     const auto Over = [](T& D) { D.Move(250); };
-    const auto Release = [](T& D) { D.Release(); };
-    EXPECT_EQ(Drag({Over, Over, Release}), drDropCopy);
-    EXPECT_EQ(Take(), "effect(0) effect(1) release drop(data,1) ");
-    EXPECT_FALSE(Control.GetMouseCapture());
+    const auto Back = [](T& D) { D.Move(30); };
     const auto Shift = [](T& D) { D.Move(260, Qt::ShiftModifier); };
-    EXPECT_EQ(Drag({Over, Shift, [](T& D) { D.Release(Qt::LeftButton, Qt::ShiftModifier); }}), drDropMove);
-    EXPECT_EQ(Take(), "effect(0) effect(1) effect(2) release drop(data,2) ");
-    EXPECT_EQ(Drag({Over, [](T& D) { D.Key(Qt::Key_Escape); }}), drCancel);
-    EXPECT_EQ(Take(), "effect(0) effect(1) leave ");
-    EXPECT_EQ(Drag({[](T& D) { D.Key(Qt::Key_Escape); }}), drCancel);
-    EXPECT_EQ(Take(), "effect(0) ");
-    // Back over the source, which takes nothing.
-    EXPECT_EQ(Drag({Over, [](T& D) { D.Move(30); }, Release}), drCancel);
-    EXPECT_EQ(Take(), "effect(0) effect(1) leave effect(0) ");
-    // The other button does not drop.
-    EXPECT_EQ(Drag({Over,
-                    [](T& D) {
-                        QTest::mousePress(D.Window.windowHandle(), Qt::RightButton, {}, {250, 50});
-                        D.Release(Qt::RightButton);
-                    },
-                    Over, Release}),
-              drDropCopy);
-    Take();
+    const auto Release = [](T& D) { D.Release(); };
+    const auto ShiftRelease = [](T& D) { D.Release(Qt::LeftButton, Qt::ShiftModifier); };
+    const auto Escape = [](T& D) { D.Key(Qt::Key_Escape); };
+    const auto Right = [](T& D) {
+        QTest::mousePress(D.Window.windowHandle(), Qt::RightButton, {}, {250, 50});
+        D.Release(Qt::RightButton); // does not drop
+    };
+    const std::tuple<std::vector<TStep>, TDragResult, const char*> Cases[] = {
+        {{Over, Over, Release}, drDropCopy, "effect(0) effect(1) release drop(data,1) "},
+        {{Over, Shift, ShiftRelease}, drDropMove, "effect(0) effect(1) effect(2) release drop(data,2) "},
+        {{Over, Escape}, drCancel, "effect(0) effect(1) leave "},
+        {{Escape}, drCancel, "effect(0) "},
+        {{Over, Back, Release}, drCancel, "effect(0) effect(1) leave effect(0) "},
+        {{Over, Right, Over, Release}, drDropCopy, "effect(0) effect(1) release drop(data,1) "},
+    };
+    for (const auto& [Steps, Result, Expected] : Cases) {
+        EXPECT_EQ(Drag(Steps), Result) << Expected;
+        EXPECT_EQ(Take(), Expected);
+        EXPECT_FALSE(Control.GetMouseCapture());
+    }
     Source->SetDragTypes({});
     EXPECT_EQ(Drag({Over, Release}), drCancel);
     EXPECT_EQ(Take(), "effect(0) leave ");

@@ -11,15 +11,8 @@ namespace {
 TEST(DropSource, AnswersWhetherTheDragGoesOn) {
     const TDragTypes Copy{dtCopy};
     const TDragTypes Both{dtCopy, dtMove};
-    const struct {
-        TDragTypes Types;
-        std::uint32_t Effect; // last told
-        bool Escape;
-        std::uint32_t Keys;
-        bool Allow; // OnDrop's answer
-        HResult Expected;
-        const char* Log;
-    } Cases[] = {
+    // The effect last told, whether Esc is pressed, buttons and keys, OnDrop's answer; what follows and what is asked.
+    const std::tuple<TDragTypes, std::uint32_t, bool, std::uint32_t, bool, HResult, const char*> Cases[] = {
         {Copy, 1, false, MK_LBUTTON, true, S_OK, ""},
         {Copy, 1, false, MK_RBUTTON | MK_CONTROL, true, S_OK, ""},
         {Copy, 1, true, MK_LBUTTON, true, DRAGDROP_S_CANCEL, ""},
@@ -33,32 +26,33 @@ TEST(DropSource, AnswersWhetherTheDragGoesOn) {
         {Both, 4, false, 0, true, DRAGDROP_S_CANCEL, ""},
         {TDragTypes{dtLink}, 4, false, 0, true, DRAGDROP_S_DROP, "link"},
     };
-    for (const auto& Case : Cases) {
+    for (const auto& [Types, Effect, Escape, Keys, Allow, Expected, Asked] : Cases) {
         std::string Log;
         TOLEDropSource Source;
-        Source.SetDragTypes(Case.Types);
-        Source.OnDrop = [&](TObject*, TDragType Type, bool& ContinueDrop) {
+        Source.SetDragTypes(Types);
+        Source.OnDrop = [&, Answer = Allow](TObject*, TDragType Type, bool& ContinueDrop) {
             Log += Type == dtCopy ? "copy" : Type == dtMove ? "move" : "link";
-            ContinueDrop = Case.Allow;
+            ContinueDrop = Answer;
         };
-        EXPECT_EQ(Source.GiveFeedback(Case.Effect), DRAGDROP_S_USEDEFAULTCURSORS);
+        EXPECT_EQ(Source.GiveFeedback(Effect), DRAGDROP_S_USEDEFAULTCURSORS);
         Source.OnFeedback = [](TObject*, int, bool& UseDefaultCursors) { UseDefaultCursors = false; };
-        EXPECT_EQ(Source.GiveFeedback(Case.Effect), S_OK);
-        const auto Number = &Case - Cases;
-        EXPECT_EQ(Source.QueryContinueDrag(Case.Escape, Case.Keys), Case.Expected) << Number;
-        EXPECT_EQ(Log, Case.Log) << Number;
+        EXPECT_EQ(Source.GiveFeedback(Effect), S_OK);
+        EXPECT_EQ(Source.QueryContinueDrag(Escape, Keys), Expected) << Effect << " " << Keys;
+        EXPECT_EQ(Log, Asked) << Effect << " " << Keys;
     }
 }
 
 TEST(DropSource, OffersItsFormats) {
     TOLEDropSource Source;
-    EXPECT_EQ(Source.QueryGetData(Format(CF_TEXT, TYMED_HGLOBAL)), S_OK);
-    EXPECT_EQ(Source.QueryGetData(Format(CF_BITMAP, TYMED_HGLOBAL)), S_OK);
-    EXPECT_EQ(Source.QueryGetData(Format(CF_BITMAP, TYMED_GDI)), DV_E_FORMATETC);
     TNVFormatEtc Icon = Format(CF_TEXT);
     Icon.dwAspect = 4;
-    EXPECT_EQ(Source.QueryGetData(Icon), DV_E_FORMATETC);
-    EXPECT_EQ(Source.QueryGetData(Format(100)), DV_E_FORMATETC);
+    const std::pair<TNVFormatEtc, HResult> Queries[] = {{Format(CF_TEXT, TYMED_HGLOBAL), S_OK},
+                                                        {Format(CF_BITMAP, TYMED_HGLOBAL), S_OK},
+                                                        {Format(CF_BITMAP, TYMED_GDI), DV_E_FORMATETC},
+                                                        {Icon, DV_E_FORMATETC},
+                                                        {Format(100), DV_E_FORMATETC}};
+    for (const auto& [Wanted, Expected] : Queries)
+        EXPECT_EQ(Source.QueryGetData(Wanted), Expected) << Wanted.cfFormat;
     for (int I = 5; I < 25; ++I) Source.AddFormatEtc(static_cast<std::uint16_t>(100 + I), nullptr, 1, -1, 1);
     EXPECT_EQ(Source.GetFormatCount(), 20);
     EXPECT_EQ(Source.QueryGetData(Format(119)), S_OK);
@@ -84,10 +78,7 @@ TEST(DropSource, OffersItsFormats) {
     EXPECT_EQ(Count, 20u);
 
     std::string Asked;
-    Source.OnSetData = [&](NV_IDataObject* Data, int Number) {
-        EXPECT_EQ(Data, static_cast<NV_IDataObject*>(&Source));
-        Asked += std::to_string(Number) + " ";
-    };
+    Source.OnSetData = [&](NV_IDataObject*, int Number) { Asked += std::to_string(Number) + " "; };
     TScopedMedium Medium;
     EXPECT_EQ(Source.GetData(Format(CF_TEXT), Medium), S_OK);
     EXPECT_EQ(Source.GetData(Format(CF_BITMAP), Medium), DV_E_FORMATETC);

@@ -30,11 +30,7 @@ std::string Bytes(const char16_t* Text, std::size_t Units) {
 
 TEST(FileLists, DropFilesBlocksOfAnyKindAreRead) {
     using namespace std::string_literals;
-    const struct {
-        const char* Name;
-        std::string Block;
-        std::string Expected;
-    } Cases[] = {
+    const std::tuple<const char*, std::string, std::string> Cases[] = {
         {"nothing", "", ""},
         {"truncated header", Header(20, false).substr(0, 19), ""},
         {"header alone", Header(20, false), ""},
@@ -54,15 +50,13 @@ TEST(FileLists, DropFilesBlocksOfAnyKindAreRead) {
          "[\xEF\xBF\xBD/\xEF\xBF\xBD]"},
         {"wide, cut pair", Header(20, true) + Bytes(u"a\xD83D", 2) + "\x01", "[a\xEF\xBF\xBD]"},
     };
-    for (const auto& Case : Cases) EXPECT_EQ(Joined(ReadDropFiles(Case.Block)), Case.Expected) << Case.Name;
+    for (const auto& [Name, Block, Expected] : Cases)
+        EXPECT_EQ(Joined(ReadDropFiles(Block)), Expected) << Name;
     EXPECT_EQ(BuildDropFiles({"/a", "/b"}), "\x14"s + std::string(19, '\0') + "/a\0/b\0\0"s);
 }
 
 TEST(FileLists, UriListsHoldFilesOfThisMachine) {
-    const struct {
-        std::string Text;
-        std::string Expected;
-    } Cases[] = {
+    const std::pair<std::string, std::string> Cases[] = {
         {"file:///a%20b\r\nfile:///c\r\n", "[/a b][/c]"},
         {"file:/a\nFILE://localhost/b", "[/a][/b]"},
         {"# comment\r\n\r\nfile:///a\r\n", "[/a]"},
@@ -71,7 +65,7 @@ TEST(FileLists, UriListsHoldFilesOfThisMachine) {
         {"file:///a%00b\nfile:///c#part", "[/c]"},
         {std::string("file:///a\r\n\0", 12), "[/a]"},
     };
-    for (const auto& Case : Cases) EXPECT_EQ(Joined(ReadUriList(Case.Text)), Case.Expected) << Case.Text;
+    for (const auto& [Text, Expected] : Cases) EXPECT_EQ(Joined(ReadUriList(Text)), Expected) << Text;
     const TFileNames Odd{"/a b%#?\n\xFF", "/\xC3\xA9"};
     EXPECT_EQ(BuildUriList(Odd), "file:///a%20b%25%23%3F%0A%FF\r\nfile:///%C3%A9\r\n");
     EXPECT_EQ(ReadUriList(BuildUriList(Odd)), Odd);

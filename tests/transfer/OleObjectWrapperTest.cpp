@@ -93,12 +93,9 @@ TEST(OleObjectWrapper, ValuesGoInAndComeOut) {
 // A source that lies: nothing crashes, nothing leaks, and what is missing reads as empty.
 TEST(OleObjectWrapper, SurvivesSourcesThatLie) {
     const std::size_t Before = GetHandleCount();
-    const struct {
-        TTestData::TEntry Text;
-        TTestData::TEntry Files;
-        TTestData::TEntry Picture;
-        std::string Expected;
-    } Cases[] = {
+    using TEntry = TTestData::TEntry;
+    // Of a text, files and a picture.
+    const std::tuple<TEntry, TEntry, TEntry, const char*> Cases[] = {
         {{1, "", E_FAIL},
          {15, "", E_FAIL},
          {2, "", E_FAIL},
@@ -110,8 +107,8 @@ TEST(OleObjectWrapper, SurvivesSourcesThatLie) {
         {{1, "no end"}, {15, "short"}, {2, "bytes", S_OK, 16}, "text(no end) files() bitmap(no)"},
         {{1, "\0x"s}, {15, "/a", S_OK, 16}, {2, "bytes"}, "text() files() bitmap(no)"},
     };
-    for (const auto& Case : Cases) {
-        auto* const Data = new TTestData({Case.Text, Case.Files, Case.Picture, {3, ""}, {14, "x"}});
+    for (const auto& [Text, Files, Picture, Expected] : Cases) {
+        auto* const Data = new TTestData({Text, Files, Picture, {3, ""}, {14, "x"}});
         const TInterfaceRef<IDataObject> Keep(Data);
         TOleObjectWrapper Wrapper(Data);
         std::string Log = "text(" + Wrapper.GetString() + ") files(";
@@ -121,7 +118,7 @@ TEST(OleObjectWrapper, SurvivesSourcesThatLie) {
             Log += Error.GetMessage();
         }
         Log += ") bitmap("s + (Wrapper.GetBitmap() || Wrapper.GetMetafile() ? "yes" : "no") + ")";
-        EXPECT_EQ(Log, Case.Expected);
+        EXPECT_EQ(Log, Expected);
         // The same object towards the desktop offers only what there is.
         std::unique_ptr<QMimeData> Mime(NewMimeData(Data));
         EXPECT_FALSE(Mime->hasImage() || Mime->hasUrls() || Mime->hasFormat("image/svg+xml")) << Log;

@@ -3,11 +3,10 @@
 
 #include "host/windows/Application.h"
 #include "host/windows/Dragging.h"
+#include "tests/support/DesktopDrag.h"
 #include "tests/support/Handlers.h"
 #include "tests/support/QtTest.h"
 
-#include <QDropEvent>
-#include <QMimeData>
 #include <QtTest>
 
 #include <functional>
@@ -17,6 +16,7 @@ namespace quill {
 namespace {
 
 using testing::TAnyHandler;
+using testing::TDesktopDrag;
 
 class TDragTree : public TTestTree {
 public:
@@ -179,32 +179,11 @@ TEST(TreeDragging, TextHasLevelsAndSelectedColumns) {
     EXPECT_EQ(Tree.GetDragText(), "");
 }
 
-// Sends what the desktop sends to a window that something is dragged over.
-struct TDesktop {
-    explicit TDesktop(TDragTree& ATree) : Window(ATree.viewport()) { Data.setText("dragged"); }
-    template <class TEvent>
-    int Send(QPoint Pos) {
-        TEvent Event(Pos, Qt::CopyAction | Qt::MoveAction, &Data, Qt::LeftButton, Modifiers);
-        if (Window) QCoreApplication::sendEvent(Window, &Event);
-        return Event.isAccepted() ? static_cast<int>(Event.dropAction()) : 0;
-    }
-    int Over(QPoint Pos) {
-        Send<QDragEnterEvent>(Pos);
-        return Send<QDragMoveEvent>(Pos);
-    }
-    void Leave() {
-        QDragLeaveEvent Event;
-        if (Window) QCoreApplication::sendEvent(Window, &Event);
-    }
-    QMimeData Data;
-    Qt::KeyboardModifiers Modifiers;
-    QPointer<QWidget> Window;
-};
-
 TEST(TreeDragging, TakesDropsOfOtherPrograms) {
     TDragTree Tree;
-    TDesktop Desk(Tree);
-    EXPECT_EQ(Desk.Send<QDragEnterEvent>(Tree.On("A")), 0) << "not before it is asked to";
+    TDesktopDrag Desk(Tree.viewport());
+    Desk.Data.setText("dragged");
+    EXPECT_EQ(Desk.Enter(Tree.On("A")), 0) << "not before it is asked to";
     Tree.SetDragType(dtOLE);
     Tree.OnOLEDragOver = [&](TObject* Sender, NV_IDataObject*, TShiftState, TPoint, int& Effect) {
         EXPECT_EQ(Sender, static_cast<TObject*>(&Tree));
@@ -217,16 +196,16 @@ TEST(TreeDragging, TakesDropsOfOtherPrograms) {
     };
     EXPECT_EQ(Desk.Over(Tree.On("A")), Qt::CopyAction);
     EXPECT_EQ(Tree.Name(Tree.GetDropTarget()), "A");
-    EXPECT_EQ(Desk.Send<QDragMoveEvent>(Tree.On("b")), 0) << "the handler refuses";
+    EXPECT_EQ(Desk.Move(Tree.On("b")), 0) << "the handler refuses";
     Desk.Leave();
     EXPECT_EQ(Tree.Remains(), "normal");
     Desk.Over(Tree.On("C"));
-    Desk.Send<QDropEvent>(Tree.On("C"));
+    Desk.Release(Tree.On("C"));
     EXPECT_EQ(Tree.Take() + Tree.Remains(), "dragged on C 1normal");
     Tree.RecreateWnd();
-    EXPECT_EQ(Desk.Send<QDragEnterEvent>(Tree.On("C")), Qt::CopyAction);
+    EXPECT_EQ(Desk.Enter(Tree.On("C")), Qt::CopyAction);
     Tree.SetDragType(dtStandard);
-    EXPECT_EQ(Desk.Send<QDragEnterEvent>(Tree.On("C")), 0);
+    EXPECT_EQ(Desk.Enter(Tree.On("C")), 0);
 }
 
 TEST(TreeDragging, OffersTextAndPictureToOtherPrograms) {
@@ -284,10 +263,10 @@ TEST(TreeDragging, DropsMoveAndCopyNodesWhenAsked) {
             // The desktop's side comes from within a drag of the tree.
             if (Ole) Tree.SetDragType(dtOLE);
             Tree.OnOLEStartDrag = [&](NV_IDataObject*, int&) {
-                TDesktop Desk(Tree);
+                TDesktopDrag Desk(Tree.viewport());
                 Desk.Modifiers = Modifiers;
-                Desk.Send<QDragEnterEvent>(Pos);
-                if (Desk.Send<QDragMoveEvent>(Pos) != 0) Desk.Send<QDropEvent>(Pos);
+                Desk.Data.setText("dragged");
+                Desk.Drop(Pos);
             };
             Tree.Press(From);
             Tree.MoveTo("C");
@@ -308,8 +287,9 @@ TEST(TreeDragging, MarksReachAcrossTheRowAndThePictureKeepsClearOfThem) {
         Tree.SetBiDiMode(RightToLeft ? bdRightToLeft : bdLeftToRight);
         Tree.SetDragType(dtOLE);
         Tree.SetDropMarks(true);
-        TDesktop Desk(Tree);
+        TDesktopDrag Desk(Tree.viewport());
         const TRect Row = Tree.DisplayRect(Tree.Find("C"), true);
+        Desk.Data.setText("dragged");
         Desk.Over(QPoint(Row.Left + 6, Row.Top + 1));
         EXPECT_EQ(Tree.GetDropPlace(), dpBefore);
         const double Scale = Tree.GetScale();
@@ -334,11 +314,12 @@ TEST(TreeDragging, HoldingOverABranchOpensItAndAnEdgeScrolls) {
     Tree.SetDragType(dtOLE);
     Tree.SetHoverExpandTime(20);
     Tree.SetDropScroll(true);
-    TDesktop Desk(Tree);
+    TDesktopDrag Desk(Tree.viewport());
+    Desk.Data.setText("dragged");
     Desk.Over(Tree.On("B"));
     QTest::qWait(60);
     EXPECT_TRUE(Tree.Find("B")->GetExpanded());
-    Desk.Send<QDragMoveEvent>(QPoint(20, Tree.GetClientHeight() - 2));
+    Desk.Move(QPoint(20, Tree.GetClientHeight() - 2));
     QTest::qWait(3 * TCustomExGrid::ScrollTimerInterval);
     const int Top = Tree.GetTopRow();
     EXPECT_GT(Top, 0);
@@ -386,10 +367,10 @@ TEST(TreeDragging, AHandlerThatThrowsLeavesTheTreeUsable) {
 TEST(TreeDragging, ARefusedDropLeavesNothingBehind) {
     TDragTree Tree;
     Tree.SetDragType(dtOLE);
-    TDesktop Desk(Tree);
+    TDesktopDrag Desk(Tree.viewport());
     Desk.Data.setText(""); // promised, and not there
     Desk.Over(Tree.On("C"));
-    Desk.Send<QDropEvent>(Tree.On("C"));
+    Desk.Release(Tree.On("C"));
     EXPECT_EQ(Tree.Remains(), "normal");
     Tree.OnOLEDragOver = [&](auto&&...) { Tree.SetDragType(dtStandard); };
     Desk.Over(Tree.On("C"));
@@ -425,7 +406,8 @@ TEST(TreeDragging, WhatIsUnderARestingMouseIsTheTarget) {
     for (int i = 0; i < 60; ++i) Tree.GetItems()->Add(nullptr, "n" + std::to_string(i));
     Tree.SetDragType(dtOLE);
     Tree.SetDropMarks(true);
-    TDesktop Desk(Tree);
+    TDesktopDrag Desk(Tree.viewport());
+    Desk.Data.setText("dragged");
     const QPoint Pos = Tree.On("C");
     Desk.Over(Pos);
     Tree.SetTopRow(10);
@@ -469,9 +451,10 @@ TEST(TreeDragging, HandlersMayDoAnything) {
             if (Place == 8) Tree->OnOLECompleteDrag = Handler;
             const QPoint Pos = Tree->On("D");
             if (Place == 5 || Place == 6) {
-                TDesktop Desk(*Tree);
+                TDesktopDrag Desk(Tree->viewport());
+                Desk.Data.setText("dragged");
                 Desk.Over(Pos);
-                Desk.Send<QDropEvent>(Pos);
+                Desk.Release(Pos);
             } else {
                 Tree->Press("A");
                 for (const int Step : {14, 30, 0}) {
