@@ -621,6 +621,7 @@ private:
     TGridRect SelectionColumns(int FromRow, int ToRow) const;
     void InvalidateCurrent();
     void ImageListChange(TObject* Sender);
+    std::size_t CountFormCaptions() const;
     void ReadCaptions(TReader& Reader);
     void WriteCaptions(TWriter& Writer);
     void ReadColumnOrder(TReader& Reader);

@@ -102,7 +102,8 @@ const TClassInfo* TQuillTree::GetClassInfo() const {
         DefaultLast(Published<&C::GetParentBiDiMode, &C::SetParentBiDiMode>("ParentBiDiMode", true)),
         Published<&C::GetBorderStyle, &C::SetBorderStyle>("BorderStyle", bsSingle),
         Published<&C::GetColor, &C::SetColor>("Color", clWindow),
-        InRange(Published<&G::GetColCount, &G::SetColCount>("ColCount", 1), 1, MostColumns),
+        // A structure column that was deleted is still named, and its setter adds columns.
+        DefaultLast(InRange(Published<&G::GetColCount, &G::SetColCount>("ColCount", 1), 1, MostColumns)),
         AsLength(Published<&G::GetDefaultColWidth, &G::SetDefaultColWidth>("DefaultColWidth", 75)),
         AsLength(Published<&G::GetDefaultRowHeight, &G::SetDefaultRowHeight>("DefaultRowHeight", 24)),
         AsCursor(Published<&C::GetDragCursor, &C::SetDragCursor>("DragCursor", crDrag)),
@@ -201,11 +202,9 @@ void TCustomQuillTree::DefineProperties(TFiler& Filer) {
             [this](TStream& Stream) { WriteData(Stream); }, true);
         if (!Guard) return;
     }
-    const auto Said = [](const std::string& Caption) { return !Caption.empty(); };
     Filer.DefineProperty(
         "Captions", [this](TReader& Reader) { ReadCaptions(Reader); },
-        [this](TWriter& Writer) { WriteCaptions(Writer); },
-        std::any_of(FCaptions.begin(), FCaptions.end(), Said));
+        [this](TWriter& Writer) { WriteCaptions(Writer); }, CountFormCaptions() > 0);
     if (!Guard) return;
     Filer.DefineProperty(
         "ColumnOrder", [this](TReader& Reader) { ReadColumnOrder(Reader); },
@@ -227,10 +226,16 @@ void TCustomQuillTree::ReadCaptions(TReader& Reader) {
     Invalidate();
 }
 
+// How many a form holds: up to the last one that says something, of the columns that there are.
+std::size_t TCustomQuillTree::CountFormCaptions() const {
+    std::size_t Count = std::min(FCaptions.size(), static_cast<std::size_t>(GetColCount()));
+    while (Count > 0 && FCaptions[Count - 1].empty()) --Count;
+    return Count;
+}
+
 void TCustomQuillTree::WriteCaptions(TWriter& Writer) {
     Writer.WriteListBegin();
-    const std::size_t Count = std::min(FCaptions.size(), static_cast<std::size_t>(GetColCount()));
-    for (std::size_t Col = 0; Col < Count; ++Col) Writer.WriteString(FCaptions[Col]);
+    for (std::size_t Col = 0; Col < CountFormCaptions(); ++Col) Writer.WriteString(FCaptions[Col]);
     Writer.WriteListEnd();
 }
 

@@ -288,12 +288,16 @@ TEST(FormStream, HoldsNothingThatItCouldNotRead) {
     Tree->SetToolTipPause(-5);
     Tree->SetDefaultColWidth(70'000);
     Tree->SetLeft(-20'000'000);
+    Tree->SetColCount(2);
+    Tree->SetColWidths(1, 50);
+    Tree->DeleteColumn(0);
     Tree->GetConstraints()->SetMinHeight(-1);
     TComponent Loaded;
     LoadFormFromText(SaveFormToText(&Root), &Loaded);
     const auto* const Copy = dynamic_cast<TQuillTree*>(Loaded.FindComponent("Tree"));
     EXPECT_EQ(Copy->GetIndent(), 32767);
     EXPECT_EQ(Copy->GetToolTipPause(), 0);
+    EXPECT_EQ(Copy->GetColCount(), 1);
     auto* const Other = new TImageList(&Root);
     for (const char* const Name : {"Tree", "two words", "nil", "3D"}) {
         Other->SetName(Name);
