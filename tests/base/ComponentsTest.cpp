@@ -96,24 +96,21 @@ TEST_F(Components, NotificationMayDestroyWatchersOwnersAndItself) {
         TProbe* Other = new TProbe(nullptr, "other");
     };
     using TMember = TProbe* TScene::*;
-    const struct {
-        const char* What;
-        TMember Handler;
-        TMember Victim;
-    } Cases[] = {
+    // Who is told, and what it destroys.
+    const std::tuple<const char*, TMember, TMember> Cases[] = {
         {"another watcher", &TScene::Watcher, &TScene::Other},
         {"itself", &TScene::Watcher, &TScene::Watcher},
         {"the owner of the one that goes", &TScene::Watcher, &TScene::Owner},
         {"itself as the owner", &TScene::Owner, &TScene::Owner},
         {"the owner, from a sibling", &TScene::Sibling, &TScene::Owner},
     };
-    for (const auto& Case : Cases) {
-        SCOPED_TRACE(Case.What);
+    for (const auto& [What, Handler, Victim] : Cases) {
+        SCOPED_TRACE(What);
         TScene Scene;
         Scene.Other->FreeNotification(Scene.Watched);
         Scene.Watcher->FreeNotification(Scene.Watched);
-        (Scene.*Case.Handler)->OnRemove = [&](TComponent*) {
-            delete std::exchange(Scene.*Case.Victim, nullptr);
+        (Scene.*Handler)->OnRemove = [&Gone = Scene.*Victim](TComponent*) {
+            delete std::exchange(Gone, nullptr);
         };
         Log.clear();
         delete Scene.Watched;
@@ -121,16 +118,6 @@ TEST_F(Components, NotificationMayDestroyWatchersOwnersAndItself) {
         EXPECT_EQ(Log.find("~watched", 1), std::string::npos) << Log;
         for (TProbe* Left : {Scene.Owner, Scene.Watcher, Scene.Other}) delete Left;
     }
-}
-
-TEST_F(Components, GuardKnowsWhetherTheComponentSurvived) {
-    auto Probe = std::make_unique<TProbe>(nullptr, "probe");
-    const TComponentGuard First(Probe.get());
-    EXPECT_FALSE(TComponentGuard(Probe.get()).IsGone());
-    const TComponentGuard Second(Probe.get());
-    EXPECT_FALSE(First.IsGone() || Second.IsGone());
-    Probe.reset();
-    EXPECT_TRUE(First.IsGone() && Second.IsGone() && TComponentGuard(nullptr).IsGone());
 }
 
 TEST(Persistent, AssignNamesBothClassesWhenItCannotBeDone) {

@@ -70,24 +70,20 @@ TEST_F(Files, ErrorsNameTheFileAndTheReason) {
     TFileStream(Path("a"), fmCreate);
     const std::string LongName = Path(std::string(200, 'n'));
     const std::string Cut = Path("a") + std::string("\0b", 2);
-    const struct {
-        std::string Name;
-        std::uint16_t Mode;
-        std::string Message;
-    } Cases[] = {
+    const std::tuple<std::string, std::uint16_t, std::string> Cases[] = {
         {LongName, fmOpenRead, "Cannot open file \"" + LongName + "\": No such file or directory"},
         {Path("no/x"), fmCreate, "Cannot create file \"" + Path("no/x") + "\": No such file or directory"},
         {Path(""), fmOpenRead, "Cannot open file \"" + Path("") + "\": Is a directory"},
         {Path(""), fmCreate, "Cannot create file \"" + Path("") + "\": Is a directory"},
         {Cut, fmCreate, "Cannot create file \"" + Path("a") + "\xEF\xBF\xBD" + "b\": Invalid argument"},
     };
-    for (const auto& Case : Cases) {
+    for (const auto& [Name, Mode, Message] : Cases) {
         try {
-            TFileStream(Case.Name, Case.Mode);
-            ADD_FAILURE() << Case.Message;
+            TFileStream(Name, Mode);
+            ADD_FAILURE() << Message;
         } catch (const EStreamError& Error) {
-            EXPECT_EQ(Error.GetMessage(), Case.Message);
-            EXPECT_EQ(dynamic_cast<const EFCreateError*>(&Error) != nullptr, Case.Mode == fmCreate);
+            EXPECT_EQ(Error.GetMessage(), Message);
+            EXPECT_EQ(dynamic_cast<const EFCreateError*>(&Error) != nullptr, Mode == fmCreate);
         }
     }
 }

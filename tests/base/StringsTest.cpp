@@ -23,18 +23,6 @@ std::string SplitLines(std::string_view Text) {
     return Dump(List);
 }
 
-std::string SplitCommaText(std::string_view Text) {
-    TStringList List;
-    List.SetCommaText(Text);
-    return Dump(List);
-}
-
-std::string CommaTextOf(std::initializer_list<std::string> Items) {
-    TStringList List;
-    for (const std::string& Item : Items) List.Add(Item);
-    return List.GetCommaText();
-}
-
 std::string RandomText(std::mt19937& Random, std::string_view Alphabet, std::size_t MaxLength) {
     std::string Text;
     for (std::size_t I = Random() % MaxLength; I > 0; --I) Text += Alphabet[Random() % Alphabet.size()];
@@ -67,28 +55,40 @@ TEST(Strings, LineSplittingAgreesWithAPlainLoop) {
 }
 
 TEST(Strings, CommaTextQuotesWhatWouldSeparate) {
-    EXPECT_EQ(CommaTextOf({}), "");
-    EXPECT_EQ(CommaTextOf({""}), "\"\"");
-    EXPECT_EQ(CommaTextOf({"", ""}), ",");
-    EXPECT_EQ(CommaTextOf({"0", "1", "Fruit", "Sweet and red"}), "0,1,Fruit,\"Sweet and red\"");
-    EXPECT_EQ(CommaTextOf({"say \"hi\"", "\"", "a,b"}), "\"say \"\"hi\"\"\",\"\"\"\",\"a,b\"");
-    EXPECT_EQ(CommaTextOf({"\t", "\0"s, "\x1F", "!", "\x7F", "\xC3\xA4'"}),
-              "\"\t\",\"\0\",\"\x1F\",!,\x7F,\xC3\xA4'"s);
+    const std::pair<std::vector<std::string>, std::string> Cases[] = {
+        {{}, ""},
+        {{""}, "\"\""},
+        {{"", ""}, ","},
+        {{"0", "1", "Fruit", "Sweet and red"}, "0,1,Fruit,\"Sweet and red\""},
+        {{"say \"hi\"", "\"", "a,b"}, "\"say \"\"hi\"\"\",\"\"\"\",\"a,b\""},
+        {{"\t", "\0"s, "\x1F", "!", "\x7F", "\xC3\xA4'"}, "\"\t\",\"\0\",\"\x1F\",!,\x7F,\xC3\xA4'"s},
+    };
+    for (const auto& [Items, Expected] : Cases) {
+        TStringList List;
+        for (const std::string& Item : Items) List.Add(Item);
+        EXPECT_EQ(List.GetCommaText(), Expected);
+    }
 }
 
 TEST(Strings, CommaTextSeparatesAtCommasAndBlanksOutsideQuotes) {
-    EXPECT_EQ(SplitCommaText(""), "");
-    EXPECT_EQ(SplitCommaText("a b\tc\0d"s), "[a][b][c][d]");
-    EXPECT_EQ(SplitCommaText(" a , b ,c"), "[a][b][c]");
-    EXPECT_EQ(SplitCommaText("a,,b"), "[a][][b]");
-    EXPECT_EQ(SplitCommaText("a ,"), "[a][]");
-    EXPECT_EQ(SplitCommaText(",,,"), "[][][][]");
-    EXPECT_EQ(SplitCommaText("\"a b\",\"c,\"\"d\"\"\",\"\""), "[a b][c,\"d\"][]");
-    EXPECT_EQ(SplitCommaText("\"a\"b"), "[a][b]");
-    EXPECT_EQ(SplitCommaText("a\"b c"), "[a\"b][c]") << "a quote inside an item is a character";
-    EXPECT_EQ(SplitCommaText("\"open, "), "[open, ]") << "an unclosed quote reaches to the end";
-    EXPECT_EQ(SplitCommaText("\""), "[]");
-    EXPECT_EQ(SplitCommaText("\"\"\""), "[\"]");
+    const std::pair<std::string, const char*> Cases[] = {
+        {"", ""},
+        {"a b\tc\0d"s, "[a][b][c][d]"},
+        {" a , b ,c", "[a][b][c]"},
+        {"a,,b", "[a][][b]"},
+        {"a ,", "[a][]"},
+        {"\"a b\",\"c,\"\"d\"\"\",\"\"", "[a b][c,\"d\"][]"},
+        {"\"a\"b", "[a][b]"},
+        {"a\"b c", "[a\"b][c]"},  // a quote inside an item is a character
+        {"\"open, ", "[open, ]"}, // an unclosed one reaches to the end
+        {"\"", "[]"},
+        {"\"\"\"", "[\"]"},
+    };
+    for (const auto& [Text, Expected] : Cases) {
+        TStringList List;
+        List.SetCommaText(Text);
+        EXPECT_EQ(Dump(List), Expected) << Text;
+    }
 }
 
 TEST(Strings, CommaTextRoundTripsEveryContent) {
@@ -141,8 +141,7 @@ TEST(Strings, IndexesOutsideTheListAreNamedInTheError) {
             EXPECT_EQ(Error.GetMessage(), "List index out of bounds (1)");
         }
     }
-    EXPECT_THROW(List.Insert(2, ""), EStringListError);
-    EXPECT_THROW(List.Insert(-1, ""), EStringListError);
+    for (const int Index : {2, -1}) EXPECT_THROW(List.Insert(Index, ""), EStringListError);
     EXPECT_EQ(Dump(List), "[a]");
 }
 

@@ -18,10 +18,7 @@ std::string Read(const std::string& Text) {
 
 TEST(ClipboardText, ReadsWhatOtherProgramsWrite) {
     using namespace std::string_literals;
-    const struct {
-        std::string Text;
-        std::string Outline;
-    } Cases[] = {
+    const std::pair<std::string, std::string> Cases[] = {
         {"", ""},
         {" \r\n\t\t\r\n\0\0\n"s, ""},
         // Line ends.
@@ -53,7 +50,7 @@ TEST(ClipboardText, ReadsWhatOtherProgramsWrite) {
         {"\x01\x1B[0m", "\x01\x1B[0m"},
         {"SaveOptions: see the manual", "SaveOptions: see the manual"},
     };
-    for (const auto& Case : Cases) EXPECT_EQ(Read(Case.Text), Case.Outline) << Case.Text;
+    for (const auto& [Text, Outline] : Cases) EXPECT_EQ(Read(Text), Outline) << Text;
 }
 
 TEST(ClipboardText, ReadsItsOwnTextBack) {

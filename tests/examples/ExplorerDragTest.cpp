@@ -35,13 +35,8 @@ TEST(FileCopy, CopiesAllOrNothing) {
     for (const char* Name : {"from/dir/sub", "from/dir"}) fs::permissions(Folder.File(Name), ReadOnly);
     Folder.Put("to/there", "old");
     fs::create_directory(Folder.File("to/folder"));
-    const struct {
-        const char* From;
-        const char* To;
-        bool Replaces;
-        const char* Problem;
-        const char* Names; // in the folder afterwards
-    } Cases[] = {
+    // From, to, whether it may replace; the problem, and the names in the folder afterwards.
+    const std::tuple<const char*, const char*, bool, const char*, const char*> Cases[] = {
         {"from/file", "to/there", false, "File exists", "folder there "},
         {"from/odd", "to/odd", false, "it is a device, pipe or socket", "folder there "},
         {"from/missing", "to/missing", false, "No such file or directory", "folder there "},
@@ -54,12 +49,11 @@ TEST(FileCopy, CopiesAllOrNothing) {
         {"to", "to/folder/to", false, "a folder cannot be copied into itself", "dir folder link there "},
     };
     const std::atomic<bool> Stop = false;
-    for (const auto& Case : Cases) {
-        const std::string Problem =
-            Copy({Folder.File(Case.From), Folder.File(Case.To), false, Case.Replaces}, Stop);
-        EXPECT_NE(Problem.find(Case.Problem), std::string::npos) << Case.To << ": " << Problem;
-        EXPECT_EQ(Problem.empty(), !*Case.Problem) << Case.To << ": " << Problem;
-        EXPECT_EQ(Folder.Names("to"), Case.Names) << Case.To;
+    for (const auto& [From, To, Replaces, Expected, Names] : Cases) {
+        const std::string Problem = Copy({Folder.File(From), Folder.File(To), false, Replaces}, Stop);
+        EXPECT_NE(Problem.find(Expected), std::string::npos) << To << ": " << Problem;
+        EXPECT_EQ(Problem.empty(), !*Expected) << To << ": " << Problem;
+        EXPECT_EQ(Folder.Names("to"), Names) << To;
     }
     EXPECT_EQ(Folder.Content("to/there"), "new");
     EXPECT_EQ(Folder.Content("to/dir/sub/deep"), "x");

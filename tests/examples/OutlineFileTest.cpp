@@ -30,10 +30,7 @@ std::string FaultOf(const std::function<void()>& Work) {
 }
 
 TEST(OutlineFile, SaysWhatIsWrongAndWhere) {
-    const struct {
-        std::string Text;
-        std::vector<std::string> Parts;
-    } Cases[] = {
+    const std::pair<std::string, std::vector<std::string>> Cases[] = {
         {"SaveOptions:many\nA\n", {"many"}},
         {"SaveOptions:99999999999\nA\n", {"99999999999"}},
         {"SaveOptions:0\nA\nB\n\t\tdeep\n", {"Line:2", "deep", "2"}},
@@ -42,38 +39,29 @@ TEST(OutlineFile, SaysWhatIsWrongAndWhere) {
         {"SaveOptions:7\n0,0,0,A\n0,0\n", {"3"}},
         {"SaveOptions:1\n0,A\n\n0,B\n", {"3"}},
     };
-    for (const auto& Case : Cases) {
-        const std::string Message = FaultOf([&] { Read(Case.Text); });
+    for (const auto& [Text, Parts] : Cases) {
+        const std::string Message = FaultOf([&, &Nodes = Text] { Read(Nodes); });
         EXPECT_THAT(Message, HasSubstr("\"some.nodes\""));
-        for (const std::string& Part : Case.Parts) EXPECT_THAT(Message, HasSubstr(Part));
+        for (const std::string& Part : Parts) EXPECT_THAT(Message, HasSubstr(Part));
     }
 }
 
 TEST(OutlineFile, RefusesWhatIsNoOrdinaryFile) {
     const TTempFolder Folder;
     ASSERT_EQ(::mkfifo(Folder.File("pipe").c_str(), 0600), 0);
-    const struct {
-        std::string Name;
-        const char* Reason;
-    } Cases[] = {
+    const std::pair<std::string, std::string> Cases[] = {
         {Folder.File(""), "it is a folder"},
         {Folder.File("pipe"), "it is not an ordinary file"},
         {"/dev/zero", "it is not an ordinary file"},
         {Folder.File("missing.nodes"), "there is no such file"},
     };
-    for (const auto& Case : Cases)
-        EXPECT_EQ(FaultOf([&] { ReadOutline(Case.Name); }),
-                  "Cannot open \"" + Case.Name + "\": " + Case.Reason);
+    for (const auto& [Name, Reason] : Cases)
+        EXPECT_EQ(FaultOf([&File = Name] { ReadOutline(File); }), "Cannot open \"" + Name + "\": " + Reason);
 }
 
 TEST(OutlineFile, KnowsWhatASaveMustKeep) {
-    const struct {
-        std::string Text;
-        int Mask;
-        int Nodes;
-        int Columns;
-        bool HasTags;
-    } Cases[] = {
+    // What it must keep, its nodes, columns, and whether it has tags.
+    const std::tuple<std::string, int, int, int, bool> Cases[] = {
         {"", MaskOf(DefaultOptions()), 0, 1, false},
         {"A\nB\n", 8, 2, 1, false},
         {"A,b,c\n", 8, 1, 3, false},
@@ -85,12 +73,12 @@ TEST(OutlineFile, KnowsWhatASaveMustKeep) {
         // Unknown bits say nothing.
         {"SaveOptions:1040\n0,A\n", 16, 1, 1, false},
     };
-    for (const auto& Case : Cases) {
-        const TOutline Outline = Read(Case.Text);
-        EXPECT_EQ(MaskOf(Outline.Options), Case.Mask) << Case.Text;
-        EXPECT_EQ(Outline.NodeCount, Case.Nodes) << Case.Text;
-        EXPECT_EQ(Outline.ColumnCount, Case.Columns) << Case.Text;
-        EXPECT_EQ(Outline.HasTags, Case.HasTags) << Case.Text;
+    for (const auto& [Text, Mask, Nodes, Columns, HasTags] : Cases) {
+        const TOutline Outline = Read(Text);
+        EXPECT_EQ(
+            std::tuple(MaskOf(Outline.Options), Outline.NodeCount, Outline.ColumnCount, Outline.HasTags),
+            std::tuple(Mask, Nodes, Columns, HasTags))
+            << Text;
     }
     for (int Mask = 0; Mask < 128; ++Mask) EXPECT_EQ(MaskOf(OptionsOf(Mask)), Mask);
 }

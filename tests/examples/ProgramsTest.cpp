@@ -104,11 +104,8 @@ TEST_F(Programs, ReportWhatTheyCannotDo) {
     Folder.Put("broken.nodes", "SaveOptions:1\r\n0,A\r\nblue,B\r\n");
     Folder.Put("plain.nodes", "SaveOptions:8\n\"needless quotes\"\n");
     const std::string Out = Folder.File("out");
-    const struct {
-        const char* Program;
-        TArgs Args;
-        std::vector<std::string> Parts; // of what is said
-    } Cases[] = {
+    // The last: parts of what is said.
+    const std::tuple<const char*, TArgs, std::vector<std::string>> Cases[] = {
         {OUTLINER_PROGRAM, {Folder.File("broken.nodes"), "--save-as", Out}, {"broken.nodes", "blue"}},
         {OUTLINER_PROGRAM, {Folder.File("missing.nodes"), "--screenshot", Out}, {"missing.nodes"}},
         {OUTLINER_PROGRAM, {Folder.File("good.nodes"), "--save-as", "/dev/full"}, {"/dev/full", "No space"}},
@@ -117,11 +114,10 @@ TEST_F(Programs, ReportWhatTheyCannotDo) {
         {OUTLINER_PROGRAM, {"--roundtrip", Folder.File("plain.nodes")}, {"options 8: differs from byte"}},
         {EXPLORER_PROGRAM, {"--root", "/no/such", "--screenshot", Out}, {"\"/no/such\": No such file"}},
     };
-    for (const auto& Case : Cases) {
-        const TResult Result = RunProgram(Case.Program, Case.Args);
-        EXPECT_EQ(Result.ExitCode, 1) << Case.Args[0];
-        for (const std::string& Part : Case.Parts)
-            EXPECT_THAT(Result.Output + Result.Errors, HasSubstr(Part));
+    for (const auto& [Program, Args, Parts] : Cases) {
+        const TResult Result = RunProgram(Program, Args);
+        EXPECT_EQ(Result.ExitCode, 1) << Args[0];
+        for (const std::string& Part : Parts) EXPECT_THAT(Result.Output + Result.Errors, HasSubstr(Part));
     }
     EXPECT_FALSE(fs::exists(Out));
     EXPECT_EQ(RunProgram(OUTLINER_PROGRAM, {"--help"}).ExitCode, 0);
