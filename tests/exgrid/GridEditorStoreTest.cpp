@@ -106,11 +106,11 @@ TEST(GridEditor, AsksOnceWhateverTheFocusDoes) {
         const auto BlinkFocus = [&] {
             QWidget Message;
             Message.show();
-            Message.activateWindow();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(&Message));
-            Message.hide();
-            Grid.activateWindow();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(&Grid));
+            for (QWidget* Window : {&Message, static_cast<QWidget*>(&Grid)}) {
+                Window->activateWindow();
+                EXPECT_TRUE(QTest::qWaitForWindowActive(Window));
+                Message.hide();
+            }
             QCoreApplication::processEvents();
         };
         Grid.MayShow = [&] {

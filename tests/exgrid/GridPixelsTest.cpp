@@ -132,16 +132,12 @@ TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
         Grid.HasFocus = true;
         Grid.Invalidate();
         Grid.Update();
+        static constexpr std::uint16_t Keys[] = {VK_UP,   VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR,
+                                                 VK_NEXT, VK_HOME, VK_END,  VK_TAB};
+        const auto Any = [&](int Limit) { return static_cast<unsigned>(Dice.Pick(0, Limit)); };
         const std::function<void()> Operations[] = {
-            [&] {
-                static constexpr std::uint16_t Keys[] = {VK_UP,   VK_DOWN, VK_LEFT, VK_RIGHT, VK_PRIOR,
-                                                         VK_NEXT, VK_HOME, VK_END,  VK_TAB};
-                Grid.Press(Keys[Dice.Pick(0, 8)], Dice.Chance(3) ? TShiftState(ssShift) : TShiftState());
-            },
-            [&] {
-                Grid.ModifyScrollBar(Dice.Pick(0, 1), static_cast<unsigned>(Dice.Pick(0, 7)),
-                                     static_cast<unsigned>(Dice.Pick(0, 127)), true);
-            },
+            [&] { Grid.Press(Keys[Any(8)], Dice.Chance(3) ? TShiftState(ssShift) : TShiftState()); },
+            [&] { Grid.ModifyScrollBar(Dice.Pick(0, 1), Any(7), Any(127), true); },
             [&] { Grid.MoveTopLeft(Dice.Pick(0, 8), Dice.Pick(0, 12)); },
             [&] { Grid.SetColWidths(Dice.Pick(0, Grid.GetColCount() - 1), Dice.Pick(0, 90)); },
             [&] { Grid.SetRowCount(std::max(1, Grid.GetRowCount() + Dice.Pick(-2, 3))); },

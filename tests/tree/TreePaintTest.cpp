@@ -59,12 +59,10 @@ public:
     TRecordingCanvas Canvas{200, 200};
 };
 
-constexpr const char* Outline = "A+\n B+\n  C\n D\nE\n";
-
 TEST(TreePaint, OutlinesJoinTheLevelsInEachStyle) {
     TPaintTree Tree;
     Tree.SetShowButtons(false);
-    Tree.Build(Outline);
+    Tree.Build("A+\n B+\n  C\n D\nE\n");
     // Rows: A 0, B 20, C 40, D 60, E 80; centres 11, 31, 51; middles 11, 31, 51, 71, 91.
     EXPECT_EQ(Tree.Lines(), "|11:11-91 |31:19-71 |51:39-51 "
                             "-11:11-19 -31:31-39 -51:51-59 -71:31-39 -91:11-19");
@@ -143,18 +141,16 @@ TEST(TreePaint, TextsOfAllColumnsStandOnOneLineInTallRows) {
     bool Continue = true;
     for (const int Col : {0, 1})
         Tree.DrawCell(Canvas, Col, 0, {Col * 200, 0, Col * 200 + 200, 90}, {}, Continue);
-    const auto Top = [&](int Left, int Right) {
-        for (int Y = 0; Y < 90; ++Y) {
-            for (int X = Left; X < Right; ++X) {
-                if (qGray(Canvas.GetImage().pixel(X, Y)) < 160) return Y;
-            }
-        }
-        return -1;
-    };
     Canvas.SetFont(Tree.GetFont());
     const int Width = Canvas.TextWidth("Apple");
-    EXPECT_GT(Top(204, 204 + Width), 0);
-    EXPECT_EQ(Top(24, 24 + Width), Top(204, 204 + Width));
+    const auto Top = [&](int Left) {
+        for (int Pixel = 0; Pixel < 90 * Width; ++Pixel)
+            if (qGray(Canvas.GetImage().pixel(Left + Pixel % Width, Pixel / Width)) < 160)
+                return Pixel / Width;
+        return -1;
+    };
+    EXPECT_GT(Top(204), 0);
+    EXPECT_EQ(Top(24), Top(204));
 }
 
 TEST(TreePaint, ASelectedRowIsColouredInOnePiece) {

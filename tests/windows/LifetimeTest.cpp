@@ -79,17 +79,11 @@ TArm On(TEvent TClass::*Event) {
     return [Event](TScene& S, TDestroy D) { S.Control->*Event = TAnyHandler{D}; };
 }
 TArm OnMessage(unsigned Msg) {
-    return [Msg](TScene& S, TDestroy D) {
-        S.Control->Destroy = D;
-        S.Control->Msg = Msg;
-    };
+    return [Msg](TScene& S, TDestroy D) { S.Control->Destroy = D, S.Control->Msg = Msg; };
 }
 // Does something before.
 TArm After(const TAct& Prepare, const TArm& Arm) {
-    return [=](TScene& S, TDestroy D) {
-        Prepare(S);
-        Arm(S, D);
-    };
+    return [=](TScene& S, TDestroy D) { Prepare(S), Arm(S, D); };
 }
 
 // What calls.
@@ -97,16 +91,10 @@ TAct Click(QPoint Pos, Qt::MouseButton Button = Qt::LeftButton) {
     return [=](TScene& S) { QTest::mouseClick(S.Handle(), Button, {}, Pos); };
 }
 TAct MoveTo(QPoint Pos) {
-    return [=](TScene& S) {
-        QTest::mouseMove(S.Handle(), Pos);
-        qApp->processEvents();
-    };
+    return [=](TScene& S) { QTest::mouseMove(S.Handle(), Pos), qApp->processEvents(); };
 }
 TAct Press(Qt::Key Key) {
-    return [=](TScene& S) {
-        QTest::keyClick(S.Handle(), Key);
-        qApp->processEvents();
-    };
+    return [=](TScene& S) { QTest::keyClick(S.Handle(), Key), qApp->processEvents(); };
 }
 void DoubleClick(TScene& S) { QTest::mouseDClick(S.Handle(), Qt::LeftButton, {}, Inside); }
 void TurnWheel(TScene& S) { SendWheel(S.Handle(), Inside, QPoint(0, -240)); }
@@ -115,11 +103,7 @@ void LeaveFocus(TScene& S) {
     S.Other.setFocus();
 }
 
-struct TCase {
-    const char* Name;
-    TArm Arm;
-    TAct Act;
-};
+using TCase = std::tuple<const char*, TArm, TAct>;
 
 const TCase Cases[] = {
     {"mouse_down", On(&TLogControl::OnMouseDown), Click(Inside)},
@@ -145,29 +129,14 @@ const TCase Cases[] = {
          Commit.setCommitString(QStringLiteral("ab"));
          QApplication::sendEvent(S.Control, &Commit);
      }},
-    {"paint", On(&TLogControl::OnPaint),
-     [](TScene& S) {
-         S.Control->Invalidate();
-         qApp->processEvents();
-     }},
+    {"paint", On(&TLogControl::OnPaint), [](TScene& S) { S.Control->Invalidate(), qApp->processEvents(); }},
     {"paint_by_Repaint", On(&TLogControl::OnPaint), [](TScene& S) { S.Control->Repaint(); }},
     {"paint_by_ProcessMessages", On(&TLogControl::OnPaint),
-     [](TScene& S) {
-         S.Control->Invalidate();
-         Application.ProcessMessages();
-     }},
+     [](TScene& S) { S.Control->Invalidate(), Application.ProcessMessages(); }},
     {"paint_on_the_screens_demand", On(&TLogControl::OnPaint),
-     [](TScene& S) {
-         S.Control->Invalidate();
-         S.Window.repaint();
-     }},
+     [](TScene& S) { S.Control->Invalidate(), S.Window.repaint(); }},
     {"first_paint",
-     After(
-         [](TScene& S) {
-             S.Window.hide();
-             S.Control->RecreateWnd();
-         },
-         On(&TLogControl::OnPaint)),
+     After([](TScene& S) { S.Window.hide(), S.Control->RecreateWnd(); }, On(&TLogControl::OnPaint)),
      [](TScene& S) {
          S.Window.show();
          EXPECT_TRUE(QTest::qWaitForWindowExposed(&S.Window));
@@ -187,30 +156,23 @@ const TCase Cases[] = {
      [](TScene& S) { S.Control->SetBounds(0, 0, 90, 90); }},
 };
 
-void PrintTo(const TCase& Case, std::ostream* Out) { *Out << Case.Name; }
-
-class Lifetime : public ::testing::TestWithParam<TCase> {};
-
 } // namespace
 
-TEST_P(Lifetime, ControlMayGoInTheHandler) {
-    TScene Scene;
-    int Calls = 0;
-    GetParam().Arm(Scene, [&] {
-        ++Calls;
-        delete Scene.Control.data();
-    });
-    GetParam().Act(Scene);
-    EXPECT_EQ(Calls, 1);
-    EXPECT_FALSE(Scene.Control);
-    // The window goes on working.
-    Click(Outside)(Scene);
-    Press(Qt::Key_X)(Scene);
-    EXPECT_EQ(Scene.Other.text(), QStringLiteral("x"));
+TEST(Lifetime, ControlMayGoInTheHandler) {
+    for (const auto& [Name, Arm, Act] : Cases) {
+        SCOPED_TRACE(Name);
+        TScene Scene;
+        int Calls = 0;
+        Arm(Scene, [&] { ++Calls, delete Scene.Control.data(); });
+        Act(Scene);
+        EXPECT_EQ(Calls, 1);
+        EXPECT_FALSE(Scene.Control);
+        // The window goes on working.
+        Click(Outside)(Scene);
+        Press(Qt::Key_X)(Scene);
+        EXPECT_EQ(Scene.Other.text(), QStringLiteral("x"));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Handlers, Lifetime, ::testing::ValuesIn(Cases),
-                         [](const auto& Info) { return std::string(Info.param.Name); });
 
 TEST(LifetimeOthers, TimerMayGoInItsHandler) {
     auto Timer = std::make_unique<TTimer>();

@@ -185,11 +185,7 @@ TEST(Touchpad, PixelsBecomeLinesAsTheFingerMoves) {
         QPoint Pixels = {};
         QPoint Angle = {};
     };
-    struct {
-        const char* What;
-        std::vector<TStep> Steps;
-        const char* Result;
-    } const Cases[] = {
+    const std::tuple<const char*, std::vector<TStep>, const char*> Cases[] = {
         {"sums up", {{'b', {0, -7}}, {'g', {0, -7}}, {'g', {0, -7}}}, "down"},
         {"no rest is left", {{'b', {0, -19}}, {'e'}, {'g', {0, -19}}}, ""},
         {"a new beginning drops it", {{'b', {0, -19}}, {'b', {0, -19}}}, ""},
@@ -199,10 +195,10 @@ TEST(Touchpad, PixelsBecomeLinesAsTheFingerMoves) {
         {"fine angles sum up", {{'n', {}, {0, 60}}, {'n', {}, {0, 60}}}, "up"},
         {"both ways", {{'b', {-30, -30}}, {'g', {-30, -30}}}, "down; h1 0; down; down; h1 0; h1 0"},
     };
-    for (const auto& Case : Cases) {
-        for (const TStep& Step : Case.Steps)
+    for (const auto& [What, Steps, Result] : Cases) {
+        for (const TStep& Step : Steps)
             SendScroll(Control.windowHandle(), {30, 30}, Step.Pixels, Step.Phase, Step.Angle);
-        EXPECT_EQ(Control.Take(), Case.Result) << Case.What;
+        EXPECT_EQ(Control.Take(), Result) << What;
         SendScroll(Control.windowHandle(), {30, 30}, {}, 'e');
     }
     Control.ShowScrollBar(SB_HORZ, false);
