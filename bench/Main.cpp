@@ -49,7 +49,6 @@ int Run(const TWorkload& Work, TContender& Contender, const TSize& Size) {
     try {
         const TFigure Figure = Work.Run(Contender, Size);
         std::printf("%.6g\t%.6g\t%d\t%g\n", Figure.Cpu, Figure.Wall, Figure.Runs, Figure.Paints);
-        std::fflush(stdout);
         return 0;
     } catch (const ENotOffered& Reason) {
         std::printf("-\t%s\n", Reason.what());
@@ -76,9 +75,9 @@ int Main(int ArgCount, char** Args) {
         for (const TContenderEntry& Entry : Contenders) {
             if (std::string_view(Args[2]) != Entry.Name) continue;
             const std::unique_ptr<TContender> Contender = Entry.Make();
-            // Taking a million nodes apart is not measured here.
+            const int Status = Run(Work, *Contender, Size);
             std::fflush(stdout);
-            std::_Exit(Run(Work, *Contender, Size));
+            std::_Exit(Status); // without taking a million nodes apart
         }
     }
     std::fprintf(stderr, "usage: %s --list | WORKLOAD CONTENDER [--nodes N] [--scale S]\n", Args[0]);

@@ -58,7 +58,7 @@ inline double MedianOf(std::vector<double> Values) {
 // The median of several timings of Work; Prepare runs before each, untimed. Short work is repeated more often.
 template <class TPrepare, class TWork>
 TFigure Median(TPrepare Prepare, TWork Work, int MostRuns = 101) {
-    constexpr int LeastRuns = 3;
+    constexpr int LeastRuns = 5;
     constexpr double Enough = 250;   // milliseconds of the wall clock after LeastRuns
     constexpr double TooLong = 1500; // and after any run
     std::vector<double> Cpu;

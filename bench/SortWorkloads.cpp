@@ -20,7 +20,7 @@ TFigure Sort(TContender& C, int Count, bool ByLocale) {
 TFigure SortSmall(TContender& C, const TSize& Size) {
     const TFigure Figure = Sort(C, Size.Nodes / 10, false);
     std::string Last;
-    for (int Index = 0; Index < 1000; ++Index) {
+    for (int Index = 0; Index < std::min(1000, Size.Nodes / 10); ++Index) {
         const std::string Text = C.GetText(C.GetChild(0, Index));
         Require(Last < Text, "not sorted");
         Last = Text;
