@@ -6,12 +6,9 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 
-#include <gtest/gtest.h>
-
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using quill::testing::BecomeNobody;

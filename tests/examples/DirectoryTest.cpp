@@ -4,7 +4,6 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/QtTest.h"
 
-#include <filesystem>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;

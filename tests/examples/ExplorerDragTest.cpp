@@ -13,7 +13,6 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <filesystem>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;

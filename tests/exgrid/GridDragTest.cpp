@@ -5,8 +5,6 @@
 
 #include <QImage>
 
-#include <functional>
-
 namespace quill::testing {
 namespace {
 

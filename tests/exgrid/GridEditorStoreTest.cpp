@@ -9,7 +9,6 @@
 
 #include <memory>
 #include <stdexcept>
-#include <vector>
 
 namespace quill::testing {
 namespace {

@@ -4,8 +4,6 @@
 
 #include "tests/support/Handlers.h"
 
-#include <functional>
-
 namespace quill::testing {
 namespace {
 

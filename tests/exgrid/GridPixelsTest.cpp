@@ -5,8 +5,6 @@
 
 #include <QImage>
 
-#include <algorithm>
-#include <functional>
 #include <random>
 
 namespace quill::testing {

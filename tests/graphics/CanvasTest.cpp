@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <limits>
-#include <vector>
 
 namespace quill {
 namespace {

@@ -7,9 +7,6 @@
 #include <QFont>
 
 #include <cmath>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace quill {
 namespace {

@@ -10,7 +10,6 @@
 
 #include <climits>
 #include <memory>
-#include <string>
 
 namespace quill::testing {
 namespace {

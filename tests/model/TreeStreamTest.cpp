@@ -6,8 +6,6 @@
 #include "host/base/Streams.h"
 #include "tests/support/TempFolder.h"
 
-#include <filesystem>
-
 namespace quill {
 namespace {
 

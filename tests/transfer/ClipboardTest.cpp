@@ -6,8 +6,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
-#include <gtest/gtest.h>
-
 using namespace quill;
 using namespace quill::testing;
 

@@ -10,8 +10,6 @@
 #include <QTimer>
 #include <QWindow>
 
-#include <gtest/gtest.h>
-
 using namespace quill;
 using namespace quill::testing;
 

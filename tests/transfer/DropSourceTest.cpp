@@ -1,8 +1,6 @@
 #include "tests/support/QtTest.h"
 #include "tests/transfer/TransferTestTools.h"
 
-#include <gtest/gtest.h>
-
 using namespace quill;
 using namespace quill::testing;
 

@@ -4,10 +4,6 @@
 #include "tests/support/QtTest.h"
 #include "tests/transfer/TransferTestTools.h"
 
-#include <QCoreApplication>
-
-#include <gtest/gtest.h>
-
 using namespace quill;
 using namespace quill::testing;
 

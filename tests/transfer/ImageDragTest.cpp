@@ -3,8 +3,6 @@
 
 #include <QApplication>
 
-#include <gtest/gtest.h>
-
 using namespace quill;
 using namespace quill::testing;
 

@@ -3,8 +3,6 @@
 #include "tests/support/QtTest.h"
 #include "tests/transfer/TransferTestTools.h"
 
-#include <gtest/gtest.h>
-
 using namespace quill;
 using namespace quill::testing;
 using namespace std::string_literals;

@@ -9,7 +9,6 @@
 
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 
 namespace quill {

@@ -10,7 +10,6 @@
 #include <QClipboard>
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 
 namespace quill {

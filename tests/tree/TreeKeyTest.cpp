@@ -4,8 +4,6 @@
 #include "tests/tree/TreeTestSupport.h"
 
 #include <QInputMethodEvent>
-#include <QTest>
-#include <QWindow>
 
 #include <utility>
 

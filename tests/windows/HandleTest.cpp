@@ -2,10 +2,8 @@
 #include "tests/support/QtTest.h"
 #include "tests/windows/LogControl.h"
 
-#include <QApplication>
 #include <QPalette>
 #include <QPointer>
-#include <QTest>
 
 using namespace quill;
 using quill::testing::TLogControl;

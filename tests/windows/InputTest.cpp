@@ -4,15 +4,11 @@
 
 #include "host/windows/Keys.h"
 
-#include <QApplication>
 #include <QDialog>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QTest>
-#include <QWheelEvent>
-#include <QWindow>
 
 #include <cmath>
 

@@ -5,13 +5,10 @@
 
 #include "host/windows/Application.h"
 
-#include <QApplication>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QScrollBar>
-#include <QTest>
-#include <QWindow>
 
 #include <memory>
 

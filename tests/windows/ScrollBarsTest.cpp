@@ -6,8 +6,6 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionSlider>
-#include <QTest>
-#include <QWindow>
 
 #include <limits>
 

@@ -4,12 +4,9 @@
 
 #include "host/windows/Application.h"
 
-#include <QApplication>
 #include <QImage>
 #include <QScreen>
-#include <QTest>
 
-#include <algorithm>
 #include <cmath>
 
 using namespace quill;
