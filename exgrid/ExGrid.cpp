@@ -152,19 +152,18 @@ void TCustomExGrid::CMShowingChanged(TMessage& Message) {
     }
 }
 
-// The focused and the selected cells look different, and a descendant may mark more than one.
 void TCustomExGrid::WMSetFocus(TMessage& Message) {
     const TControlGuard Guard(this);
     TCustomControl::WMSetFocus(Message);
     if (!Guard) return;
-    InvalidateGrid();
+    InvalidateFocused();
     if (!FHidingEdit) RefreshEdit(true);
 }
 
 void TCustomExGrid::WMKillFocus(TMessage& Message) {
     const TControlGuard Guard(this);
     TCustomControl::WMKillFocus(Message);
-    if (Guard) InvalidateGrid();
+    if (Guard) InvalidateFocused();
 }
 
 void TCustomExGrid::WndProc(TMessage& Message) {

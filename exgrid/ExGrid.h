@@ -201,6 +201,8 @@ public:
 
     // Each does nothing without a window handle.
     void InvalidateGrid();
+    // What looks different with the focus than without: everything, since a drawing handler may ask for it.
+    virtual void InvalidateFocused() { InvalidateGrid(); }
     // Ignored outside the grid, and for the current cell while the editor covers it.
     virtual void InvalidateCell(int ACol, int ARow);
     // Rows 0 .. VisibleRowCount + 1, even when the grid is scrolled down.

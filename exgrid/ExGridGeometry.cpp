@@ -207,7 +207,7 @@ TGridCoord TCustomExGrid::CalcCoordFromPoint(int X, int Y, const TExGridDI& DI) 
 
 TGridCoord TCustomExGrid::MouseCoord(int X, int Y) {
     TExGridDI DI;
-    CalcDI(DI);
+    CalcFI(DI); // which cells fit wholly does not matter here
     TGridCoord Result = CalcCoordFromPoint(X, Y, DI);
     if (Result.X < 0) {
         Result.Y = -1;

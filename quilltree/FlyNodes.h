@@ -145,6 +145,9 @@ public:
     void RebuildRowList(TTreeCollection* Item);
     // False while RowList may differ from the tree's order (inside a bracket, for example).
     bool IsRowListCurrent() const { return RowList.FCurrent; }
+    // The first entry of RowList that changes of children since the last call can make look different; the number of
+    // entries or more when none can, -1 when nothing is known of such changes.
+    int TakeFirstTouched();
     // To be called by whoever changes RowList by hand, so that the next refresh lists everything anew.
     void RowListChanged() { RowList.FCurrent = false; }
     // The node of row-list entry Index, made from its placeholder when necessary; null outside the list, and when a
@@ -196,6 +199,8 @@ private:
     void SlotsAppeared(TTreeCollection* Parent, int Index, int Count);
     void SlotsDisappear(TTreeCollection* Parent, int Index, int Count);
     void NodeAppeared(TFlyNode* Node);
+    void Touch(const TTreeCollection* Parent, int Index);
+    void TouchRow(int Row);
     void ChildMoved(TTreeCollection* Parent, int To);
     void ChildrenReordered(TTreeCollection* Parent);
     bool IsRowParent(const TTreeCollection* Parent) const;
@@ -228,6 +233,7 @@ private:
     // Some node has FlagSortDue.
     bool FSortDue = false;
     bool FHasStoredHeights = false;
+    int FFirstTouched = -1;
     int FLockDepth = 0;
     int FLastUniqueTag = -1;
     int FDefaultStateIndex = 0;

@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace quill {
@@ -52,12 +54,15 @@ void TFlyNodes::RebuildRowList(TTreeCollection* Item) {
     const int Selected = RowList.FindSelected(Row + 1);
     if (Selected < 0) return;
     const int End = RowBehind(Node, Node);
-    if (Selected < End) SelectionUpTo(Node, Selected, End);
+    if (Selected >= End) return;
+    SelectionUpTo(Node, Selected, End);
+    TouchRow(Row);
 }
 
 void TFlyNodes::ListAllRows() {
     RowList.Drop();
     RowList.FCurrent = true;
+    FFirstTouched = 0;
     InsertSlotRows(this, 0, GetCount(), 0);
 }
 
@@ -90,11 +95,34 @@ bool TFlyNodes::IsRowParent(const TTreeCollection* Parent) const {
            RowList.Contains(Parent);
 }
 
+// Notes that child Index of Parent comes or goes. That moves the rows behind it, and what leads to it may change: the
+// outline from the sibling before it on, or the button of its parent.
+void TFlyNodes::Touch(const TTreeCollection* Parent, int Index) {
+    int First = std::numeric_limits<int>::max();
+    if (IsRowParent(Parent)) {
+        const TChildList& Slots = *Parent->GetChildList();
+        int Before = Slots.FindBackward(Index - 1, false);
+        while (Before >= 0 && !IsListed(Slots.Get(Before))) Before = Slots.FindBackward(Before - 1, false);
+        First = Before >= 0      ? RowList.IndexOf(Slots.Get(Before))
+                : Parent == this ? 0
+                                 : RowList.IndexOf(Parent);
+    } else if (RowList.Contains(Parent)) {
+        First = RowList.IndexOf(Parent);
+    }
+    TouchRow(First);
+}
+
+void TFlyNodes::TouchRow(int Row) { FFirstTouched = FFirstTouched < 0 ? Row : std::min(FFirstTouched, Row); }
+
+int TFlyNodes::TakeFirstTouched() { return RowList.FCurrent ? std::exchange(FFirstTouched, -1) : -1; }
+
 void TFlyNodes::NodeAppeared(TFlyNode* Node) { SlotsAppeared(Node->GetCollection(), -1, 1); }
 
 // Index -1 stands for the last Count slots.
 void TFlyNodes::SlotsAppeared(TTreeCollection* Parent, int Index, int Count) {
-    if (!RowList.FCurrent || !FHost || !IsRowParent(Parent)) return;
+    if (!RowList.FCurrent || !FHost) return;
+    Touch(Parent, Index < 0 ? Parent->GetCount() - Count : Index);
+    if (!IsRowParent(Parent)) return;
     if (!CanPatch()) {
         RowList.FCurrent = false;
         return;
@@ -176,6 +204,8 @@ void TFlyNodes::SelectionUpTo(TFlyNode* Node, int FirstRow, int EndRow) {
 void TFlyNodes::RemoveSubtreeRows(TFlyNode* Node) {
     const int Row = RowList.IndexOf(Node);
     if (Row < 0) return;
+    // A node on its way out of its collection has been noted there.
+    if (Node->GetCollection()) Touch(Node->GetCollection(), Node->GetIndex());
     const int End = RowBehind(Node, Node);
     if (End < 0) {
         RowList.FList.Delete(Row);
@@ -187,6 +217,7 @@ void TFlyNodes::RemoveSubtreeRows(TFlyNode* Node) {
 
 void TFlyNodes::SlotsDisappear(TTreeCollection* Parent, int Index, int Count) {
     if (RowList.GetCount() == 0) return;
+    if (RowList.FCurrent) Touch(Parent, Index);
     const TChildList& Slots = *Parent->GetChildList();
     for (int i = Index; i < Index + Count; ++i) {
         TTreeSlot* const Slot = Slots.Get(i);
@@ -237,6 +268,7 @@ void TFlyNodes::DropRowsBelow(TFlyNode* Node) {
 void TFlyNodes::ChildrenReordered(TTreeCollection* Parent) {
     if (!RowList.FCurrent || !IsRowParent(Parent)) return;
     const int Row = Parent == this ? -1 : RowList.IndexOf(Parent);
+    Touch(Parent, 0);
     // The end is sought upwards only: the last row of the children is no more that of the last child.
     int End = -1;
     for (const TTreeCollection* Up = Parent; CanPatch(); Up = Up->GetCollection()) {

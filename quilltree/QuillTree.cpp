@@ -84,19 +84,6 @@ void TCustomQuillTree::CMFontChanged(TMessage& Message) {
     if (Guard && FFitToHeight) RefreshRowHeights();
 }
 
-// The selection has another colour with the focus than without.
-void TCustomQuillTree::WMSetFocus(TMessage& Message) {
-    const TControlGuard Guard(this);
-    TCustomExGrid::WMSetFocus(Message);
-    if (Guard) Invalidate();
-}
-
-void TCustomQuillTree::WMKillFocus(TMessage& Message) {
-    const TControlGuard Guard(this);
-    TCustomExGrid::WMKillFocus(Message);
-    if (Guard) Invalidate();
-}
-
 // --- properties --------------------------------------------------------------------------------------------------
 
 // Stores a property that painting reads.
@@ -218,9 +205,10 @@ void TCustomQuillTree::SetRedraw(bool Enable) {
     if (HandleAllocated()) Perform(WM_SETREDRAW, Enable ? 1 : 0, 0);
 }
 
-// Nothing while redraw is off: the tree may be half changed.
+// Nothing while redraw is off: the tree may be half changed. Nor while the user's own action runs, which is shown in
+// one piece, and after which messages are processed anyway.
 void TCustomQuillTree::ProcessMessages() {
-    if (!GetRedraw() || IsDestroying()) return;
+    if (!GetRedraw() || FInAction || IsDestroying()) return;
     const TControlGuard Guard(this);
     Update();
     if (!Guard) return;

@@ -478,8 +478,7 @@ public:
     void Loaded() override;
     void Notification(TComponent* AComponent, TOperation Operation) override;
     void CMFontChanged(TMessage& Message) override;
-    void WMSetFocus(TMessage& Message) override;
-    void WMKillFocus(TMessage& Message) override;
+    void InvalidateFocused() override;
 
     // --- what the node model asks and tells (quilltree/NodeHost.h) ----------------------------------------------
     TCustomQuillTree* GetTreeControl() override { return this; }
@@ -603,6 +602,7 @@ private:
     void ShowFrame(int Frame);
     bool HeightsMatter() const;
     bool HasUniformHeights() const;
+    void InvalidateTouched();
     bool HasHeightWatchers() const;
     template <class TVisit>
     void VisitRows(int First, int Last, TVisit Visit);
@@ -735,6 +735,7 @@ private:
     bool FAutoExpanding = false;
     bool FSelectingAlone = false; // SetSelection asks FocusCell for it
     bool FFocusing = false;       // FocusCell is on its way to SelectCell, with FFocusMarks
+    bool FInAction = false;       // a message of the keyboard or the mouse is at work
     bool FShiftingHeights = false;
     TFocusMarks FFocusMarks = TFocusMarks::Keep;
     int FPhase = 0; // of the picture on the surface: OutlinePhase when it was painted

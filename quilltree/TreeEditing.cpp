@@ -1,6 +1,7 @@
 // Editing in place, and the clipboard commands.
 #include "exgrid/InplaceEdit.h"
 #include "host/base/Events.h"
+#include "host/windows/FlagScope.h"
 #include "quilltree/QuillTree.h"
 
 #include <utility>
@@ -148,6 +149,8 @@ void TCustomQuillTree::WndProc(TMessage& Message) {
         return;
     }
     if (Message.Msg != CM_ENDEDIT) {
+        const bool Action = Message.Msg >= WM_KEYDOWN && Message.Msg <= WM_MOUSEWHEEL;
+        const TValueScope InAction(this, FInAction, FInAction || Action);
         TCustomExGrid::WndProc(Message);
         return;
     }

@@ -33,8 +33,24 @@ void TCustomQuillTree::FixupRows() {
     if (!FItems->GetSorted() && FSortType != stNone) FItems->AlphaSort();
     if (!Guard) return;
     FollowEdit();
-    InvalidateGrid();
+    InvalidateTouched();
     ReAim();
+}
+
+// Everything, unless the nodes know which rows changed.
+void TCustomQuillTree::InvalidateTouched() {
+    const int First = FItems->TakeFirstTouched();
+    if (First <= 0) {
+        InvalidateGrid();
+    } else if (HandleAllocated() && First < FItems->RowList.GetCount()) {
+        TExGridDI DI;
+        CalcDI(DI);
+        const int Row = GetFixedRows() + First;
+        if (Row > DI.Vert.LastFullVisibleCell + 1) return;
+        // Lines reach a little way into the row above.
+        const int Top = Row > GetTopRow() ? LinePos(DI.Vert, Row) - 1 : DI.Vert.FixedBoundary;
+        InvalidatePixels({0, Top, GetClientWidth(), GetClientHeight()});
+    }
 }
 
 TFlyNode* TCustomQuillTree::GetNodeAtRow(int Row) {

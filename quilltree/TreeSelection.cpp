@@ -136,6 +136,19 @@ bool TCustomQuillTree::InSelection(int ACol, int ARow) {
     return Node && Node->GetSelected();
 }
 
+// Rows that are selected or current; a descendant may mark the whole of them.
+void TCustomQuillTree::InvalidateFocused() {
+    if (!HandleAllocated() || !FItems) return;
+    TExGridDI DI;
+    CalcDI(DI);
+    const TGridRect Range = TCustomExGrid::GetSelection();
+    for (int Row = GetTopRow(); Row <= DI.Vert.LastFullVisibleCell + 1; ++Row) {
+        const TFlyNode* const Node = FItems->RowList.NodeAt(Row - GetFixedRows());
+        if ((Node && Node->GetSelected()) || Row == GetRow() || (Row >= Range.Top && Row <= Range.Bottom))
+            InvalidateRow(Row);
+    }
+}
+
 // --- moving ------------------------------------------------------------------------------------------------------
 
 bool TCustomQuillTree::SelectCell(int& ACol, int& ARow, bool MoveAnchor, TShiftState Shift,

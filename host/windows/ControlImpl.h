@@ -69,7 +69,7 @@ struct TCustomControl::TImpl {
     QSize SurfaceClient;  // the client size that it stands for
     double Scale = 1.0;
     bool Redraw = true;
-    bool ChangedWhileOff = false;
+    QRegion ChangedWhileOff; // what became invalid while redraw was off
     bool Painting = false;
     // Something about surface or binding changed during Paint and waits for its end.
     bool SurfaceStale = false;

@@ -29,6 +29,19 @@ std::uint64_t PixelsOf(const QRegion& Region) {
     return Sum;
 }
 
+bool Covers(const QRegion& Region, const QRegion& Other) {
+    return Region.rectCount() == 1 && Region.boundingRect().contains(Other.boundingRect());
+}
+
+void Merge(QRegion& Region, const QRegion& Other) {
+    if (Covers(Region, Other)) return;
+    Region += Other;
+    if (Region.rectCount() <= 1) return;
+    const QRect Whole = Region.boundingRect();
+    // Nearly all of the bounds: their rest costs less than clipping to the pieces.
+    if (Region.rectCount() > MaxInvalidRects || PixelsOf(Region) * 4 > PixelsOf(Whole) * 3) Region = Whole;
+}
+
 } // namespace
 
 // --- surface ------------------------------------------------------------------------------------------------------
@@ -143,7 +156,7 @@ bool TCustomControl::TImpl::ShiftSurface(int From, int To, int ShiftY) {
 
 void TCustomControl::TImpl::DropSurface() {
     Control.FInvalid = QRegion();
-    ChangedWhileOff = false;
+    ChangedWhileOff = QRegion();
     TPaintScheduler::Remove(&Control);
     Control.FCanvas->Bind(nullptr, Scale);
     Surface = QImage();
@@ -199,7 +212,7 @@ void TCustomControl::InvalidatePixels(const TRect& Rect, bool Erase) {
 void TCustomControl::TImpl::AddInvalid(const QRegion& Region, bool Erase) {
     if (Region.isEmpty() || DestructionBegun) return;
     if (!Redraw) {
-        ChangedWhileOff = true;
+        Merge(ChangedWhileOff, Region);
         return;
     }
     QRegion& Invalid = Control.FInvalid;
@@ -212,15 +225,8 @@ void TCustomControl::TImpl::AddInvalid(const QRegion& Region, bool Erase) {
     }
     TPaintScheduler::Add(&Control);
     InvalidatedByPaint = false;
-    const QRect Bounds = Region.boundingRect();
-    if (Invalid.rectCount() == 1 && Invalid.boundingRect().contains(Bounds)) return;
-    Invalid += Region;
-    if (Invalid.rectCount() > 1) {
-        const QRect Whole = Invalid.boundingRect();
-        // Nearly all of the bounds: their rest costs less than clipping to the pieces.
-        if (Invalid.rectCount() > MaxInvalidRects || PixelsOf(Invalid) * 4 > PixelsOf(Whole) * 3)
-            Invalid = Whole;
-    }
+    if (Covers(Invalid, Region)) return;
+    Merge(Invalid, Region);
     if (Control.isVisible()) Control.viewport()->update(Region);
 }
 
@@ -239,11 +245,10 @@ void TCustomControl::WMSetRedraw(TMessage& Message) {
     FImpl->BindCanvas();
     if (!On) {
         // What was invalid before is painted with the rest afterwards.
-        FImpl->ChangedWhileOff = !FInvalid.isEmpty();
-        FInvalid = QRegion();
+        FImpl->ChangedWhileOff = std::exchange(FInvalid, QRegion());
         TPaintScheduler::Remove(this);
-    } else if (std::exchange(FImpl->ChangedWhileOff, false)) {
-        Invalidate();
+    } else {
+        FImpl->AddInvalid(std::exchange(FImpl->ChangedWhileOff, QRegion()), true);
     }
 }
 
@@ -382,7 +387,7 @@ void TCustomControl::ScrollWindow(int DX, int DY, const TRect& Scroll, const TRe
     const QRect Source = ToQt(Scroll) & Client;
     if (Bound.isEmpty() || Source.isEmpty()) return;
     if (!Impl.Redraw) {
-        Impl.ChangedWhileOff = true;
+        Impl.AddInvalid(Client, true);
         return;
     }
     const double DeviceDX = DX * Impl.Scale;
