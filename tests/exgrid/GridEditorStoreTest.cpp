@@ -13,28 +13,6 @@
 namespace quill::testing {
 namespace {
 
-TEST(GridEditor, StoresWhenItClosesOrMovesOn) {
-    TEditGrid Grid(TGridOptions{goAlwaysShowEditor});
-    Grid.OnGetEditText = [&](TObject*, int Col, int Row, std::string&) {
-        Grid.Log += "get " + Show(TGridCoord{Col, Row}) + " ";
-    };
-    Grid.Keys("'new' Down");
-    EXPECT_EQ(Grid.Take(), "1,1=new get 1,2 ") << "the old cell is written before the new one is read";
-    Grid.Keys("Return Return 'n'");
-    EXPECT_EQ(Grid.State(), "1,2 n 1-1");
-    Grid.SetOptions(Grid.GetOptions() - goAlwaysShowEditor);
-    EXPECT_EQ(Grid.Take(), "");
-    Grid.Key(Qt::Key_Return);
-    EXPECT_EQ(Grid.Take(), "1,2=n ");
-    EXPECT_TRUE(Grid.Focused());
-    Grid.Type("m");
-    QLineEdit Other;
-    Other.setParent(&Grid);
-    Other.show();
-    Other.setFocus();
-    EXPECT_TRUE(Grid.IsEditorShown()) << "the focus is still inside";
-}
-
 TEST(GridEditor, LosesItsCellWithoutHarm) {
     const struct {
         const char* What;
@@ -179,51 +157,6 @@ TEST(GridEditor, StoresWhatIsBeingComposed) {
     Grid.Compose("n", {});
     QTest::mouseClick(Grid.windowHandle(), Qt::LeftButton, {}, QPoint(10, Grid.CellRect(0, 4).Top + 5));
     EXPECT_EQ(Grid.Take(), "1,1=ni ");
-}
-
-TEST(GridEditor, AHandlerOfAStoredTextMayEditAnotherCell) {
-    TEditGrid Grid;
-    Grid.SetEditorMode(true);
-    Grid.Type("first");
-    bool Failed = false;
-    Grid.OnSetEditText = [&](TObject*, int, int Row, const std::string&) {
-        if (!std::exchange(Failed, true)) throw std::runtime_error("refused");
-        if (Row != 1) return;
-        Grid.SetEditorMode(false); // ends it once more
-        Grid.Focus(2, 3);
-        Grid.SetEditorMode(true);
-        Grid.GetInplaceEditor()->SetText("second");
-        Grid.SetEditorMode(false);
-    };
-    EXPECT_THROW(Grid.SetEditorMode(false), std::runtime_error);
-    Grid.Take();
-    Grid.SetEditorMode(false);
-    EXPECT_EQ(Grid.Take(), "1,1=first 2,3=second ");
-}
-
-TEST(GridEditor, MessagesEditAsKeysDo) {
-    TEditGrid Grid;
-    Grid.SetEditorMode(true);
-    TInplaceEdit& Edit = *Grid.GetInplaceEditor();
-    std::string States;
-    for (const auto& [Key, Shift] :
-         std::initializer_list<std::pair<std::uint16_t, TShiftState>>{{VK_HOME, {}},
-                                                                      {VK_DELETE, {}},
-                                                                      {VK_RIGHT, ssShift},
-                                                                      {VK_DELETE, ssShift},
-                                                                      {VK_END, {}},
-                                                                      {VK_INSERT, ssShift}}) {
-        Edit.Perform(WM_KEYDOWN, Key, static_cast<std::intptr_t>(Shift.Bits()));
-        States += Grid.State().substr(4) + ", ";
-    }
-    EXPECT_EQ(States, "text 0-0, ext 0-0, ext 0-1, xt 0-0, xt 2-2, xte 3-3, ");
-    Edit.Perform(EM_SETSEL, 0, -1);
-    unsigned Start = 9;
-    unsigned End = 9;
-    Edit.Perform(EM_GETSEL, reinterpret_cast<std::uintptr_t>(&Start), reinterpret_cast<std::intptr_t>(&End));
-    EXPECT_EQ(std::pair(Start, End), std::pair(0U, 3U));
-    Edit.Perform(EM_SETSEL, static_cast<std::uintptr_t>(-1), 0);
-    EXPECT_EQ(Grid.State(), "1,1 xte 3-3");
 }
 
 TEST(GridEditor, MayBeDestroyedByEveryChange) {

@@ -89,28 +89,6 @@ TEST(GridKeys, MoveTheCurrentCell) {
     }
 }
 
-TEST(GridKeys, ShiftAndCtrlExtendOrScroll) {
-    const std::tuple<TGridCoord, std::uint16_t, TShiftState, bool, const char*> Cases[] = {
-        {{2, 3}, VK_DOWN, ssShift, true, "2,4 [2,3..2,4] @1,1"},
-        {{3, 3}, VK_LEFT, ssShift, true, "2,3 [2,3..3,3] @1,1"},
-        {{2, 3}, VK_DOWN, ssCtrl, true, "2,4 [2,3..2,4] @1,1"},
-        {{2, 3}, VK_TAB, ssShift, true, "1,3 [1,3..1,3] @1,1"},
-        {{2, 3}, VK_TAB, ssCtrl, true, "3,3 [2,3..3,3] @1,1"},
-        {{2, 3}, VK_DOWN, ssCtrl, false, "2,3 [2,3..2,3] @1,2"},
-        {{2, 8}, VK_UP, ssCtrl, false, "2,8 [2,8..2,8] @1,4"},
-        {{2, 19}, VK_DOWN, ssCtrl, false, "2,19 [2,19..2,19] @1,16"},
-        {{2, 3}, VK_DOWN, ssShift, false, "2,4 [2,4..2,4] @1,1"},
-    };
-    for (const auto& [From, Key, Shift, Ranges, Result] : Cases) {
-        TKeyGrid Grid;
-        if (!Ranges) Grid.SetOptions(Grid.GetOptions() - goRangeSelect);
-        Grid.Start(From);
-        Grid.Press(Key, Shift);
-        EXPECT_EQ(Grid.State(), Result) << Key << " from " << Show(From);
-        EXPECT_EQ(Grid.Appended, 0);
-    }
-}
-
 TEST(GridKeys, TabGoesOnlyWhereItMayAndEndsWithoutStops) {
     TKeyGrid Grid;
     Grid.Start({1, 3});
@@ -158,19 +136,6 @@ TEST(GridKeys, EveryRowIsReached) {
         for (int Step = 0; Step < 40; ++Step) Grid.Press(VK_PRIOR);
         EXPECT_EQ(Grid.GetRow(), 1);
     }
-}
-
-TEST(GridKeys, AKeyHandlerComesFirstAndAnEmptyGridTakesNoKeys) {
-    TKeyGrid Grid;
-    Grid.Focus(2, 3);
-    Grid.OnKeyDown = [](TObject*, std::uint16_t& Key, TShiftState) { Key = 0; };
-    Grid.Press(VK_DOWN);
-    EXPECT_EQ(Grid.GetRow(), 3);
-    Grid.OnKeyDown = nullptr;
-    Grid.SetRowCount(1);
-    const std::string Before = Grid.State();
-    for (const std::uint16_t Key : {VK_DOWN, VK_END, VK_TAB, VK_NEXT}) Grid.Press(Key);
-    EXPECT_EQ(Grid.State(), Before);
 }
 
 TEST(GridKeys, AskedForDependOnTheEditor) {

@@ -68,21 +68,6 @@ TEST(GridPainting, RegionsAreDrawnInOrderWithAFillerCellPerRow) {
     EXPECT_EQ(Grid.Cells(), "1,0x 0,0,75,24\n1,2 0,25,75,49\n");
 }
 
-TEST(GridPainting, CellsOutsideTheClipAreOfferedWithTheLastState) {
-    TNamingGrid Grid(228, 75, 3, 3);
-    Grid.Focus(1, 1);
-    TRecordingCanvas Canvas(228, 75);
-    Canvas.IntersectClip({80, 30, 100, 40}); // within cell 1,1
-    Canvas.ClearLog();
-    Grid.DrawOn(Canvas, true);
-    const std::string Log = Canvas.GetLog();
-    EXPECT_NE(Log.find("\"1,1s 76,25,151,49\""), std::string::npos) << Log;
-    EXPECT_NE(Log.find("\"2,2s 152,50,227,74\""), std::string::npos) << Log; // state of 1,1
-    EXPECT_NE(Log.find("\"0,1 0,25,75,49\""), std::string::npos) << Log;     // nothing was visible before
-    // Lines only where something is visible.
-    EXPECT_EQ(Canvas.GetLog("Line"), "Line (76,49)-(152,49) clSilver\nLine (151,25)-(151,50) clSilver\n");
-}
-
 TEST(GridPainting, LinesHaveTheirColours) {
     TNamingGrid Grid(151, 50, 2, 2);
     Grid.SetFixedCols(1);

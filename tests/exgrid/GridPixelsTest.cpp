@@ -102,22 +102,6 @@ TEST(GridPixels, NoDevicePixelIsLeftOutAtFractionalScales) {
     }
 }
 
-TEST(GridPixels, MirroredIsTheMirrorImage) {
-    TColourGrid Plain(203, 117, 4, 6);
-    TColourGrid Mirrored(203, 117, 4, 6);
-    Mirrored.SetBiDiMode(bdRightToLeft);
-    for (const int Line : {1, 2, 3, 5}) {
-        for (TColourGrid* Grid : {&Plain, &Mirrored}) {
-            Grid->SetFixedCols(1);
-            Grid->SetGridLineWidth(Line);
-            Grid->SetColWidths(0, 30);
-            Grid->Focus(2, 3);
-            Grid->Invalidate();
-        }
-        EXPECT_EQ(Plain.GetSurfaceImage().mirrored(true, false), Mirrored.GetSurfaceImage()) << Line;
-    }
-}
-
 // The picture after any operation is the picture that a full paint gives.
 TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
     const unsigned Seed = 4711;
@@ -157,19 +141,6 @@ TEST(GridPixels, PartialPaintsAddUpToAFullOne) {
                 << Grid.State() << ", options " << Grid.GetOptions().Bits();
         }
     }
-}
-
-// A scrolled strip may begin on the line below a cell that is itself out of view.
-TEST(GridPixels, ScrollingPaintsTheLineAtTheEdgeOfTheStrip) {
-    TColourGrid Grid(100, 100, 1, 50);
-    Grid.SetColWidths(0, 150);
-    Grid.Update();
-    const std::uint64_t Before = Grid.GetPaintedPixels();
-    Grid.ModifyScrollBar(SB_VERT, SB_LINEDOWN, 0, false);
-    const QImage Partial = Grid.GetSurfaceImage();
-    EXPECT_LT(Grid.GetPaintedPixels() - Before, 100u * 60u); // a strip, not all
-    Grid.Invalidate();
-    EXPECT_EQ(Partial, Grid.GetSurfaceImage());
 }
 
 } // namespace

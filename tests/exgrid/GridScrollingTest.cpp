@@ -64,19 +64,6 @@ TEST(GridScrolling, StepsPassOverHiddenRowsAndColumns) {
     EXPECT_EQ(Step(SB_VERT, SB_PAGEDOWN), "0,16") << "on to the next row, not by another page";
 }
 
-TEST(GridScrolling, TheOriginStaysAmongTheScrollableCells) {
-    TTestGrid Grid(228, 124, 4, 1);
-    for (unsigned Code = SB_LINEUP; Code <= SB_BOTTOM; ++Code)
-        Grid.ModifyScrollBar(SB_VERT, Code, 100, false);
-    Grid.SetTopRow(50);
-    EXPECT_EQ(Origin(Grid), "0,1");
-    Grid.SetRowCount(40);
-    Grid.SetTopRow(100);
-    EXPECT_EQ(Origin(Grid), "0,39");
-    Grid.SetTopRow(-3);
-    EXPECT_EQ(Origin(Grid), "0,1");
-}
-
 TEST(GridScrolling, AnOnlyColumnScrollsByPixels) {
     TTestGrid Grid(100, 124, 1, 3);
     Grid.SetColWidths(0, 350);
@@ -139,23 +126,6 @@ TEST(GridScrolling, BarsFollowSizeAndOrigin) {
     EXPECT_EQ(Bars(), "0..127 at 0, hidden");
     Grid.SetBiDiMode(bdRightToLeft);
     EXPECT_EQ(Bar(Grid, SB_HORZ), "0..127 at 127");
-}
-
-TEST(GridScrolling, BarsComeAndGoOncePerChange) {
-    struct TCounting : TTestGrid {
-        using TTestGrid::TTestGrid;
-        int Sizes = 0;
-        void WMSize(TWMSize& Message) override {
-            ++Sizes;
-            TTestGrid::WMSize(Message);
-        }
-    } Grid(400, 300, 20, 100);
-    Grid.SetScrollBars(ssBoth);
-    Grid.Sizes = 0;
-    Grid.SetRowCount(101);
-    EXPECT_EQ(Grid.Sizes, 0);
-    Grid.SetRowCount(2);
-    EXPECT_EQ(Grid.Sizes, 1);
 }
 
 TEST(GridScrolling, TheWheelScrollsOrMoves) {

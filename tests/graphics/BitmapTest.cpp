@@ -181,6 +181,7 @@ TEST(Bitmap, ResourcesHaveBothRepresentations) {
         TBitmap Bitmap;
         ASSERT_TRUE(Bitmap.LoadFromResourceName(Name));
         EXPECT_EQ(Bitmap.GetImage(1.0).size(), QSize(Side, Side));
+        EXPECT_EQ(Bitmap.GetImage(2.0).size(), QSize(2 * Side, 2 * Side));
         // Qt's own ratio must not shrink what is drawn.
         Bitmap.SetTransparentColor(clBlack);
         Bitmap.SetTransparent(true);

@@ -55,22 +55,6 @@ TEST(Handle, IsCreatedByTheFirstShow) {
     EXPECT_TRUE(Control.Take().ends_with("; shown"));
 }
 
-TEST(Handle, RecreatingKeepsFocusTimersGoAndAllIsInvalid) {
-    TLogControl Control;
-    Control.SetBounds(0, 0, 120, 80);
-    Control.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&Control));
-    Control.SetFocus();
-    Control.Update();
-    Control.SetTimer(1, 1000);
-    ASSERT_TRUE(Control.Focused());
-    ASSERT_FALSE(Control.HasInvalidRegion());
-    Control.RecreateWnd();
-    EXPECT_TRUE(Control.Focused());
-    EXPECT_FALSE(Control.HasTimer(1));
-    EXPECT_EQ(Control.GetInvalidBounds(), Control.GetClientRect());
-}
-
 TEST(Handle, ClientSizeIsRightBeforeTheControlIsShown) {
     TLogControl Control;
     Control.ExtraStyle = WS_HSCROLL | WS_VSCROLL;

@@ -220,19 +220,6 @@ TEST_F(InputInWindow, UnusedWheelGoesToTheParent) {
     EXPECT_EQ(Counter.Wheels, 1) << "parts of used notches are used";
 }
 
-TEST(Input, HorizontalWheelScrollsLines) {
-    TActive Control;
-    Control.ExtraStyle = WS_HSCROLL;
-    Control.RecreateWnd();
-    Control.LogScroll = true;
-    SendWheel(Control.windowHandle(), Control.At(30, 30), {-120, 0});
-    EXPECT_EQ(Control.Take(), "") << "no bar, nothing to scroll";
-    Control.ShowScrollBar(SB_HORZ, true);
-    SendWheel(Control.windowHandle(), Control.At(30, 30), {-240, 0});
-    SendWheel(Control.windowHandle(), Control.At(30, 30), {120, 0});
-    EXPECT_EQ(Control.Take(), "h1 0; h1 0; h0 0");
-}
-
 // --- keys ---------------------------------------------------------------------------------------------------------
 
 TEST(Input, VirtualKeys) {

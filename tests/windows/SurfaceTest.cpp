@@ -150,23 +150,6 @@ TEST(Surface, RedrawOffKeepsTheOldPicture) {
     EXPECT_FALSE(Control.HasInvalidRegion()) << "nothing changed meanwhile";
 }
 
-TEST(Surface, NewPartsAreInvalidWhenTheControlGrows) {
-    TShown Control;
-    Control.Fill(Control.GetClientRect(), clBlack);
-    Control.hide();
-    Control.SetBounds(0, 0, 120, 60);
-    EXPECT_EQ(Control.GetInvalidBounds(), (TRect{100, 0, 120, 60}));
-    EXPECT_EQ(Control.PixelAt(99, 59), clBlack) << "old pixels stay";
-    EXPECT_EQ(Control.PixelAt(100, 0), clWhite);
-    Control.SetBounds(0, 0, 50, 40);
-    EXPECT_FALSE(Control.HasInvalidRegion());
-    Control.SetBiDiMode(bdRightToLeft);
-    Control.Update();
-    Control.SetBounds(0, 0, 60, 40);
-    EXPECT_EQ(Control.GetInvalidBounds(), (TRect{0, 0, 60, 40}))
-        << "mirrored contents hang on the right edge";
-}
-
 TEST(Surface, ManyRectanglesBecomeTheirBounds) {
     TShown Control(200, 100);
     for (int I = 0; I < 40; ++I) Control.InvalidatePixels({I * 4, I * 2, I * 4 + 2, I * 2 + 2});
