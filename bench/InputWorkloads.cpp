@@ -97,7 +97,7 @@ TFigure TypeWord(TContender& C, const TSize& Size) {
     return Figure;
 }
 
-// The same letter again and again goes to the next node that begins with it.
+// The same letter again goes to the next node that begins with it, after all were searched for two such letters.
 TFigure TypeAgain(TContender& C, const TSize& Size) {
     OpenExpanded(C, Size);
     C.SetCurrent(GetMiddleNode(C));
@@ -162,7 +162,7 @@ constexpr TWorkload All[] = {
     {"click-check", "click on a check box", "ms", 0, TKind::Action, ClickCheck},
     {"hot-move", "move the mouse to another node", "ms", 0, TKind::Action, MoveMouse},
     {"type-word", "type a letter of a word, match near", "ms", 0, TKind::Action, TypeWord},
-    {"type-again", "type the same letter again", "ms", 0, TKind::Action, TypeAgain},
+    {"type-again", "search for a text that no node has", "ms", 0, TKind::Bulk, TypeAgain},
     {"edit-open", "open the editor", "ms", 0, TKind::Action, EditOpen},
     {"edit-close", "close the editor", "ms", 0, TKind::Action, EditClose},
     {"point-node", "point to node", "us", 0.13, TKind::Action, PointToNode},

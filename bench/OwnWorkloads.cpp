@@ -146,6 +146,63 @@ TFigure ExpandAboveHeights(TContender&, const TSize& Size) {
         21);
 }
 
+// Rows as high as their wrapped texts need.
+struct TWrapped : TWindow {
+    explicit TWrapped(int Nodes) {
+        Tree.SetWordWrap(true);
+        Tree.SetFitToHeight(true);
+        Tree.SetColCount(Columns);
+        for (int Col = 0; Col < Columns; ++Col) Tree.SetColWidths(Col, TContender::ColumnWidths[Col] / 3);
+        const TUpdateBracket Bracket(Tree.GetItems());
+        for (int i = 0; i < Nodes; ++i) {
+            std::string Text;
+            for (int Word = 0; Word < 1 + i % 20; ++Word) Text += "word " + std::to_string(i) + ' ';
+            Tree.GetItems()->AddChild(nullptr, Text);
+        }
+    }
+};
+
+// From filling the tree to the first picture.
+TFigure WrapOpen(TContender&, const TSize& Size) {
+    TWrapped Window(Size.Nodes);
+    const auto Before = Window.Tree.GetPaintCount();
+    const TStopwatch Watch;
+    Settle();
+    const TFigure Figure = Watch.Get();
+    Require(Window.Tree.GetPaintCount() > Before, "nothing was painted");
+    return Figure;
+}
+
+// The thumb of the scroll bar is dragged to rows that were never seen.
+TFigure WrapThumb(TContender&, const TSize& Size) {
+    TWrapped Window(Size.Nodes);
+    Settle();
+    std::mt19937 Random(4);
+    const auto Before = Window.Tree.GetPaintCount();
+    const TFigure Figure = Median([] {},
+                                  [&] {
+                                      const auto Row = Random() % static_cast<unsigned>(Size.Nodes);
+                                      Window.Tree.SetTopRow(1 + static_cast<int>(Row));
+                                      Settle();
+                                  });
+    Require(Window.Tree.GetPaintCount() > Before, "nothing was painted");
+    return Figure;
+}
+
+// The texts of a visible row grow, so that all rows below it move.
+TFigure WrapText(TContender&, const TSize& Size) {
+    TWrapped Window(Size.Nodes);
+    Window.Tree.SetTopRow(Size.Nodes / 2);
+    Settle();
+    TFlyNode* const Node = Window.Tree.GetNodeAtRow(Size.Nodes / 2 + 2);
+    int Turn = 0;
+    return Median([] {},
+                  [&] {
+                      Node->SetText(++Turn % 2 ? "short" : "a text that needs some more lines than one");
+                      Settle();
+                  });
+}
+
 std::string MarkupText(int Number) {
     return "Cell <B>number</B> " + std::to_string(Number) + " <COLOR=#C00000>in red";
 }
@@ -199,6 +256,9 @@ constexpr TWorkload All[] = {
     {"move-to", "move a node among its siblings", "us", 50, TKind::Action, MoveTo, false, true},
     {"heights", "expand above a row of its own height", "ms", 60, TKind::Bulk, ExpandAboveHeights, false,
      true},
+    {"wrap-open", "show a tree with wrapped texts", "ms", 0, TKind::Action, WrapOpen, false, true},
+    {"wrap-thumb", "scroll it to rows never seen", "ms", 0, TKind::Action, WrapThumb, false, true},
+    {"wrap-text", "change a text in it", "ms", 0, TKind::Action, WrapText, false, true},
     {"markup", "full repaint of markup", "ms", 0, TKind::Fixed, PaintMarkup, false, true},
     {"markup-measure", "measure a short markup text", "us", 6, TKind::Fixed, MeasureMarkup, false, true},
 };

@@ -180,6 +180,7 @@ void TFlyNode::FillWindowAfterCollapse() {
     INodeHost* const Host = Container->FHost;
     if (Host->GetRowCount() - Host->GetTopRow() > Host->GetVisibleRowCount()) return;
     const TUpdateBracket Bracket(Container);
+    Container->TouchRow(Container->RowList.GetCount()); // it changes no row
     const int TopRow = std::max(Host->CalcMaxTopRow(Host->GetCol(), GetRow()), Host->GetFixedRows());
     if (TopRow != Host->GetTopRow()) Host->MoveTopLeft(Host->GetCol(), TopRow);
 }

@@ -149,7 +149,7 @@ public:
     // entries or more when none can, -1 when nothing is known of such changes.
     int TakeFirstTouched();
     // To be called by whoever changes RowList by hand, so that the next refresh lists everything anew.
-    void RowListChanged() { RowList.FCurrent = false; }
+    void RowListChanged();
     // The node of row-list entry Index, made from its placeholder when necessary; null outside the list, and when a
     // handler deleted the new node.
     TFlyNode* MaterialiseRow(int Index);

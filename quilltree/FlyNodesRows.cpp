@@ -84,6 +84,11 @@ void TFlyNodes::TakeOver(TTreeSlot* Slot) {
 
 // --- following single changes -----------------------------------------------------------------------------------
 
+// The host is invalid as a whole from then on, so that nothing is computed of what the changes to come invalidate.
+void TFlyNodes::RowListChanged() {
+    if (std::exchange(RowList.FCurrent, false) && FHost && FHost->HasWindow()) FHost->Invalidate();
+}
+
 bool TFlyNodes::CanPatch() const {
     return FHost && RowList.FCurrent && (GetUpdateCount() == 0 || FPatchInBracket);
 }
@@ -124,7 +129,7 @@ void TFlyNodes::SlotsAppeared(TTreeCollection* Parent, int Index, int Count) {
     Touch(Parent, Index < 0 ? Parent->GetCount() - Count : Index);
     if (!IsRowParent(Parent)) return;
     if (!CanPatch()) {
-        RowList.FCurrent = false;
+        RowListChanged();
         return;
     }
     if (Index < 0) Index = Parent->GetCount() - Count;

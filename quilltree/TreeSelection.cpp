@@ -494,6 +494,22 @@ TFlyNode* TCustomQuillTree::IncSearch(TFlyNode* Start) {
     // Once around is enough, also when Start has no row of its own.
     for (int Left = FItems->RowList.GetCount(); Left > 0; --Left, ++Index) {
         if (Index >= FItems->RowList.GetCount()) Index = 0;
+        if (!OnGetEditText) {
+            // Nothing of a node's own text is asked of anybody, so that a whole run of rows is compared at once.
+            int Passed = 0;
+            for (TTreeSlot* const Slot : FItems->RowList.ChunkAt(Index)) {
+                if (Passed == Left || Slot->IsPlaceholder()) break;
+                auto* const Node = static_cast<TFlyNode*>(static_cast<TTreeCollection*>(Slot));
+                if (Node == Start) return Start;
+                if (StartsTextIgnoringCase(Node->GetTextView(), FSearchText)) return Node;
+                ++Passed;
+            }
+            if (Passed > 0) {
+                Left -= Passed - 1;
+                Index += Passed - 1;
+                continue;
+            }
+        }
         TNodeWatch Node(FItems->RowList.NodeAt(Index));
         if (!Node && Creates-- > 0) Node.Reset(FItems->MaterialiseRow(Index));
         if (!Guard || !StartWatch) return nullptr;

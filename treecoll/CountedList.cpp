@@ -241,6 +241,7 @@ void TCountedList<Which>::SetMark(TTreeSlot* Entry, bool Value) {
         if (FindSmall(Entry) >= 0) FMarked += Delta;
     } else if (FTree->Locate(Entry, Place)) {
         FMarked += Delta;
+        if (Value) FTree->MarkedLeaf = Place.Leaf;
         auto& Info = FTree->Info(Place.Leaf);
         Info.Marked = static_cast<std::uint8_t>(Info.Marked + Delta);
     }
@@ -255,6 +256,11 @@ int TCountedList<Which>::FindForward(int From, bool Value) const {
             if (IsMarked(FSmall[U(i)]) == Value) return i;
         }
         return -1;
+    }
+    if (const int Leaf = Value ? FTree->OnlyMarkedLeaf(FMarked) : -1; Leaf >= 0) {
+        const int End = FTree->StartOf(Leaf) + FTree->Info(Leaf).Count;
+        if (From >= End) return -1;
+        From = std::max(From, FTree->StartOf(Leaf));
     }
     int Pos = From;
     int Start = From;
@@ -280,6 +286,11 @@ int TCountedList<Which>::FindBackward(int From, bool Value) const {
             if (IsMarked(FSmall[U(i)]) == Value) return i;
         }
         return -1;
+    }
+    if (const int Leaf = Value ? FTree->OnlyMarkedLeaf(FMarked) : -1; Leaf >= 0) {
+        const int Start = FTree->StartOf(Leaf);
+        if (From < Start) return -1;
+        From = std::min(From, Start + FTree->Info(Leaf).Count - 1);
     }
     int Pos = From;
     int At = From;

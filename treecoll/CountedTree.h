@@ -110,6 +110,8 @@ struct TCountedList<Which>::TTree {
     // The leaf that was looked at last and the position of its first entry; loops by index stay in it.
     mutable int CachedLeaf = -1;
     mutable int CachedStart = 0;
+    // The leaf that got a mark last: often one entry of the list is marked, and found without a walk.
+    int MarkedLeaf = -1;
 
     // --- parts --------------------------------------------------------------------------------------------------
     TTreeSlot** Entries(int Leaf) const {
@@ -244,6 +246,12 @@ struct TCountedList<Which>::TTree {
     TCursor CursorOf(int Leaf) const {
         const int Parent = Info(Leaf).Parent;
         return {Parent, SlotOfLeaf(Leaf)};
+    }
+    // The leaf that holds all of Marked entries, if it is known; -1 otherwise.
+    int OnlyMarkedLeaf(int Marked) const {
+        return MarkedLeaf >= 0 && Info(MarkedLeaf).Parent != FreeLeaf && Info(MarkedLeaf).Marked == Marked
+                   ? MarkedLeaf
+                   : -1;
     }
     int StartOf(int Leaf) const {
         if (Leaf == CachedLeaf) return CachedStart;

@@ -61,12 +61,14 @@ struct TCustomControl::TImpl {
 
     // --- surface (ControlSurface.cpp) -------------------------------------------------------------------------
     // Device pixels, opaque, ratio 1. The canvas is bound to it unless redraw is off. It lies in a buffer with some
-    // rows more, along which it is shifted when the contents scroll, so that most steps copy next to nothing.
+    // rows more, along which it is shifted when the contents scroll, so that most steps copy next to nothing, and with
+    // some columns more.
     QImage Surface;
     std::unique_ptr<QRgb[]> SurfaceBuffer;
-    int SurfaceTop = 0;   // row of the buffer where the surface begins
-    int SurfaceSpare = 0; // rows that the buffer has more
-    QSize SurfaceClient;  // the client size that it stands for
+    int SurfaceTop = 0;    // row of the buffer where the surface begins
+    int SurfaceSpare = 0;  // rows that the buffer has more
+    int SurfaceStride = 0; // pixels of a row of the buffer
+    QSize SurfaceClient;   // the client size that it stands for
     double Scale = 1.0;
     bool Redraw = true;
     QRegion ChangedWhileOff; // what became invalid while redraw was off
@@ -86,8 +88,10 @@ struct TCustomControl::TImpl {
     void FitSurface();
     void DropSurface();
     void MakeSurface(int Width, int Height);
-    QRgb* BufferRow(int Row) {
-        return SurfaceBuffer.get() + static_cast<std::ptrdiff_t>(Row) * Surface.width();
+    void ShowBuffer(int Width, int Height);
+    bool HasRoomFor(QSize Size) const;
+    QRgb* BufferRow(int Row) const {
+        return SurfaceBuffer.get() + static_cast<std::ptrdiff_t>(Row) * SurfaceStride;
     }
     // Shifts the surface so that the rows From .. To - 1 move by ShiftY; the other rows stay. What is uncovered gets
     // the control's colour. False when that would be no gain.

@@ -16,6 +16,8 @@ namespace {
 
 // Above that many rectangles an invalid region is taken by its bounds: clipping to it would cost more than it saves.
 constexpr int MaxInvalidRects = 32;
+// Device pixels beside the surface, so that a scroll bar that comes or goes needs no other memory.
+constexpr int SpareColumns = 64;
 
 QRect ToQt(const TRect& R) { return {R.Left, R.Top, std::max(R.Width(), 0), std::max(R.Height(), 0)}; }
 TRect FromQt(const QRect& R) { return Bounds(R.x(), R.y(), R.width(), R.height()); }
@@ -90,10 +92,17 @@ void TCustomControl::TImpl::FitSurface() {
         return static_cast<int>(std::ceil(Value * NewScale - 1e-6));
     };
     Control.FCanvas->EndPainting();
-    const QImage Old = std::exchange(Surface, QImage());
-    const std::unique_ptr<QRgb[]> OldBuffer = std::move(SurfaceBuffer);
-    if (!Client.isEmpty()) MakeSurface(ToSize(Client.width()), ToSize(Client.height()));
-    const bool Keep = !Old.isNull() && NewScale == Scale;
+    const QSize Size = Client.isEmpty() ? QSize() : QSize(ToSize(Client.width()), ToSize(Client.height()));
+    const bool Keep = !Surface.isNull() && NewScale == Scale;
+    const bool InPlace = Keep && HasRoomFor(Size);
+    const QImage Old = InPlace ? QImage() : std::exchange(Surface, QImage());
+    const std::unique_ptr<QRgb[]> OldBuffer = InPlace ? nullptr : std::move(SurfaceBuffer);
+    if (InPlace) {
+        SurfaceSpare += Surface.height() - Size.height();
+        ShowBuffer(Size.width(), Size.height());
+    } else if (!Size.isEmpty()) {
+        MakeSurface(Size.width(), Size.height());
+    }
     const QRect Kept = Keep ? QRect(QPoint(0, 0), SurfaceClient.boundedTo(Client)) : QRect();
     Scale = NewScale;
     SurfaceClient = Client;
@@ -103,7 +112,7 @@ void TCustomControl::TImpl::FitSurface() {
         // Partly covered device pixels at the old edges are new as well.
         const QRegion KeptDevice = Kept.isEmpty() ? QRegion() : ToDevice(Kept);
         FillSurface(QRegion(Surface.rect()) - KeptDevice);
-        for (const QRect& R : KeptDevice) {
+        for (const QRect& R : InPlace ? QRegion() : KeptDevice) {
             const auto Bytes = static_cast<std::size_t>(R.width()) * sizeof(QRgb);
             for (int Y = R.top(); Y <= R.bottom(); ++Y)
                 std::memcpy(Surface.scanLine(Y), Old.constScanLine(Y), Bytes);
@@ -118,22 +127,38 @@ void TCustomControl::TImpl::FitSurface() {
 void TCustomControl::TImpl::MakeSurface(int Width, int Height) {
     SurfaceTop = 0;
     SurfaceSpare = Height / 2;
+    SurfaceStride = Width + SpareColumns;
     const auto Rows = static_cast<std::size_t>(Height) + static_cast<std::size_t>(SurfaceSpare);
-    SurfaceBuffer = std::make_unique_for_overwrite<QRgb[]>(static_cast<std::size_t>(Width) * Rows);
-    Surface = QImage(reinterpret_cast<uchar*>(SurfaceBuffer.get()), Width, Height,
-                     Width * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
+    SurfaceBuffer = std::make_unique_for_overwrite<QRgb[]>(static_cast<std::size_t>(SurfaceStride) * Rows);
+    ShowBuffer(Width, Height);
+}
+
+// Lets the surface be the rows of the buffer from SurfaceTop on.
+void TCustomControl::TImpl::ShowBuffer(int Width, int Height) {
+    Surface = QImage(reinterpret_cast<uchar*>(BufferRow(SurfaceTop)), Width, Height,
+                     SurfaceStride * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
+}
+
+// Whether a surface of another size fits where the present one is, without a waste of memory. Somebody who holds a copy
+// of the image got the buffer's rows; the surface then has others.
+bool TCustomControl::TImpl::HasRoomFor(QSize Size) const {
+    if (Size.isEmpty() || reinterpret_cast<const QRgb*>(Surface.constBits()) != BufferRow(SurfaceTop))
+        return false;
+    const int Rows = Surface.height() + SurfaceSpare;
+    const int Spare = Rows - Size.height();
+    return Size.width() <= SurfaceStride && Size.width() >= SurfaceStride / 2 && SurfaceTop <= Spare &&
+           Spare >= Size.height() / 4 && Spare <= Size.height();
 }
 
 bool TCustomControl::TImpl::ShiftSurface(int From, int To, int ShiftY) {
     const int Height = Surface.height();
     const int Stay = From + Height - To;
     if (Stay > Height / 4 || std::abs(ShiftY) > SurfaceSpare) return false;
-    // Somebody who holds a copy of the image got the buffer's rows; the surface has others.
-    if (reinterpret_cast<const QRgb*>(Surface.constBits()) != BufferRow(SurfaceTop)) return false;
+    if (!HasRoomFor(Surface.size())) return false;
     const auto Move = [this](int Row, int NewRow, int Count) {
         if (Count > 0)
             std::memmove(BufferRow(NewRow), BufferRow(Row),
-                         static_cast<std::size_t>(Count) * static_cast<std::size_t>(Surface.width()) *
+                         static_cast<std::size_t>(Count) * static_cast<std::size_t>(SurfaceStride) *
                              sizeof(QRgb));
     };
     int NewTop = SurfaceTop - ShiftY;
@@ -148,8 +173,7 @@ bool TCustomControl::TImpl::ShiftSurface(int From, int To, int ShiftY) {
     Move(SurfaceTop + To, NewTop + To, Height - To);
     SurfaceTop = NewTop;
     const int Width = Surface.width();
-    Surface = QImage(reinterpret_cast<uchar*>(BufferRow(SurfaceTop)), Width, Height,
-                     Width * static_cast<int>(sizeof(QRgb)), QImage::Format_RGB32);
+    ShowBuffer(Width, Height);
     FillSurface(ShiftY > 0 ? QRect(0, From, Width, ShiftY) : QRect(0, To + ShiftY, Width, -ShiftY));
     return true;
 }
@@ -231,7 +255,8 @@ void TCustomControl::TImpl::AddInvalid(const QRegion& Region, bool Erase) {
 }
 
 bool TCustomControl::IsAllInvalid() const {
-    return FInvalid.rectCount() == 1 && FInvalid.boundingRect() == FImpl->ClientRect();
+    const QRegion& Region = FImpl->Redraw ? FInvalid : FImpl->ChangedWhileOff;
+    return Region.rectCount() == 1 && Region.boundingRect() == FImpl->ClientRect();
 }
 
 TRect TCustomControl::GetInvalidBounds() const { return FromQt(FInvalid.boundingRect()); }
