@@ -1,7 +1,6 @@
 #include "OutlineEditor.h"
 
 #include "ClipboardText.h"
-#include "OpenBranches.h"
 #include "OutlineTree.h"
 
 #include "../common/OutlineFile.h"
@@ -118,16 +117,14 @@ void TOutlineEditor::CutOut(const QString& Name) {
     Changed(Name, std::move(Step), Next);
 }
 
-// The dialog gives all nodes back as new ones, with all branches closed.
+// The dialog gives all nodes back as new ones.
 void TOutlineEditor::EditNodes() {
     FTree->HideEditor();
     const QScopedValueRollback<bool> Working(FWorking, true);
     TFlyNodes& Nodes = *FTree->GetItems();
     auto Step = std::make_unique<TReplaceStep>(*FTree);
-    const TOpenBranches Open(Nodes);
     quill::EditNodes(&Nodes, {}, FTree->window());
     if (!Step->IsNeeded(*FTree)) return;
-    Open.Restore(Nodes);
     MakeRoomFor(Nodes);
     TFlyNode* const First = Nodes.GetFirstNode();
     Changed(tr("Edit Nodes"), std::move(Step), First ? std::vector{First} : std::vector<TFlyNode*>());

@@ -1,6 +1,5 @@
 #include "StructureUndo.h"
 
-#include "OpenBranches.h"
 #include "OutlineTree.h"
 
 #include "../common/OutlineFile.h"
@@ -116,8 +115,7 @@ std::vector<TFlyNode*> TOrderStep::Revert(TOutlineTree& Tree) {
 namespace {
 
 std::string AllNodes(TOutlineTree& Tree) {
-    const TSaveNodesOptions Fields = DefaultOptions() + TSaveNodesOptions{tsnIncludeUniqueTags};
-    return OutlineText(*Tree.GetItems(), Fields - TSaveNodesOptions{tsnIncludeExpands});
+    return OutlineText(*Tree.GetItems(), DefaultOptions() + TSaveNodesOptions{tsnIncludeUniqueTags});
 }
 
 } // namespace
@@ -129,11 +127,9 @@ bool TReplaceStep::IsNeeded(TOutlineTree& Tree) const { return FNodesText != All
 std::vector<TFlyNode*> TReplaceStep::Revert(TOutlineTree& Tree) {
     const TReplaceStep Now(Tree);
     TFlyNodes& Nodes = *Tree.GetItems();
-    const TOpenBranches Open(Nodes);
     TOutline Other;
     Other.Bytes = std::make_unique<TMemoryStream>(FNodesText);
     LoadOutline(Other, Nodes);
-    Open.Restore(Nodes);
     Tree.SetColumns(FColumns);
     *this = Now;
     TFlyNode* const First = Nodes.GetFirstNode();
