@@ -29,7 +29,6 @@ TEditorTree::TEditorTree(QWidget* AParent) : TQuillTree(AParent) {
     SetToolTips(false);
     SetLineColor(clBtnFace);
     SetFixedLineColor(clBtnShadow);
-    SetFitColumnToClientWidth(true);
     // What is dragged goes where the mark says.
     SetDropMarks(true);
     SetAutoDrop(true);
@@ -38,7 +37,6 @@ TEditorTree::TEditorTree(QWidget* AParent) : TQuillTree(AParent) {
 
 void TEditorTree::ShowColumns() {
     SetOptions(GetOptions() + TGridOptions{goFixedVertLine, goVertLine, goColSizing, goColMoving});
-    SetFitColumnToClientWidth(false);
 }
 
 void TEditorTree::KeyDown(std::uint16_t& Key, TShiftState Shift) {

@@ -36,7 +36,7 @@ const char* const AlignNames[] = {"Left", "Right", "Center"};
 constexpr int NominalFontSize = 12;
 constexpr QSize ClientSize{576, 319};
 constexpr QSize LeastTreeSize{300, 150};
-constexpr int ColumnWidth = 485; // at first; then the column is as wide as the tree
+constexpr int ColumnWidth = 485;
 constexpr int RowPadding = 6;
 constexpr int Margin = 8;
 constexpr int Spacing = 6;
