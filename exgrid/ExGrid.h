@@ -203,6 +203,8 @@ public:
     void InvalidateGrid();
     // What looks different with the focus than without: everything, since a drawing handler may ask for it.
     virtual void InvalidateFocused() { InvalidateGrid(); }
+    // What a descendant marks in the columns of the selected range beyond its rows.
+    virtual void InvalidateMarked() {}
     // Ignored outside the grid, and for the current cell while the editor covers it.
     virtual void InvalidateCell(int ACol, int ARow);
     // Rows 0 .. VisibleRowCount + 1, even when the grid is scrolled down.

@@ -215,6 +215,8 @@ bool TCustomExGrid::InSelection(int ACol, int ARow) { return PointInGridRect(ACo
 void TCustomExGrid::SelectionMoved(const TGridRect& OldSel) {
     if (!HandleAllocated()) return;
     const TGridRect NewSel = GetSelection();
+    // A descendant may mark rows outside the range in its columns.
+    if (OldSel.Left != NewSel.Left || OldSel.Right != NewSel.Right) InvalidateMarked();
     if (OldSel != NewSel && HasOption(goRowSelect) && HasOption(goDrawFocusSelected)) {
         // The focus frame runs around the whole selection.
         InvalidateRect(OldSel);

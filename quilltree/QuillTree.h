@@ -479,6 +479,9 @@ public:
     void Notification(TComponent* AComponent, TOperation Operation) override;
     void CMFontChanged(TMessage& Message) override;
     void InvalidateFocused() override;
+    void InvalidateMarked() override;
+    template <class TWanted>
+    void InvalidateRowsWhere(TWanted Wanted);
 
     // --- what the node model asks and tells (quilltree/NodeHost.h) ----------------------------------------------
     TCustomQuillTree* GetTreeControl() override { return this; }

@@ -423,6 +423,7 @@ int TCustomQuillTree::CalcNodeHeight(TFlyNode* Node, int Col) {
 
 void TCustomQuillTree::RefreshRowHeights() {
     if (FItems) FItems->ResetStoredHeights();
+    InvalidateGrid();
 }
 
 int TCustomQuillTree::DisplayWidth(TFlyNode* Node) {

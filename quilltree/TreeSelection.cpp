@@ -136,17 +136,30 @@ bool TCustomQuillTree::InSelection(int ACol, int ARow) {
     return Node && Node->GetSelected();
 }
 
-// Rows that are selected or current; a descendant may mark the whole of them.
-void TCustomQuillTree::InvalidateFocused() {
+// Invalidates those of the rows in view for which Wanted(Row, whether its node is selected) holds.
+template <class TWanted>
+void TCustomQuillTree::InvalidateRowsWhere(TWanted Wanted) {
     if (!HandleAllocated() || !FItems) return;
     TExGridDI DI;
     CalcDI(DI);
-    const TGridRect Range = TCustomExGrid::GetSelection();
     for (int Row = GetTopRow(); Row <= DI.Vert.LastFullVisibleCell + 1; ++Row) {
         const TFlyNode* const Node = FItems->RowList.NodeAt(Row - GetFixedRows());
-        if ((Node && Node->GetSelected()) || Row == GetRow() || (Row >= Range.Top && Row <= Range.Bottom))
-            InvalidateRow(Row);
+        if (Wanted(Row, Node && Node->GetSelected())) InvalidateRow(Row);
     }
+}
+
+// Rows that are selected or current; a descendant may mark the whole of them.
+void TCustomQuillTree::InvalidateFocused() {
+    const TGridRect Range = TCustomExGrid::GetSelection();
+    InvalidateRowsWhere([&](int Row, bool Selected) {
+        return Selected || Row == GetRow() || (Row >= Range.Top && Row <= Range.Bottom);
+    });
+}
+
+void TCustomQuillTree::InvalidateMarked() {
+    const TGridRect Range = TCustomExGrid::GetSelection();
+    InvalidateRowsWhere(
+        [&](int Row, bool Selected) { return Selected && (Row < Range.Top || Row > Range.Bottom); });
 }
 
 // --- moving ------------------------------------------------------------------------------------------------------
