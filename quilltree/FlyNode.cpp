@@ -256,6 +256,23 @@ TFlyNode* TFlyNode::NextExisting(const TFlyNode* Root, bool SkipChildren) const 
     return nullptr;
 }
 
+// NextExisting for a leaf, past the siblings behind it that are leaves too: their list is read run by run.
+TFlyNode* TFlyNode::NextPastLeaves(const TFlyNode* Root) const {
+    if (this == Root || !GetCollection()) return nullptr;
+    const TChildList& Siblings = *GetCollection()->GetChildList();
+    for (int Index = Siblings.IndexOf(this) + 1; Index < Siblings.GetCount();) {
+        const auto Run = Siblings.ChunkAt(Index);
+        for (TTreeSlot* const Slot : Run) {
+            if (Slot->IsPlaceholder()) continue;
+            TFlyNode* const Node = AsNode(static_cast<TTreeCollection*>(Slot));
+            if (Node && Node->GetChildren()) return Node;
+        }
+        Index += static_cast<int>(Run.size());
+    }
+    TFlyNode* const Parent = GetParent();
+    return Parent ? Parent->NextExisting(Root, true) : nullptr;
+}
+
 TFlyNode* TFlyNode::GetNextVisible() {
     INodeHost* const Host = GetHost();
     return Host ? Host->GetNextVisible(this) : nullptr;

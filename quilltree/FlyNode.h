@@ -308,6 +308,7 @@ private:
     // children on demand.
     TFlyNode* NextExisting(const TFlyNode* Root, bool SkipChildren = false) const;
     TFlyNode* NextExistingSibling() const;
+    TFlyNode* NextPastLeaves(const TFlyNode* Root) const;
     static TFlyNode* FirstExistingFrom(TTreeSlot* Slot, const TTreeCollection* Parent);
     void AcquireAnchor(TAnchor* Anchor);
     void ReleaseAnchor();

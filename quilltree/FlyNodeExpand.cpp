@@ -62,7 +62,8 @@ void TFlyNode::ExpandItem(bool Expand, bool Recurse) {
                 Node->GetHost()->HideEditor();
                 if (Gone.IsGone(this) || Gone.IsGone(Node)) return;
             }
-            Node = Node->NextExisting(this);
+            const bool Closed = !Expand || EditorClosed || !Node->GetHost();
+            Node = Closed ? Node->NextPastLeaves(this) : Node->NextExisting(this);
             continue;
         }
         // Where to go on if a handler deletes the node, or moves it out of this subtree: behind it, as far as that
